@@ -1,0 +1,21 @@
+// A small pool of recycled picture buffers: page faults of fresh memory cost several times any good kernel.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace pictorel {
+
+// A block of at least the asked size, 64-byte aligned (2 MiB-aligned and advised to huge pages when large).
+// Content is undefined. When the last owner lets go, a large block goes back to the pool, which keeps at most
+// kPooledBytes and frees the rest. Throws ImagingError(OutOfMemory). Safe to use from several threads.
+std::shared_ptr<std::uint8_t> TakeBuffer(std::size_t bytes);
+
+// Frees every block that nobody uses; called when a much smaller picture replaces a large one.
+void TrimBufferPool() noexcept;
+
+// Bytes that the pool holds and nobody uses.
+std::size_t PooledBytes() noexcept;
+
+} // namespace pictorel

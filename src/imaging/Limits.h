@@ -1,0 +1,15 @@
+// The sizes a picture may have, checked right after a header is read and before memory is taken.
+#pragma once
+
+#include <cstdint>
+
+namespace pictorel {
+
+inline constexpr int kMaximumSide = 32767; // pixels; sizes are 16-bit signed numbers above
+inline constexpr std::int64_t kMaximumPixels = std::int64_t{1} << 30; // one gigapixel
+
+// Throws ImagingError(TooLarge) naming the size where a side is above kMaximumSide or the area above
+// kMaximumPixels, and ImagingError(UnsupportedFormat) where a side is below 1.
+void CheckPictureSize(std::int64_t width, std::int64_t height);
+
+} // namespace pictorel

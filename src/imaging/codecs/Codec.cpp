@@ -1,0 +1,36 @@
+// The table of picture formats, see Codec.h.
+#include "imaging/codecs/Codec.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace pictorel::codecs {
+namespace {
+
+bool SameLetters(std::string_view a, std::string_view b) noexcept {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
+}
+
+} // namespace
+
+std::span<const Codec> Codecs() noexcept {
+    return {};
+}
+
+const Codec* FindCodecByContent(ByteView file) noexcept {
+    const auto codecs = Codecs();
+    const auto found =
+        std::find_if(codecs.begin(), codecs.end(), [&](const Codec& c) { return c.sniff(file); });
+    return found == codecs.end() ? nullptr : &*found;
+}
+
+const Codec* FindCodecByExtension(std::string_view extension) noexcept {
+    const auto codecs = Codecs();
+    const auto found = std::find_if(codecs.begin(), codecs.end(), [&](const Codec& c) {
+        return c.write != nullptr && SameLetters(c.extension, extension);
+    });
+    return found == codecs.end() ? nullptr : &*found;
+}
+
+} // namespace pictorel::codecs

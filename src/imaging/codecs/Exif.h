@@ -1,0 +1,26 @@
+// The EXIF block of a picture: its orientation, its resolution, and resetting the orientation once applied.
+#pragma once
+
+#include "imaging/codecs/Codec.h"
+
+namespace pictorel::codecs {
+
+// The EXIF orientation 1..8 of a TIFF-structured block ("II*\0" or "MM\0*" first); 1 where it is missing or
+// damaged.
+int ExifOrientation(ByteView exif) noexcept;
+
+// A copy of the block with its orientation set to 1; an empty buffer where the block is damaged beyond use.
+ByteBuffer WithUprightOrientation(ByteView exif);
+
+// Pixels per inch from the block's XResolution, YResolution and ResolutionUnit; 0 where missing.
+struct Resolution {
+    double dotsPerInchX = 0;
+    double dotsPerInchY = 0;
+};
+Resolution ExifResolution(ByteView exif) noexcept;
+
+// The picture turned and mirrored as the orientation 1..8 asks, so that it is upright. 1 returns it
+// unchanged.
+PixelArray ApplyOrientation(PixelArray picture, int orientation);
+
+} // namespace pictorel::codecs

@@ -1,0 +1,18 @@
+// Operations that first measure the whole picture: automatic contrast and levels, equalisation.
+#pragma once
+
+#include "imaging/PixelArray.h"
+
+namespace pictorel::engine {
+
+// Stretches so that 0.5 % of the pixels clip at each end: one map from luma, used for all channels.
+PixelArray AutoContrast(const PixelArray& source);
+
+// The same, one map per channel.
+PixelArray AutoLevels(const PixelArray& source);
+
+// Histogram equalisation of luma, mixed in with `weight` (1 is full equalisation, 0 leaves the picture as it
+// is).
+PixelArray Equalize(const PixelArray& source, double weight);
+
+} // namespace pictorel::engine
