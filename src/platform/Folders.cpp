@@ -1,0 +1,126 @@
+// The folders on disk that the editor uses, see Folders.h.
+#include "platform/Folders.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <array>
+#include <cstdlib>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace pictorel {
+namespace {
+
+constexpr int kLongestPath = 254; // a buffer of 255 characters with its closing zero
+constexpr int kSecondsToSettle = 60;
+const auto kFolderPattern = QStringLiteral("pictorel-*");
+const auto kLockName = QStringLiteral("lock");
+
+int OpenLock(const QString& folder, int flags) {
+    const QByteArray name = QFile::encodeName(folder + u'/' + kLockName);
+    return ::open(name.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | flags, S_IRUSR | S_IWUSR);
+}
+
+// Whether the folder is ours and nobody alive holds its lock. One without a lock may be a second old.
+bool IsAbandoned(const QFileInfo& folder) {
+    if (folder.isSymLink() || folder.ownerId() != ::getuid()) {
+        return false;
+    }
+    const int lock = OpenLock(folder.filePath(), 0);
+    if (lock < 0) {
+        return folder.lastModified().secsTo(QDateTime::currentDateTime()) > kSecondsToSettle;
+    }
+    const bool free = ::flock(lock, LOCK_EX | LOCK_NB) == 0;
+    ::close(lock);
+    return free;
+}
+
+void SweepAbandonedFolders(const QString& root) {
+    const auto folders =
+        QDir(root).entryInfoList({kFolderPattern}, QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
+    for (const QFileInfo& folder : folders) {
+        if (IsAbandoned(folder)) {
+            QDir(folder.filePath()).removeRecursively();
+        }
+    }
+}
+
+} // namespace
+
+QString ApplicationFolder() {
+    return QCoreApplication::applicationDirPath();
+}
+
+QString PlatformPath(const QString& path) {
+    QString result = path;
+    return result.replace(u'\\', QDir::separator());
+}
+
+QString GetSpecialPath(int folderNumber) {
+    constexpr std::array<std::pair<int, QStandardPaths::StandardLocation>, 3> kFolders{{
+        {kPicturesFolder, QStandardPaths::PicturesLocation},
+        {kDocumentsFolder, QStandardPaths::DocumentsLocation},
+        {kDesktopFolder, QStandardPaths::DesktopLocation},
+    }};
+    for (const auto& [number, location] : kFolders) {
+        if (number != folderNumber) {
+            continue;
+        }
+        const QString path = QStandardPaths::writableLocation(location);
+        if (!path.isEmpty() && QFileInfo(path).isDir()) {
+            return QDir::cleanPath(path) + QDir::separator();
+        }
+    }
+    return {};
+}
+
+WorkingFolder::WorkingFolder() {
+    SweepAbandonedFolders(QDir::tempPath());
+    Create();
+}
+
+WorkingFolder::~WorkingFolder() {
+    Remove();
+}
+
+QString WorkingFolder::GetTempFolder() {
+    if (path_.isEmpty() || !QFileInfo(path_).isDir()) {
+        Remove();
+        Create();
+    }
+    return path_.isEmpty() ? QString() : path_ + QDir::separator();
+}
+
+void WorkingFolder::Create() {
+    QByteArray name = QFile::encodeName(QDir::tempPath() + QStringLiteral("/pictorel-XXXXXX"));
+    if (name.size() + 1 > kLongestPath || ::mkdtemp(name.data()) == nullptr) { // mode 0700
+        return;
+    }
+    path_ = QFile::decodeName(name);
+    lock_ = OpenLock(path_, O_CREAT);
+    if (lock_ >= 0) {
+        ::flock(lock_, LOCK_EX | LOCK_NB);
+    }
+}
+
+void WorkingFolder::Remove() noexcept {
+    if (!path_.isEmpty()) {
+        QDir(path_).removeRecursively();
+        path_.clear();
+    }
+    if (lock_ >= 0) {
+        ::close(lock_);
+        lock_ = -1;
+    }
+}
+
+} // namespace pictorel

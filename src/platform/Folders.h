@@ -1,0 +1,44 @@
+// The folders on disk that the editor uses: its own, the user's, and a private one for working files.
+#pragma once
+
+#include <QString>
+
+namespace pictorel {
+
+// The folder of the executable file, without a trailing separator.
+QString ApplicationFolder();
+
+// A path written with backslashes ("\pics\img_open.png") in the platform's form. The one place that does so.
+QString PlatformPath(const QString& path);
+
+// Numbers of the user's folders, as desktop shells number them.
+inline constexpr int kDocumentsFolder = 5;
+inline constexpr int kDesktopFolder = 16;
+inline constexpr int kPicturesFolder = 39;
+
+// The user's folder of that number followed by one separator; empty where there is none or it does not exist.
+QString GetSpecialPath(int folderNumber);
+
+// The folder of this process's working files: inside the system's temporary folder, readable by this user only, so
+// that two running editors never touch each other's history. It is removed with the object. Folders left behind by
+// dead processes are swept when one is made; a living owner holds a lock on its own.
+class WorkingFolder {
+  public:
+    WorkingFolder();
+    ~WorkingFolder();
+    WorkingFolder(const WorkingFolder&) = delete;
+    WorkingFolder& operator=(const WorkingFolder&) = delete;
+
+    // The folder's path with its trailing separator. Asked afresh at every call: a folder that somebody deleted is
+    // made again. Empty where the system has no temporary folder whose path fits 255 characters.
+    QString GetTempFolder();
+
+  private:
+    void Create();
+    void Remove() noexcept;
+
+    QString path_;
+    int lock_ = -1; // descriptor of the lock file inside, held for the life of the process
+};
+
+} // namespace pictorel
