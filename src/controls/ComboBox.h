@@ -1,0 +1,23 @@
+// A list to choose from, each entry with a data text.
+#pragma once
+
+#include <QComboBox>
+
+#include "controls/Control.h"
+
+namespace pictorel {
+
+class ComboBox : public QComboBox, public Control {
+    Q_OBJECT
+
+  public:
+    explicit ComboBox(QWidget* parent);
+
+    void Clear() { clear(); }
+    void AddEntry(const QString& label, const QString& data) { addItem(label, data); }
+    QString SelectedText() const { return currentText(); }
+    QString SelectedData() const { return currentData().toString(); }
+    void Select(int row) { setCurrentIndex(row); } // -1: none
+};
+
+} // namespace pictorel

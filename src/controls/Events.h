@@ -1,0 +1,36 @@
+// Binds handlers to controls; the bindings die with their owner, and no exception crosses the event loop.
+#pragma once
+
+#include <QObject>
+
+#include <exception>
+#include <utility>
+
+namespace pictorel {
+
+class Events {
+  public:
+    // Runs `handler` with the signal's arguments whenever `sender` raises it. What escapes the handler ends there:
+    // every handler that owes the person a message shows it itself.
+    template <typename Sender, typename Signal, typename Handler>
+    void On(Sender& sender, Signal signal, Handler handler) {
+        QObject::connect(&sender, signal, &owner_, Guarded(std::move(handler)));
+    }
+
+    // The handler as a function that lets no exception out, for calls that are not signals.
+    template <typename Handler>
+    static auto Guarded(Handler handler) {
+        return [handler = std::move(handler)](auto&&... arguments) {
+            try {
+                handler(std::forward<decltype(arguments)>(arguments)...);
+            } catch (const std::exception& error) {
+                qWarning("A handler failed: %s", error.what());
+            }
+        };
+    }
+
+  private:
+    QObject owner_;
+};
+
+} // namespace pictorel

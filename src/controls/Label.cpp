@@ -1,0 +1,21 @@
+// A text on the window, see Label.h.
+#include "controls/Label.h"
+
+#include <QPainter>
+#include <QStyle>
+
+namespace pictorel {
+
+Label::Label(QWidget* parent) : QLabel(parent), Control(static_cast<QWidget&>(*this)) {
+    setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    setTextFormat(Qt::PlainText);
+}
+
+void Label::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
+                          QPalette::WindowText);
+}
+
+} // namespace pictorel

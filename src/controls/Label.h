@@ -1,0 +1,24 @@
+// A text on the window.
+#pragma once
+
+#include <QLabel>
+
+#include "controls/Control.h"
+
+namespace pictorel {
+
+class Label : public QLabel, public Control {
+    Q_OBJECT
+
+  public:
+    explicit Label(QWidget* parent);
+
+    void SetCaption(const QString& text) override { setText(text); }
+    QString Caption() const { return text(); }
+
+  protected:
+    // A text too long for its place ends in an ellipsis and shows whole as a tool tip.
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace pictorel

@@ -1,0 +1,21 @@
+// The modal message boxes on the screen.
+#pragma once
+
+#include "platform/Messages.h"
+
+class QWidget;
+
+namespace pictorel {
+
+class MessageBoxes : public Messages {
+  public:
+    explicit MessageBoxes(QWidget* owner) : owner_(owner) {}
+
+    void Show(const QString& text, const QString& title, MessageIcon icon) override;
+    MessageAnswer AskYesNoCancel(const QString& text, const QString& title) override;
+
+  private:
+    QWidget* owner_;
+};
+
+} // namespace pictorel

@@ -1,0 +1,10 @@
+// How far a long operation has come, see ProgressBar.h.
+#include "controls/ProgressBar.h"
+
+namespace pictorel {
+
+ProgressBar::ProgressBar(QWidget* parent) : QProgressBar(parent), Control(static_cast<QWidget&>(*this)) {
+    setTextVisible(false);
+}
+
+} // namespace pictorel

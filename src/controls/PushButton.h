@@ -1,0 +1,53 @@
+// A push button with a picture, a caption or both.
+#pragma once
+
+#include <QAbstractButton>
+#include <QIcon>
+
+#include "controls/Control.h"
+
+namespace pictorel {
+
+class PushButton : public QAbstractButton, public Control {
+    Q_OBJECT
+
+  public:
+    explicit PushButton(QWidget* parent);
+
+    void SetCaption(const QString& text) override;
+    QString Caption() const { return text(); }
+    void SetImage(const QIcon& image);
+
+    // Flat buttons show no frame until the pointer is on them.
+    void SetFlat(bool flat);
+
+    // The attention state that a blinking button alternates.
+    void SetHighlighted(bool highlighted);
+    bool IsHighlighted() const { return highlighted_; }
+
+    // A button that only carries a picture looks by its own enabled state, not by its container's, and takes no
+    // focus and no clicks.
+    void SetDecorative(bool decorative);
+
+    void SetEnabled(bool enabled) override;
+
+    QSize sizeHint() const override;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    bool LooksEnabled() const { return decorative_ ? IsEnabled() : isEnabled(); }
+    void PaintFrame(QPainter& painter) const;
+    void PaintContent(QPainter& painter) const;
+
+    QIcon image_;
+    bool flat_ = false;
+    bool highlighted_ = false;
+    bool decorative_ = false;
+};
+
+} // namespace pictorel

@@ -1,0 +1,19 @@
+// A scroll bar.
+#pragma once
+
+#include <QScrollBar>
+
+#include "controls/Control.h"
+
+namespace pictorel {
+
+class ScrollBar : public QScrollBar, public Control {
+    Q_OBJECT
+
+  public:
+    explicit ScrollBar(QWidget* parent);
+
+    void SetOrientation(Qt::Orientation orientation) { setOrientation(orientation); }
+};
+
+} // namespace pictorel

@@ -1,0 +1,20 @@
+// A small marker, decoration only.
+#pragma once
+
+#include <QWidget>
+
+#include "controls/Control.h"
+
+namespace pictorel {
+
+class Shape : public QWidget, public Control {
+    Q_OBJECT
+
+  public:
+    explicit Shape(QWidget* parent);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace pictorel

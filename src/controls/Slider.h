@@ -1,0 +1,57 @@
+// A horizontal slider with tick marks that tells when it is pressed, moved and let go.
+#pragma once
+
+#include <QSlider>
+
+#include "controls/Control.h"
+
+namespace pictorel {
+
+class Slider : public QSlider, public Control {
+    Q_OBJECT
+
+  public:
+    explicit Slider(QWidget* parent);
+
+    void SetRange(int minimum, int maximum) { setRange(minimum, maximum); }
+    void SetSteps(int small, int large);
+    void SetTickSpacing(int spacing);
+
+    // The value at which the slider does nothing; the track is filled from there to the thumb. A slider without
+    // one fills from its minimum.
+    void SetNeutral(int value);
+
+    int Value() const { return value(); }
+    // Values outside the range are clamped. Raises no ValueChanged: only what the person does is an event.
+    void SetValue(int value);
+
+  signals:
+    void Pressed();
+    void Changed(int value);
+    void Released();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    QSize sizeHint() const override;
+
+  private:
+    double XOf(int value) const;
+    int ValueAt(double x) const;
+    void ChangeTo(int value);
+
+    int tickSpacing_ = 0;
+    int neutral_ = 0;
+    bool hasNeutral_ = false;
+    bool held_ = false;
+    bool dragging_ = false;
+    double grabOffset_ = 0;
+};
+
+} // namespace pictorel

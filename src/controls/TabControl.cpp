@@ -1,0 +1,47 @@
+// Tabs, each showing one panel, see TabControl.h.
+#include "controls/TabControl.h"
+
+#include <QPainter>
+
+namespace pictorel {
+namespace {
+
+constexpr int kTabHeight = 32; // pixels
+
+} // namespace
+
+TabControl::TabControl(QWidget* parent)
+    : QWidget(parent), Control(static_cast<QWidget&>(*this)), tabs_(new QTabBar(this)) {
+    tabs_->setExpanding(true);
+    tabs_->setDrawBase(false);
+    tabs_->setUsesScrollButtons(false);
+    tabs_->setAccessibleName(tr("Tool pages"));
+    connect(tabs_, &QTabBar::currentChanged, this, &TabControl::ShowSelected);
+}
+
+void TabControl::AddTab(const QString& caption, ContainerPanel& panel) {
+    panels_.push_back(&panel);
+    tabs_->addTab(caption);
+    ShowSelected();
+}
+
+void TabControl::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    tabs_->setGeometry(0, 0, width(), kTabHeight);
+}
+
+void TabControl::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.setBrush(palette().color(QPalette::Base));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, kTabHeight - 0.5, -0.5, -0.5), 4, 4);
+}
+
+void TabControl::ShowSelected() {
+    for (std::size_t i = 0; i < panels_.size(); ++i) {
+        panels_[i]->setVisible(static_cast<int>(i) == tabs_->currentIndex());
+    }
+}
+
+} // namespace pictorel
