@@ -1,0 +1,35 @@
+// Converts a picture file into a JPEG of another size, see FileConverter.h.
+#include "imaging/objects/FileConverter.h"
+
+#include <utility>
+
+#include "imaging/ImagingError.h"
+#include "imaging/engine/Resample.h"
+
+namespace pictorel {
+namespace {
+
+constexpr int kQuality = 100;
+
+} // namespace
+
+FileConverter::FileConverter(ImageCodec& codec, std::shared_ptr<const WorkingFileMemory> memory)
+    : codec_(codec), memory_(std::move(memory)) {}
+
+void FileConverter::SetOutputSize(std::int32_t width, std::int32_t height) {
+    width_ = width;
+    height_ = height;
+}
+
+void FileConverter::Convert(const std::string& source, const std::string& target) {
+    PixelArray picture = memory_->PixelsOf(source);
+    if (picture.IsEmpty() && !codec_.Read(source, picture)) {
+        throw ImagingError(ImagingFailure::UnsupportedFormat, "The file " + source + " is no picture.");
+    }
+    PixelArray reduced = engine::Resize(picture, width_, height_);
+    reduced.SetReduction(picture.Reduction() * width_ / picture.Width());
+    codec_.SetQuality(kQuality);
+    codec_.Write(reduced, target, "JPG");
+}
+
+} // namespace pictorel

@@ -1,0 +1,28 @@
+// Converts a picture file into a JPEG of another size, behind the ImageConvert interface.
+#pragma once
+
+#include <memory>
+
+#include "imaging/ImageCodec.h"
+#include "imaging/ImageConvert.h"
+#include "imaging/objects/WorkingFileMemory.h"
+
+namespace pictorel {
+
+// The result carries its Reduction: its width / the width of the source.
+class FileConverter : public ImageConvert {
+  public:
+    FileConverter(ImageCodec& codec, std::shared_ptr<const WorkingFileMemory> memory);
+
+    void SetOutputSize(std::int32_t width, std::int32_t height) override;
+    void UseWholePicture() override {} // a file that shows a part is converted whole like any other
+    void Convert(const std::string& source, const std::string& target) override;
+
+  private:
+    ImageCodec& codec_;
+    std::shared_ptr<const WorkingFileMemory> memory_;
+    std::int32_t width_ = 0;
+    std::int32_t height_ = 0;
+};
+
+} // namespace pictorel

@@ -1,0 +1,31 @@
+// Picture files of every format of the codec table, behind the ImageCodec interface.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "imaging/ImageCodec.h"
+#include "imaging/objects/WorkingFileMemory.h"
+
+namespace pictorel {
+
+// Tells whether a file name is of one of this process's own working files. They carry what JPEG cannot hold in a
+// private segment, which is believed in them only.
+using IsWorkingFile = std::function<bool(const std::string& fileName)>;
+
+class PictureFileCodec : public ImageCodec {
+  public:
+    PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory);
+
+    bool Read(const std::string& fileName, PixelArray& picture) override;
+    void Write(const PixelArray& picture, const std::string& fileName, std::string_view format) override;
+    void SetQuality(int quality) override { quality_ = quality; }
+
+  private:
+    IsWorkingFile isWorkingFile_;
+    std::shared_ptr<WorkingFileMemory> memory_;
+    int quality_ = 100;
+};
+
+} // namespace pictorel

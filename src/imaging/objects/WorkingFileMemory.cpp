@@ -1,0 +1,45 @@
+// Remembers which pixels the newest working file holds, see WorkingFileMemory.h.
+#include "imaging/objects/WorkingFileMemory.h"
+
+#include <filesystem>
+
+namespace pictorel {
+
+void WorkingFileMemory::Remember(const std::string& fileName, const PixelArray& picture) {
+    if (picture.Reduction() != 1.0) {
+        return; // a reduced copy must not push out the picture that it was made from
+    }
+    fileName_ = fileName;
+    linkedName_.clear();
+    picture_ = picture;
+}
+
+std::optional<std::string> WorkingFileMemory::FileOf(const PixelArray& picture) const {
+    const bool same = picture_.SharesPixelsWith(picture) && picture_.HasAlpha() == picture.HasAlpha() &&
+                      picture_.Reduction() == picture.Reduction() && picture_.Details() == picture.Details();
+    std::error_code error;
+    return same && std::filesystem::exists(fileName_, error) ? std::optional(fileName_) : std::nullopt;
+}
+
+PixelArray WorkingFileMemory::PixelsOf(const std::string& fileName) const {
+    const bool known = !fileName.empty() && (fileName == fileName_ || fileName == linkedName_);
+    return known ? picture_ : PixelArray();
+}
+
+bool WorkingFileMemory::LinkAs(const std::string& fileName, const PixelArray& picture) {
+    const auto file = FileOf(picture);
+    if (!file) {
+        return false;
+    }
+    // Working files are only ever replaced as a whole, so two names of one file never disturb each other.
+    std::error_code error;
+    std::filesystem::remove(fileName, error);
+    std::filesystem::create_hard_link(*file, fileName, error);
+    if (error) {
+        return false;
+    }
+    linkedName_ = fileName;
+    return true;
+}
+
+} // namespace pictorel

@@ -1,0 +1,180 @@
+// The working picture, see WorkingPicture.h.
+#include "imaging/objects/WorkingPicture.h"
+
+#include "imaging/ImagingError.h"
+#include "imaging/engine/Filters.h"
+#include "imaging/engine/Geometry.h"
+#include "imaging/engine/HistogramOperations.h"
+#include "imaging/engine/PointOperations.h"
+#include "imaging/engine/Resample.h"
+#include "imaging/engine/Stylize.h"
+
+namespace pictorel {
+namespace {
+
+constexpr double kBlurUnit = 10.0;    // strength of one pixel of standard deviation
+constexpr double kSharpenUnit = 25.0; // strength of amount 1
+
+} // namespace
+
+const PixelArray& WorkingPicture::Source() const {
+    if (picture_.IsEmpty()) {
+        throw ImagingError(ImagingFailure::InvalidValue, "There is no picture.");
+    }
+    return picture_;
+}
+
+void WorkingPicture::CopyPicture(PixelArray& picture) const {
+    picture = Source();
+}
+
+void WorkingPicture::CopySecondPlane(PixelArray& plane) const {
+    plane = Source(); // the alpha lies in the fourth component of the same array
+}
+
+void WorkingPicture::AutoContrast() {
+    picture_ = engine::AutoContrast(Source());
+}
+
+void WorkingPicture::AutoLevels() {
+    picture_ = engine::AutoLevels(Source());
+}
+
+void WorkingPicture::Brightness(std::int32_t amount) {
+    picture_ = engine::Brightness(Source(), amount);
+}
+
+void WorkingPicture::Contrast(double factor) {
+    picture_ = engine::Contrast(Source(), factor);
+}
+
+void WorkingPicture::Gamma(double gamma) {
+    picture_ = engine::Gamma(Source(), gamma);
+}
+
+void WorkingPicture::Hue(double degrees) {
+    picture_ = engine::Hue(Source(), degrees);
+}
+
+void WorkingPicture::Lightness(double amount) {
+    picture_ = engine::Lightness(Source(), amount);
+}
+
+void WorkingPicture::Saturation(double amount) {
+    picture_ = engine::Saturation(Source(), amount);
+}
+
+void WorkingPicture::RedChannel(std::int32_t amount) {
+    picture_ = engine::AddToChannels(Source(), amount, 0, 0);
+}
+
+void WorkingPicture::GreenChannel(std::int32_t amount) {
+    picture_ = engine::AddToChannels(Source(), 0, amount, 0);
+}
+
+void WorkingPicture::BlueChannel(std::int32_t amount) {
+    picture_ = engine::AddToChannels(Source(), 0, 0, amount);
+}
+
+void WorkingPicture::Colorize(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
+    picture_ = engine::Colorize(Source(), red, green, blue);
+}
+
+void WorkingPicture::Invert() {
+    picture_ = engine::Invert(Source());
+}
+
+void WorkingPicture::Equalize(double weight) {
+    picture_ = engine::Equalize(Source(), weight);
+}
+
+void WorkingPicture::Threshold(std::uint8_t level) {
+    picture_ = engine::Threshold(Source(), level);
+}
+
+void WorkingPicture::Posterize(std::int32_t levels) {
+    picture_ = engine::Posterize(Source(), levels);
+}
+
+void WorkingPicture::MinimalFilter(std::int32_t radius) {
+    picture_ = engine::MinimumFilter(Source(), radius);
+}
+
+void WorkingPicture::MaximalFilter(std::int32_t radius) {
+    picture_ = engine::MaximumFilter(Source(), radius);
+}
+
+void WorkingPicture::Blur(double strength) {
+    picture_ = engine::GaussianBlur(Source(), strength / kBlurUnit);
+}
+
+void WorkingPicture::Sharpen(double strength) {
+    picture_ = engine::UnsharpMask(Source(), strength / kSharpenUnit);
+}
+
+void WorkingPicture::MotionBlur(double degrees, std::int32_t length) {
+    picture_ = engine::MotionBlur(Source(), degrees, length);
+}
+
+void WorkingPicture::GaussianBlur(std::int32_t sigma) {
+    picture_ = engine::GaussianBlur(Source(), sigma);
+}
+
+void WorkingPicture::ZoomBlur(double percent) {
+    picture_ = engine::ZoomBlur(Source(), percent);
+}
+
+void WorkingPicture::Noise(std::int32_t percent, bool /*monochrome*/) {
+    picture_ = engine::Noise(Source(), percent);
+}
+
+void WorkingPicture::Diffuse(std::int32_t radius, double percent) {
+    picture_ = engine::Diffuse(Source(), radius, percent);
+}
+
+void WorkingPicture::Emboss(double degrees, std::int32_t height, double amount) {
+    picture_ = engine::Emboss(Source(), degrees, height, amount);
+}
+
+void WorkingPicture::Mosaic(std::int32_t size, bool /*centred*/) {
+    picture_ = engine::Mosaic(Source(), size);
+}
+
+void WorkingPicture::Halftone(std::int32_t size, double gain) {
+    picture_ = engine::Halftone(Source(), size, gain);
+}
+
+void WorkingPicture::Mirror(bool topToBottom) {
+    picture_ = topToBottom ? engine::MirrorTopToBottom(Source()) : engine::MirrorLeftToRight(Source());
+}
+
+void WorkingPicture::Rotate(double degrees, ColourValue background) {
+    picture_ = engine::Rotate(Source(), degrees, background);
+}
+
+void WorkingPicture::Resize(std::int32_t width, std::int32_t height, std::int32_t /*method*/,
+                            ColourValue /*background*/) {
+    picture_ = engine::Resize(Source(), width, height);
+}
+
+void WorkingPicture::Perspective(bool vertical, double degrees) {
+    picture_ = engine::Perspective(Source(), vertical, degrees, background_);
+}
+
+void WorkingPicture::Skew(bool vertical, double degrees) {
+    picture_ = engine::Skew(Source(), vertical, degrees, background_);
+}
+
+void WorkingPicture::Twirl(double degrees) {
+    picture_ = engine::Twirl(Source(), degrees, background_);
+}
+
+void WorkingPicture::Reproduce(std::int32_t count) {
+    picture_ = engine::Reproduce(Source(), count);
+}
+
+void WorkingPicture::QuarterTurn(std::int32_t direction) {
+    picture_ = direction < 0 ? engine::QuarterTurnLeft(Source()) : engine::QuarterTurnRight(Source());
+}
+
+} // namespace pictorel
