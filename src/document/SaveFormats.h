@@ -1,0 +1,60 @@
+// The formats that pictures are saved in, and the filters of the Open and Save dialogs.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+namespace pictorel {
+
+struct SaveFormat {
+    std::string_view extension; // upper case
+    bool hasQuality;            // written at quality 100
+};
+
+// In the order in which an extension is looked up.
+inline constexpr std::array<SaveFormat, 11> kSaveFormats{{
+    {"J2K", true},
+    {"JPG", true},
+    {"BMP", false},
+    {"GIF", false},
+    {"PNG", false},
+    {"TIF", false},
+    {"TGA", false},
+    {"RAS", false},
+    {"PCX", false},
+    {"WMF", false},
+    {"EMF", false},
+}};
+
+inline constexpr int kSaveQuality = 100;
+
+inline constexpr std::string_view kOpenFilter =
+    "All Supported Picture "
+    "Files|*.bmp;*.dib;*.rle;*.gif;*.png;*.jpg;*.jpe;*.jpeg;*.tif;*.tiff;*.cpt;*.jp2;*.jpc;*.j2k;*.tga;*.pcx;*.ras;*."
+    "wmf;*.emf|"
+    "BMP Windows Bitmap (*.BMP;*.DIB;*.RLE)|*.bmp;*.dib;*.rle|"
+    "GIF Graphics Interchange Format (*.GIF)|*.gif|"
+    "PNG Portable Network Graphics (*.PNG)|*.png|"
+    "JPEG Joint Photographic Expert Group (*.JPG;*.JPE;*.JPEG)|*.jpg;*.jpe;*.jpeg|"
+    "JP2 Jpeg 2000 File Format (*.JP2;*.JPC;*.J2K)|*.jp2;*.jpc;*.j2k|"
+    "TGA Targa (*.TGA)|*.tga|"
+    "PCX ZSoft Paintbrush File (*.PCX)|*.pcx|"
+    "TIFF Tagged-Image File Format (*.TIF,*.TIFF,*.CPT)|*.tif;*.tiff;*.cpt|"
+    "RAS Sun Raster File (*.RAS)|*.ras|"
+    "WMF Standard Windows Metafile (*.WMF)|*.wmf|"
+    "EMF Enhanced Windows Metafile (*.EMF)|*.emf|";
+
+inline constexpr std::string_view kSaveFilter =
+    "JPG - JPEG |*.jpg|"
+    "PNG - Portable Network Graphics |*.png|"
+    "GIF - CompuServe GIF |*.gif|"
+    "BMP - Windows Bitmap |*.bmp|"
+    "TIFF - Tag Image File Format |*.tif|"
+    "J2K - JPEG 2000 |*.j2k|"
+    "TGA - Targa |*.tga|"
+    "RAS - Sun Raster File Image |*.ras|"
+    "PCX - ZSoft Paintbrush File |*.pcx|"
+    "WMF - Standard Windows Metafile |*.wmf|"
+    "EMF - Enhanced Windows Metafile |*.emf|";
+
+} // namespace pictorel
