@@ -1,0 +1,34 @@
+// Runs one operation on the committed picture or on the preview copy and shows the result.
+#pragma once
+
+#include <functional>
+
+#include "controls/ProgressBar.h"
+#include "document/ImageOperations.h"
+#include "document/Image_Mods.h"
+#include "operations/OperationTable.h"
+
+namespace pictorel {
+
+class OperationDispatcher : public ImageOperations {
+  public:
+    // Gives the view of the preview window, which is made when first asked for.
+    using PreviewView = std::function<ImageView&()>;
+
+    OperationDispatcher(Image_Mods& document, ProgressBar& progressBar, PreviewView previewView);
+
+    // Starts from PreviewPixels (previewMode) or ImagePixels, so calls never pile up; leaves both as they are. A
+    // step that fails is skipped: the view is then refreshed from the unchanged picture. A code outside 0..35
+    // changes no pixels. Sets the changed mark in either mode.
+    void ApplyImageOperation(PictureSlot slot, std::int32_t code, bool previewMode, std::int32_t value1,
+                             std::int32_t value2, std::int32_t value3) override;
+
+  private:
+    static void ShowResult(ImageTransform& transform, ImageView& view);
+
+    Image_Mods& document_;
+    ProgressBar& progressBar_;
+    PreviewView previewView_;
+};
+
+} // namespace pictorel
