@@ -1,0 +1,38 @@
+// The attention devices of the main window: splash, getting-started tag, and the blink of a button.
+#pragma once
+
+#include <QTimer>
+
+#include <cstdint>
+
+#include "controls/Events.h"
+#include "controls/PopupControl.h"
+#include "controls/PushButton.h"
+
+namespace pictorel {
+
+// Both start their notice and return; a step that fails is skipped, and the notice may then not appear.
+// `temporaryFolder` ends with its separator; `splash` is the picture's bytes, PNG.
+void ShowSplashPopup(PopupControl& popup, const QByteArray& splash, const QString& temporaryFolder);
+void ShowGettingStartedTag(PopupControl& popup, const QPoint& window, const QString& picture);
+
+class Popup_Mod {
+  public:
+    explicit Popup_Mod(QTimer& timer_Blink);
+
+    // Starts or stops the blink: the button's highlighted state alternates at each tick, three times, and ends plain.
+    void BlinkButton(PushButton& button, bool on, int intervalMilliseconds);
+
+    void Timer_Blink_Timer();
+    bool IsBlinking() const { return timer_Blink_.isActive(); }
+
+    PushButton* BlinkTarget = nullptr;
+
+  private:
+    QTimer& timer_Blink_;
+    bool blinkState_ = false; // kept between blinks
+    std::int16_t blinkCount_ = 0;
+    Events events_;
+};
+
+} // namespace pictorel

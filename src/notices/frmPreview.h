@@ -1,0 +1,44 @@
+// The floating window that shows the preview of an adjustment while its slider is held.
+#pragma once
+
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+#include "imaging/desktop/PictureView.h"
+#include "operations/LivePreview.h"
+
+namespace pictorel {
+
+// What the window reads when it loads: where it goes, and the picture it is for.
+struct PreviewPlacement {
+    std::int32_t top = 0;  // twips on the screen
+    std::int32_t left = 0; // twips on the screen: the left edge of the tool panels
+    int pictureWidth = 0;
+    int pictureHeight = 0;
+    ColourValue background = 0;
+};
+
+class frmPreview : public PreviewWindow {
+  public:
+    frmPreview(QWidget& owner, std::function<PreviewPlacement()> placement);
+    ~frmPreview() override;
+
+    ImageView& View() override;
+    void SetTitle(const QString& title) override;
+    void ShowModeless() override;
+    void Unload() override;
+
+    bool IsLoaded() const { return window_ != nullptr; }
+
+  private:
+    void Load();
+
+    QWidget& owner_;
+    std::function<PreviewPlacement()> placement_;
+    std::unique_ptr<QWidget> window_;
+    PictureView* view_ = nullptr; // lives in window_
+};
+
+} // namespace pictorel
