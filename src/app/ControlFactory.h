@@ -1,0 +1,14 @@
+// Makes the main window's controls from its inventory.
+#pragma once
+
+#include "controls/ControlArray.h"
+
+class QWidget;
+
+namespace pictorel {
+
+// Creates every control of MainWindowControls() below `window`, named "Cmd_Panel_3" (arrays) or "HistoryList"
+// (single controls), and registers it.
+void CreateControls(QWidget& window, ControlRegistry& registry);
+
+} // namespace pictorel

@@ -1,0 +1,47 @@
+// The inventory of the main window: every control with its kind, container, place and texts.
+#pragma once
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "controls/Twips.h"
+
+namespace pictorel {
+
+enum class ControlKind {
+    ContainerPanel,
+    PushButton,
+    Line,
+    ImageView,
+    HorizontalScrollBar,
+    VerticalScrollBar,
+    GroupBox,
+    Label,
+    Slider,
+    ProgressBar,
+    TabControl,
+    RadioButton,
+    ComboBox,
+    EditField,
+    UpDown,
+    ReportList,
+    Shape,
+};
+
+struct ControlRow {
+    std::string_view name;
+    int index; // elements of an array stand in index order
+    ControlKind kind;
+    std::string_view parent;
+    TwipsRect place; // relative to the parent; zero where the layout computes it
+    std::string_view caption = {};
+    std::string_view toolTip = {};
+    bool shown = true;
+};
+
+// Parents before children, elements of an array in index order. The rows of the slider pages are computed from the
+// slider catalogue, on one grid for all pages.
+std::vector<ControlRow> MainWindowControls();
+
+} // namespace pictorel

@@ -1,0 +1,111 @@
+// The main window: it owns the controls and the objects that handle them, and wires them together.
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+
+#include "app/ApplicationStrings.h"
+#include "app/Layout.h"
+#include "controls/CommonDialog.h"
+#include "controls/ControlArray.h"
+#include "controls/Events.h"
+#include "controls/IconStore.h"
+#include "controls/MessageBoxes.h"
+#include "controls/PopupControl.h"
+#include "controls/SkinFramework.h"
+#include "document/EditHistory.h"
+#include "document/EditorServices.h"
+#include "document/FileCommands.h"
+#include "document/Image_Mods.h"
+#include "document/PictureFiles.h"
+#include "imaging/ImageConvert.h"
+#include "notices/Popup_Mod.h"
+#include "notices/WebSite.h"
+#include "notices/frmPreview.h"
+#include "operations/LivePreview.h"
+#include "operations/OperationDispatcher.h"
+#include "operations/ReducedCopy.h"
+#include "operations/RotateFlip.h"
+#include "operations/ToolPanels.h"
+#include "resize/ResizePanel.h"
+#include "view/ZoomScroll.h"
+
+namespace pictorel {
+
+class frmMain : public QWidget, private EditorServices {
+    Q_OBJECT
+
+  public:
+    frmMain();
+    ~frmMain() override;
+
+    const ControlRegistry& Controls() const { return controls_; }
+    Image_Mods& Document() { return document_; }
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    friend class StartUp; // the load handler of this window, in a file of its own
+
+    void MakeImagingObjects();
+    void MakeCapabilities();
+    void ArrangeControls();
+    void RunLayout();
+    bool Form_QueryUnload(); // false keeps the window open
+    void Form_Unload();
+
+    void SetEditingEnabled(bool enabled) override { toolPanels_->SetEditingEnabled(enabled); }
+    void ResetSliderGroup(int group) override { toolPanels_->ResetSliderGroup(group); }
+    void ResetResizePanel() override { resizePanel_->RadioButton_Resize_Click(0); }
+    void CheckOriginalSize() override;
+    void UpdatePreviewImage(PictureSlot slot) override { reducedCopy_->UpdatePreviewImage(slot); }
+    void UpdateZoomView(PictureSlot slot) override { zoomScroll_->UpdateZoomView(slot); }
+    void RepaintWindow() override { repaint(); }
+    void EndAttention() override;
+    void ShowAbout() override;
+
+    PushButton& UndoButton() const { return controls_.Array<PushButton>("Cmd_Panel")(2); }
+    PushButton& RedoButton() const { return controls_.Array<PushButton>("Cmd_Panel")(3); }
+    ReportList& HistoryList() const { return controls_.Single<ReportList>("HistoryList"); }
+
+    // Made first and gone last: everything below refers to these.
+    ApplicationStrings strings_;
+    Image_Mods document_;
+    ControlRegistry controls_;
+    IconStore icons_;
+    SkinFramework SkinFramework_;
+    MessageBoxes messages_{this};
+    CommonDialog CDialog_Open_{this};
+    PopupControl PopupControl_Splash_{this};
+    PopupControl PopupControl_Tag_{this};
+    QTimer Timer_StartUp_;
+    QTimer Timer_Blink_;
+    QTimer Timer_Tags_;
+
+    std::unique_ptr<ImageTransform> imageTransform_;
+    std::unique_ptr<ImageConvert> imageConvert_;
+    std::unique_ptr<frmPreview> preview_;
+    std::unique_ptr<PictureFiles> files_;
+    std::unique_ptr<EditHistory> history_;
+    std::unique_ptr<HistoryPanel> historyPanel_;
+    std::unique_ptr<OperationDispatcher> dispatcher_;
+    std::unique_ptr<ReducedCopy> reducedCopy_;
+    std::unique_ptr<LivePreview> livePreview_;
+    std::unique_ptr<ToolPanels> toolPanels_;
+    std::unique_ptr<RotateFlip> rotateFlip_;
+    std::unique_ptr<ZoomScroll> zoomScroll_;
+    std::unique_ptr<Layout> layout_;
+    std::unique_ptr<ResizePanel> resizePanel_;
+    std::unique_ptr<FileCommands> fileCommands_;
+    std::unique_ptr<Popup_Mod> popups_;
+    std::unique_ptr<ShareButtons> shareButtons_;
+    Events events_;
+};
+
+} // namespace pictorel

@@ -1,0 +1,48 @@
+// The process: it loads the main window, and the window's end is its end.
+#include <QApplication>
+#include <QIcon>
+#include <QStyleFactory>
+
+#include <array>
+#include <cstdlib>
+
+#include "app/StartUp.h"
+#include "app/frmMain.h"
+#include "platform/Folders.h"
+
+namespace {
+
+constexpr std::array kIconSizes{16, 24, 32, 48, 64, 72, 96, 128};
+
+QIcon ApplicationIcon() {
+    QIcon icon;
+    for (const int size : kIconSizes) {
+        icon.addFile(pictorel::ApplicationFolder() +
+                     pictorel::PlatformPath(QStringLiteral("\\pics\\app_icon_%1.png").arg(size)));
+    }
+    return icon;
+}
+
+} // namespace
+
+int main(int argumentCount, char* arguments[]) {
+    QApplication application(argumentCount, arguments);
+    QApplication::setApplicationName(QStringLiteral("Pictorel"));
+    QApplication::setApplicationVersion(QStringLiteral(PICTOREL_VERSION));
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setQuitOnLastWindowClosed(false); // notices come and go while the main window stays
+    QApplication::setWindowIcon(ApplicationIcon());
+
+    pictorel::frmMain window;
+    pictorel::StartUp startUp(window);
+    const QString commandLine = QApplication::arguments().mid(1).join(u' ');
+    switch (startUp.Form_Load(commandLine)) {
+        case pictorel::StartResult::HomePage:
+            return pictorel::kHomePageExitCode;
+        case pictorel::StartResult::Failed:
+            return EXIT_FAILURE;
+        case pictorel::StartResult::Started:
+            break;
+    }
+    return QApplication::exec();
+}
