@@ -5,11 +5,13 @@
 #include "imaging/desktop/PixelMath.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace pictorel {
 namespace {
 
-constexpr int kDeepestLevel = 15; // the longest side there is has come down to one pixel
+// In one go: a copy of fewer rows would not keep all cores busy while it reads the whole picture.
+constexpr int kMostHalvings = 4;
 constexpr double kSameScale = 1e-12;
 
 // Two rows of the source give one row of `pairs` pixels, of which the last may stand for a single column.
@@ -30,17 +32,51 @@ void HalveRows(const std::uint8_t* upper, const std::uint8_t* lower, int width, 
     }
 }
 
-PixelArray Halved(const PixelArray& source, bool premultiply) {
-    PixelArray halved((source.Width() + 1) / 2, (source.Height() + 1) / 2);
+// What a side comes to when it is halved `levels` times, odd pixels counting whole.
+int HalvedSide(int side, int levels) {
+    return (side + (1 << levels) - 1) >> levels;
+}
+
+// Makes rows of the copy `levels` halvings below a source; what lies between stays in cache and is not kept.
+class RowHalver {
+  public:
+    RowHalver(const PixelArray& source, bool premultiply, int levels)
+        : source_(source), premultiply_(premultiply), between_(static_cast<std::size_t>(levels)) {
+        for (int level = 1; level < levels; ++level)
+            between_[static_cast<std::size_t>(level)].resize(
+                static_cast<std::size_t>(HalvedSide(source.Width(), level)) * 8);
+    }
+
+    // Row `y` of the copy `level` halvings below.
+    void MakeRow(int level, int y, std::uint8_t* halved) {
+        const int second = std::min(2 * y + 1, HalvedSide(source_.Height(), level - 1) - 1);
+        if (level == 1) {
+            const auto halve = premultiply_ ? HalveRows<true> : HalveRows<false>;
+            halve(source_.Row(2 * y), source_.Row(second), source_.Width(), halved);
+            return;
+        }
+        const int width = HalvedSide(source_.Width(), level - 1);
+        std::uint8_t* const upper = between_[static_cast<std::size_t>(level) - 1].data();
+        std::uint8_t* const lower = upper + std::ptrdiff_t{4} * width;
+        MakeRow(level - 1, 2 * y, upper);
+        MakeRow(level - 1, second, lower);
+        HalveRows<false>(upper, lower, width, halved);
+    }
+
+  private:
+    const PixelArray& source_;
+    bool premultiply_;
+    std::vector<std::vector<std::uint8_t>> between_; // two rows of each level
+};
+
+PixelArray Halved(const PixelArray& source, bool premultiply, int levels) {
+    PixelArray halved(HalvedSide(source.Width(), levels), HalvedSide(source.Height(), levels));
     halved.SetHasAlpha(source.HasAlpha());
     std::uint8_t* const rows = halved.WritableRows();
-    ForEachBand(halved.Height(), 2 * source.RowBytes() + halved.RowBytes(), [&](int first, int end) {
-        for (int y = first; y < end; ++y) {
-            const std::uint8_t* const upper = source.Row(2 * y);
-            const std::uint8_t* const lower = source.Row(std::min(2 * y + 1, source.Height() - 1));
-            const auto halve = premultiply ? HalveRows<true> : HalveRows<false>;
-            halve(upper, lower, source.Width(), rows + y * halved.Stride());
-        }
+    ForEachBand(halved.Height(), source.RowBytes() << levels, [&](int first, int end) {
+        RowHalver halver(source, premultiply, levels);
+        for (int y = first; y < end; ++y)
+            halver.MakeRow(levels, y, rows + y * halved.Stride());
     });
     return halved;
 }
@@ -60,12 +96,18 @@ const PixelArray& PicturePyramid::Level(int level) {
     if (level == 0 || picture_.IsEmpty()) {
         return picture_;
     }
-    while (halved_.size() < static_cast<std::size_t>(level)) {
-        const bool first = halved_.empty();
-        const PixelArray& source = first ? picture_ : halved_.back();
-        halved_.push_back(Halved(source, first && source.HasAlpha()));
+    PixelArray& wanted = halved_[static_cast<std::size_t>(level)];
+    if (wanted.IsEmpty()) {
+        if (level > kMostHalvings) {
+            Level(level - kMostHalvings);
+        }
+        int finer = level - 1;
+        while (finer > 0 && halved_[static_cast<std::size_t>(finer)].IsEmpty())
+            --finer;
+        const PixelArray& source = finer == 0 ? picture_ : halved_[static_cast<std::size_t>(finer)];
+        wanted = Halved(source, finer == 0 && picture_.HasAlpha(), level - finer);
     }
-    return halved_[static_cast<std::size_t>(level) - 1];
+    return wanted;
 }
 
 } // namespace pictorel

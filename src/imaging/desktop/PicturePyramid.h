@@ -3,13 +3,14 @@
 
 #include "imaging/PixelArray.h"
 
-#include <vector>
+#include <array>
+#include <utility>
 
 namespace pictorel {
 
 // Level 0 is the picture itself; a pixel of level n is the mean of 2 x 2 pixels of level n - 1, with what an
 // odd side leaves alone counted twice. From level 1 on colour is premultiplied when the picture has alpha.
-// All levels together take a third of the picture's memory.
+// All levels together take a third of the picture's memory, and only those that were asked for take any.
 class PicturePyramid {
   public:
     PicturePyramid() = default;
@@ -17,7 +18,10 @@ class PicturePyramid {
 
     const PixelArray& Picture() const noexcept { return picture_; }
 
-    // Makes the levels up to this one where they are missing. Throws ImagingError(OutOfMemory).
+    // The longest side that there is has come down to one pixel here.
+    static constexpr int kDeepestLevel = 15;
+
+    // Made from the nearest finer level that there is. Throws ImagingError(OutOfMemory).
     const PixelArray& Level(int level);
 
     // The level from which a zoom below 1 is drawn with a scale in (0.5, 1], so that a filter of two pixels'
@@ -26,7 +30,7 @@ class PicturePyramid {
 
   private:
     PixelArray picture_;
-    std::vector<PixelArray> halved_; // halved_[n] is level n + 1
+    std::array<PixelArray, kDeepestLevel + 1> halved_; // by level, empty until asked for
 };
 
 } // namespace pictorel

@@ -1,4 +1,4 @@
-// Weights and row loops of the view's filters, see ViewFilters.h.
+// Weights of the view's filters, see ViewFilters.h.
 #include "imaging/desktop/ViewFilters.h"
 
 #include <algorithm>
@@ -6,10 +6,6 @@
 
 namespace pictorel {
 namespace {
-
-constexpr int kMixedBits = 6; // a byte times 64 leaves 16 bits room for overshoot
-constexpr int kRowShift = kWeightBits - kMixedBits;
-constexpr int kColumnShift = kWeightBits + kMixedBits;
 
 // Rounds weights whose sum is 1 to whole numbers whose sum is kWholeWeight; the largest takes what rounding
 // left.
@@ -29,49 +25,6 @@ std::array<std::int16_t, 4> WholeWeights(const std::array<double, 4>& weights) {
 std::array<double, 4> CubicWeights(double t) {
     return {((-0.5 * t + 1.0) * t - 0.5) * t, (1.5 * t - 2.5) * t * t + 1.0, ((-1.5 * t + 2.0) * t + 0.5) * t,
             (0.5 * t - 0.5) * t * t};
-}
-
-template <int kTaps>
-void MixRowsOf(const std::array<const std::uint8_t*, 4>& rows, const std::array<std::int16_t, 4>& weights,
-               int count, std::int16_t* mixed) {
-    const std::uint8_t* const row0 = rows[0];
-    const std::uint8_t* const row1 = rows[1];
-    const std::uint8_t* const row2 = rows[2];
-    const std::uint8_t* const row3 = rows[kTaps - 1];
-    const std::int16_t weight0 = weights[0];
-    const std::int16_t weight1 = weights[1];
-    const std::int16_t weight2 = weights[2];
-    const std::int16_t weight3 = kTaps == 4 ? weights[3] : std::int16_t{0};
-    for (int i = 0; i < count; ++i) {
-        int sum = row0[i] * weight0 + row1[i] * weight1 + row2[i] * weight2 + (1 << (kRowShift - 1));
-        if constexpr (kTaps == 4) {
-            sum += row3[i] * weight3;
-        }
-        mixed[i] = static_cast<std::int16_t>(sum >> kRowShift);
-    }
-}
-
-template <int kTaps>
-void MixColumnsOf(const std::int16_t* mixed, int firstColumn, const std::vector<Taps>& columns,
-                  std::uint8_t* pixels) {
-    for (const Taps& taps : columns) {
-        const std::int16_t* const source = mixed + 4 * (taps.first - firstColumn);
-        std::array<int, 4> sums;
-        sums.fill(1 << (kColumnShift - 1));
-        for (int t = 0; t < kTaps; ++t) {
-            for (int c = 0; c < 4; ++c)
-                sums[static_cast<std::size_t>(c)] +=
-                    source[4 * t + c] * taps.weights[static_cast<std::size_t>(t)];
-        }
-        if constexpr (kTaps == kCubicTaps) {
-            sums[3] = std::clamp(sums[3], 0, 255 << kColumnShift);
-            for (std::size_t c = 0; c < 3; ++c)
-                sums[c] = std::clamp(sums[c], 0, sums[3]);
-        }
-        for (std::size_t c = 0; c < 4; ++c)
-            pixels[c] = static_cast<std::uint8_t>(sums[c] >> kColumnShift);
-        pixels += 4;
-    }
 }
 
 } // namespace
@@ -117,17 +70,6 @@ std::vector<int> NearestPixels(const SourceScale& scale, Span drawn) {
             static_cast<int>(std::clamp<double>(place, 0, last));
     }
     return pixels;
-}
-
-void MixRows(int taps, const std::array<const std::uint8_t*, 4>& rows,
-             const std::array<std::int16_t, 4>& weights, int count, std::int16_t* mixed) {
-    (taps == kAreaTaps ? MixRowsOf<kAreaTaps> : MixRowsOf<kCubicTaps>)(rows, weights, count, mixed);
-}
-
-void MixColumns(int taps, const std::int16_t* mixed, int firstColumn, const std::vector<Taps>& columns,
-                std::uint8_t* pixels) {
-    (taps == kAreaTaps ? MixColumnsOf<kAreaTaps> : MixColumnsOf<kCubicTaps>)(mixed, firstColumn, columns,
-                                                                             pixels);
 }
 
 } // namespace pictorel

@@ -37,13 +37,16 @@ std::vector<Taps> CubicTaps(const SourceScale& scale, Span drawn);
 // The source pixel under the middle of each drawn device pixel.
 std::vector<int> NearestPixels(const SourceScale& scale, Span drawn);
 
+// Pixels that MixColumns reads, and does not use, beyond the last that it needs.
+inline constexpr int kMixedPadding = 2;
+
 // mixed[i] = 64 * (sum of weights[t] * rows[t][i]) for `count` bytes; `taps` is kAreaTaps or kCubicTaps.
 void MixRows(int taps, const std::array<const std::uint8_t*, 4>& rows,
              const std::array<std::int16_t, 4>& weights, int count, std::int16_t* mixed);
 
 // Mixes along a row of MixRows, whose first pixel is source pixel `firstColumn`; one pixel for each of
-// `columns`. With four taps, which may overshoot, no component comes out above its alpha.
-void MixColumns(int taps, const std::int16_t* mixed, int firstColumn, const std::vector<Taps>& columns,
+// `columns`. What overshoots is cut to 0 .. 255, and colour to its pixel's alpha.
+void MixColumns(const std::int16_t* mixed, int firstColumn, const std::vector<Taps>& columns,
                 std::uint8_t* pixels);
 
 } // namespace pictorel

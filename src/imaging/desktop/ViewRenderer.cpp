@@ -136,7 +136,7 @@ class BandPainter {
         : plan_(plan),
           read_{std::max(plan.source.begin, 0), std::min(plan.source.end, plan.level->Width())},
           rows_(*plan.level, plan.premultiply, read_),
-          mixed_(static_cast<std::size_t>(plan.source.Length()) * 4) {}
+          mixed_(static_cast<std::size_t>(plan.source.Length() + kMixedPadding) * 4) {}
 
     void DrawRow(int y, std::uint8_t* pixels) {
         if (plan_.method == Method::Area || plan_.method == Method::Cubic) {
@@ -190,7 +190,7 @@ void BandPainter::DrawFiltered(int y, std::uint8_t* pixels) {
     std::int16_t* const end = first + std::ptrdiff_t{4} * read_.Length();
     for (int x = read_.end; x < plan_.source.end; ++x)
         std::copy_n(end - 4, 4, end + std::ptrdiff_t{4} * (x - read_.end));
-    MixColumns(plan_.TapCount(), mixed_.data(), plan_.source.begin, plan_.columnTaps, pixels);
+    MixColumns(mixed_.data(), plan_.source.begin, plan_.columnTaps, pixels);
 }
 
 // The cells hang on the picture, so that dragging moves them with it.
