@@ -1,0 +1,27 @@
+// Maps of 256 entries, see ByteMap.h.
+#include "imaging/engine/ByteMap.h"
+
+#include "imaging/engine/PointRows.h"
+#include "imaging/engine/RowLoop.h"
+
+namespace pictorel::engine {
+
+ByteMap IdentityMap() {
+    return MakeByteMap([](int c) { return c; });
+}
+
+PixelArray ApplyMap(const PixelArray& source, const ByteMap& map) {
+    return ApplyMaps(source, {map, map, map});
+}
+
+PixelArray ApplyMaps(const PixelArray& source, const ColourMaps& maps) {
+    const ByteMap identity = IdentityMap();
+    if (maps.blue == identity && maps.green == identity && maps.red == identity) {
+        return source;
+    }
+    return MapRows(source, [&](const std::uint8_t* in, std::uint8_t* out, int width) {
+        scalar::MapRow(in, out, width, maps);
+    });
+}
+
+} // namespace pictorel::engine

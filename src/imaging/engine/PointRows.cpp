@@ -1,0 +1,135 @@
+// What the operations on single pixels do to one row, as plain loops, see PointRows.h.
+#include "imaging/engine/PointRows.h"
+
+#include "imaging/engine/Luma.h"
+#include "imaging/engine/Rounding.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace pictorel::engine::scalar {
+namespace {
+
+constexpr int kComponents = PixelArray::kComponents;
+
+// The extremes and their sum and difference: HSL on a scale of 0..255 (Smith 1978, "Color gamut transform
+// pairs"): lightness is sum / 510, chroma is spread / 255.
+struct Extremes {
+    float lowest;
+    float highest;
+
+    explicit Extremes(const std::uint8_t* p)
+        : lowest(std::min({p[0], p[1], p[2]})), highest(std::max({p[0], p[1], p[2]})) {}
+
+    float Sum() const { return lowest + highest; }
+    float Spread() const { return highest - lowest; }
+};
+
+// Hue in sextants, 0..6 from red over yellow, green, cyan, blue and magenta; any value where spread is 0.
+float HueOf(const std::uint8_t* p, const Extremes& e) {
+    const float blue = p[0];
+    const float green = p[1];
+    const float red = p[2];
+    const float perSpread = 1.0F / std::max(e.Spread(), 1.0F);
+    if (red == e.highest) {
+        const float hue = (green - blue) * perSpread;
+        return hue < 0 ? hue + 6.0F : hue;
+    }
+    return green == e.highest ? (blue - red) * perSpread + 2.0F : (red - green) * perSpread + 4.0F;
+}
+
+} // namespace
+
+void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum) {
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
+        for (std::size_t k = 0; k < kComponents; ++k) {
+            out[k] =
+                static_cast<std::uint8_t>(std::clamp(in[k], sum.lowest[k], sum.highest[k]) + sum.amount[k]);
+        }
+    }
+}
+
+void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width) {
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
+        out[0] = static_cast<std::uint8_t>(255 - in[0]);
+        out[1] = static_cast<std::uint8_t>(255 - in[1]);
+        out[2] = static_cast<std::uint8_t>(255 - in[2]);
+        out[3] = in[3];
+    }
+}
+
+void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const ColourMaps& maps) {
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
+        out[0] = maps.blue[in[0]];
+        out[1] = maps.green[in[1]];
+        out[2] = maps.red[in[2]];
+        out[3] = in[3];
+    }
+}
+
+void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level) {
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
+        const std::uint8_t value = ScaledLuma(in) >= level * kLumaUnit ? 255 : 0;
+        out[0] = value;
+        out[1] = value;
+        out[2] = value;
+        out[3] = in[3];
+    }
+}
+
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor) {
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
+        const float luma = static_cast<float>(ScaledLuma(in)) * (1.0F / kLumaUnit);
+        for (int k = 0; k < 3; ++k) {
+            out[k] = RoundToByte(luma + (static_cast<float>(in[k]) - luma) * factor);
+        }
+        out[3] = in[3];
+    }
+}
+
+// Turning the hue keeps lightness and saturation and with them the extremes: each component follows the same
+// trapezoid between them, blue and red a third of a turn away from green on either side.
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants) {
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
+        const Extremes e(in);
+        float hue = HueOf(in, e) + sextants;
+        hue = hue >= 6.0F ? hue - 6.0F : hue;
+        const auto between = [&](float share) {
+            return RoundToByte(e.lowest + e.Spread() * std::clamp(share, 0.0F, 1.0F));
+        };
+        out[0] = between(2.0F - std::abs(hue - 4.0F));
+        out[1] = between(2.0F - std::abs(hue - 2.0F));
+        out[2] = between(std::abs(hue - 3.0F) - 1.0F);
+        out[3] = in[3];
+    }
+}
+
+// HSL saturation is spread / (255 - |sum - 255|), so keeping hue and saturation while the sum changes scales
+// each component's distance from the middle by the quotient of those denominators.
+void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount) {
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
+        const Extremes e(in);
+        const float sum = e.Sum();
+        const float newSum = sum + (amount > 0 ? 510.0F - sum : sum) * amount;
+        // At black and white the room is 0, and so is every distance from the middle.
+        const float room = std::max(255.0F - std::abs(sum - 255.0F), 1.0F);
+        const float scale = (255.0F - std::abs(newSum - 255.0F)) / room;
+        for (int k = 0; k < 3; ++k) {
+            out[k] = RoundToByte(newSum * 0.5F + (static_cast<float>(in[k]) - sum * 0.5F) * scale);
+        }
+        out[3] = in[3];
+    }
+}
+
+void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
+                  const std::array<std::int16_t, 256>& change) {
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
+        const int added = change[static_cast<std::size_t>(Luma(in))];
+        out[0] = ClampToByte(in[0] + added);
+        out[1] = ClampToByte(in[1] + added);
+        out[2] = ClampToByte(in[2] + added);
+        out[3] = in[3];
+    }
+}
+
+} // namespace pictorel::engine::scalar

@@ -1,0 +1,36 @@
+// What the operations on single pixels do to one row.
+#pragma once
+
+#include "imaging/engine/ByteMap.h"
+
+#include <array>
+#include <cstdint>
+
+namespace pictorel::engine {
+
+// Component changes by `amount`: clamped to lowest..highest first, so that the sum cannot leave 0..255.
+struct ClampedSum {
+    std::array<std::uint8_t, 4> lowest;
+    std::array<std::uint8_t, 4> highest;
+    std::array<std::uint8_t, 4> amount; // modulo 256
+};
+
+// Plain loops that state what each operation means. `in` and `out` are rows of `width` blue, green, red,
+// alpha pixels; alpha is copied.
+namespace scalar {
+
+void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum);
+void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width);
+void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const ColourMaps& maps);
+void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor); // 1 + amount
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width,
+            float sextants); // 0 <= turn / 60 degrees < 6
+void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount); // -1..1
+// c + change[Y] with Y the rounded luma, clamped.
+void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
+                  const std::array<std::int16_t, 256>& change);
+
+} // namespace scalar
+
+} // namespace pictorel::engine
