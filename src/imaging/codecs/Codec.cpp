@@ -1,11 +1,19 @@
 // The table of picture formats, see Codec.h.
 #include "imaging/codecs/Codec.h"
 
+#include "imaging/codecs/Bmp.h"
+
 #include <algorithm>
+#include <array>
 #include <cctype>
 
 namespace pictorel::codecs {
 namespace {
+
+// Asked from the top: those with a sure signature first.
+constexpr std::array kCodecs{
+    Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
+};
 
 bool SameLetters(std::string_view a, std::string_view b) noexcept {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -15,7 +23,7 @@ bool SameLetters(std::string_view a, std::string_view b) noexcept {
 } // namespace
 
 std::span<const Codec> Codecs() noexcept {
-    return {};
+    return kCodecs;
 }
 
 const Codec* FindCodecByContent(ByteView file) noexcept {

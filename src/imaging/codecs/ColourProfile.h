@@ -8,13 +8,15 @@
 
 namespace pictorel::codecs {
 
-// What the samples of a file are before conversion. Grey16, Rgb16 and Rgba16 samples are native-endian 16
-// bit.
+// What the samples of a file are before conversion. The 16-bit ones are native-endian. Lab8 is L* 0..255 for
+// 0..100, then a* + 128 and b* + 128; Lab16 is L* 0..65535 for 0..100, then 256 (a* + 128) and 256 (b* +
+// 128): the values of a TIFF file in CIE L*a*b*, the top bit of its signed a* and b* turned over.
 enum class SampleLayout { Grey8, Grey16, Rgb16, Rgba16, Bgra8, Cmyk8, CmykInverted8, Cmyk16, Lab8, Lab16 };
 
-// Turns rows of file samples into B, G, R, A. With no profile (empty or damaged) grey and RGB samples are
-// taken as sRGB, CMYK by the plain (1 - c)(1 - k) rule and Lab as D50 CIE L*a*b*. Alpha of Rgba16 and Bgra8
-// is carried over, otherwise it is set to 255. Const use is safe from several threads.
+// Turns rows of file samples into B, G, R, A. With no profile (empty, damaged, or of another kind of colour
+// than the samples) grey and RGB samples are taken as sRGB and CMYK by the plain (1 - c)(1 - k) rule. Lab is
+// always D50 CIE L*a*b*. Alpha of Rgba16 and Bgra8 is carried over, otherwise it is set to 255. Const use is
+// safe from several threads.
 class ColourConverter {
   public:
     ColourConverter(SampleLayout layout, ByteView iccProfile);

@@ -1,4 +1,4 @@
-// The EXIF block of a picture: its orientation, its resolution, and resetting the orientation once applied.
+// The EXIF block of a picture: its orientation, its resolution, and bringing it up to date with the pixels.
 #pragma once
 
 #include "imaging/codecs/Codec.h"
@@ -9,7 +9,8 @@ namespace pictorel::codecs {
 // damaged.
 int ExifOrientation(ByteView exif) noexcept;
 
-// A copy of the block with its orientation set to 1; an empty buffer where the block is damaged beyond use.
+// A copy of the block with its orientation set to 1 and without its thumbnail, which an edit would leave
+// showing another picture; an empty buffer where the block is damaged beyond use.
 ByteBuffer WithUprightOrientation(ByteView exif);
 
 // Pixels per inch from the block's XResolution, YResolution and ResolutionUnit; 0 where missing.
@@ -19,8 +20,8 @@ struct Resolution {
 };
 Resolution ExifResolution(ByteView exif) noexcept;
 
-// The picture turned and mirrored as the orientation 1..8 asks, so that it is upright. 1 returns it
-// unchanged.
+// The picture turned and mirrored as the orientation 1..8 asks, so that it is upright; the two resolutions in
+// its details change places where it is turned. 1 (or a number that is no orientation) returns it unchanged.
 PixelArray ApplyOrientation(PixelArray picture, int orientation);
 
 } // namespace pictorel::codecs

@@ -1,0 +1,47 @@
+// What several formats ask of a picture: plausible size, white where nothing was decoded, alpha, resolution.
+#pragma once
+
+#include "imaging/codecs/Codec.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace pictorel::codecs {
+
+// Checks the limits, and refuses (UnsupportedFormat) a large picture that claims more than `pixelsPerByte`
+// pixels for each byte of its file: no honest writer of the format packs so tightly, and a hundred bytes must
+// not cost gigabytes. Pictures small enough to cost little are let through.
+void CheckClaimedSize(std::int64_t width, std::int64_t height, std::size_t fileBytes,
+                      std::int64_t pixelsPerByte);
+
+// Throws ImagingError(UnsupportedFormat) with the text.
+[[noreturn]] void Refuse(const char* text);
+
+// Opaque white in rows firstRow <= y < endRow.
+void FillWhite(PixelArray& picture, int firstRow, int endRow);
+
+// What the alpha components of a picture hold.
+struct AlphaRange {
+    std::uint8_t lowest = 255;
+    std::uint8_t highest = 255;
+};
+AlphaRange FindAlphaRange(const PixelArray& picture, int firstRow, int endRow);
+
+// Sets HasAlpha() by what the pixels hold: true where some are not opaque.
+void SettleAlpha(PixelArray& picture);
+
+// Makes every pixel opaque, HasAlpha() false.
+void MakeOpaque(PixelArray& picture);
+
+// Whether the picture has to be saved with its transparency.
+bool NeedsAlpha(const PixelArray& picture);
+
+// One row laid over white: `pixels` B, G, R, A pixels become B, G, R triples.
+void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) noexcept;
+
+// Pixels per inch of a count of pixels per metre, and back. A metre count holds an inch count only to within
+// 0.013, so one that near a whole number becomes it: 72 dpi stays 72 through a file.
+double InchesFromMetre(double pixelsPerMetre) noexcept;
+std::uint32_t MetreFromInches(double pixelsPerInch) noexcept;
+
+} // namespace pictorel::codecs
