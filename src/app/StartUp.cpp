@@ -1,8 +1,9 @@
 // The start-up sequence, see StartUp.h.
 #include "app/StartUp.h"
 
+#include <QCoreApplication>
+#include <QEventLoop>
 #include <QFile>
-#include <QTreeView>
 
 #include <array>
 

@@ -114,6 +114,7 @@ void frmMain::MakeImagingObjects() {
 }
 
 void frmMain::MakeCapabilities() {
+    EditorServices& services = *this;
     const auto panel = controls_.Array<PushButton>("Cmd_Panel");
     const auto info = controls_.Array<Label>("lbl_ImageInfo");
     const auto button = [this](const char* name, int index = 0) -> PushButton& {
@@ -126,11 +127,11 @@ void frmMain::MakeCapabilities() {
                                 document_.ImageWidth(kSlot), document_.ImageHeight(kSlot),
                                 document_.Views(kSlot).BackgroundColour()};
     });
-    files_ = std::make_unique<PictureFiles>(document_, PictureFilesControls{info}, *this, messages_,
+    files_ = std::make_unique<PictureFiles>(document_, PictureFilesControls{info}, services, messages_,
                                             strings_.Entry(Text::Title));
-    history_ = std::make_unique<EditHistory>(document_, *files_, *this);
+    history_ = std::make_unique<EditHistory>(document_, *files_, services);
     historyPanel_ = std::make_unique<HistoryPanel>(
-        *history_, HistoryPanelControls{HistoryList(), UndoButton(), RedoButton()}, *this);
+        *history_, HistoryPanelControls{HistoryList(), UndoButton(), RedoButton()}, services);
     dispatcher_ = std::make_unique<OperationDispatcher>(document_, controls_.Single<ProgressBar>("ProgressBar"),
                                                         [this]() -> ImageView& { return preview_->View(); });
     reducedCopy_ = std::make_unique<ReducedCopy>(document_, *files_, *imageConvert_);
@@ -140,7 +141,7 @@ void frmMain::MakeCapabilities() {
                             controls_.Array<Label>("lbl_SliderName"),
                             controls_.Single<TabControl>("TabControl_Effects"),
                             controls_.Single<ProgressBar>("ProgressBar"), HistoryList(), UndoButton(), RedoButton()},
-        *dispatcher_, *reducedCopy_, *history_, *this, *preview_);
+        *dispatcher_, *reducedCopy_, *history_, services, *preview_);
     livePreview_->WindowPosition = [this] {
         const QPoint corner = frameGeometry().topLeft();
         return std::pair{PixelsToTwips(corner.x()), PixelsToTwips(corner.y())};
@@ -156,7 +157,7 @@ void frmMain::MakeCapabilities() {
         RotateFlipControls{button("Cmd_RotateLeft"), button("Cmd_RotateRight"), button("Cmd_FlipV"),
                            button("Cmd_FlipH"), UndoButton(), RedoButton(), HistoryList(), info(0),
                            controls_.Array<Label>("lbl_Resize")(0)},
-        *dispatcher_, *history_, *this, *livePreview_);
+        *dispatcher_, *history_, services, *livePreview_);
     zoomScroll_ = std::make_unique<ZoomScroll>(
         document_,
         ZoomScrollControls{controls_.Array<PushButton>("Cmd_ZoomIn"), controls_.Array<PushButton>("Cmd_ZoomOut"),
@@ -191,7 +192,7 @@ void frmMain::MakeCapabilities() {
                             RedoButton(), HistoryList()},
         *dispatcher_, *history_, icons_, [this] { layout_->RefitPicture(); });
     fileCommands_ = std::make_unique<FileCommands>(
-        document_, *files_, *history_, FileCommandControls{panel, HistoryList(), CDialog_Open_}, *this, messages_);
+        document_, *files_, *history_, FileCommandControls{panel, HistoryList(), CDialog_Open_}, services, messages_);
     popups_ = std::make_unique<Popup_Mod>(Timer_Blink_);
     shareButtons_ = std::make_unique<ShareButtons>(controls_.Array<PushButton>("Cmd_Recommend"), strings_);
 }

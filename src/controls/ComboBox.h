@@ -14,7 +14,7 @@ class ComboBox : public QComboBox, public Control {
     explicit ComboBox(QWidget* parent);
 
     void Clear() { clear(); }
-    void AddEntry(const QString& label, const QString& data) { addItem(label, data); }
+    void AddEntry(const QString& label, const QString& dataText) { addItem(label, dataText); }
     QString SelectedText() const { return currentText(); }
     QString SelectedData() const { return currentData().toString(); }
     void Select(int row) { setCurrentIndex(row); } // -1: none

@@ -4,13 +4,14 @@
 #include <QObject>
 
 #include <exception>
+#include <type_traits>
 #include <utility>
 
 namespace pictorel {
 
 class Events {
   public:
-    // Runs `handler` with the signal's arguments whenever `sender` raises it. What escapes the handler ends there:
+    // Runs `handler` whenever `sender` raises the signal, with its arguments or with none, as it takes them. What escapes the handler ends there:
     // every handler that owes the person a message shows it itself.
     template <typename Sender, typename Signal, typename Handler>
     void On(Sender& sender, Signal signal, Handler handler) {
@@ -22,7 +23,11 @@ class Events {
     static auto Guarded(Handler handler) {
         return [handler = std::move(handler)](auto&&... arguments) {
             try {
-                handler(std::forward<decltype(arguments)>(arguments)...);
+                if constexpr (std::is_invocable_v<const Handler&, decltype(arguments)...>) {
+                    handler(std::forward<decltype(arguments)>(arguments)...);
+                } else {
+                    handler();
+                }
             } catch (const std::exception& error) {
                 qWarning("A handler failed: %s", error.what());
             }

@@ -80,47 +80,58 @@ void FillDisc(Strokes& strokes, Randomness& random, float x, float y, float radi
     }
 }
 
-void GrowBloom(Strokes& strokes, Randomness& random, float x, float y, float radius, float tilt,
-               const Petals& petals) {
+// Where a bloom stands on the picture.
+struct Head {
+    float x, y;
+    float radius;
+    float tilt;
+};
+
+// One petal: its shadow on those below, itself, and two veins. `reach` and `light` come from its layer.
+void GrowPetal(Strokes& strokes, Randomness& random, const Head& head, const Petals& petals, float angle,
+               float reach, float light) {
+    constexpr Vec3 kShade{0.34F, 0.37F, 0.46F};
+    const float across = std::cos(angle);
+    const float up = std::sin(angle);
+    const float radius = head.radius;
+    const float length = reach * random.Between(0.86F, 1.06F);
+    const float glow = light * (0.42F + 0.68F * Facing(across, up)) * random.Between(0.88F, 1.08F);
+    const float footX = head.x + 0.22F * radius * across;
+    const float footY = head.y - 0.22F * radius * up * head.tilt;
+    const float tipX = head.x + length * across;
+    const float tipY = head.y - length * up * head.tilt + 0.05F * radius;
+    const float bend = random.Between(-0.05F, 0.05F) * length;
+    const float belly = 0.155F * radius * Mix(head.tilt, 1.0F, std::abs(up));
+    strokes.Add(Stroke{footX, footY, tipX, tipY, bend, 0.09F * radius, 0.022F * radius,
+                       petals.foot * kShade * glow, petals.tip * kShade * glow, belly});
+    strokes.Add(Stroke{footX, footY, tipX - 0.010F * radius, tipY - 0.014F * radius, bend, 0.07F * radius,
+                       0.015F * radius, petals.foot * glow, petals.tip * glow, belly * 0.92F});
+    for (const float side : {-1.0F, 1.0F}) {
+        const float offX = side * 0.030F * radius * up;
+        const float offY = side * 0.030F * radius * across * head.tilt;
+        strokes.Add(Stroke{footX + offX, footY + offY, Mix(footX, tipX, 0.9F) + offX,
+                           Mix(footY, tipY, 0.9F) + offY, bend, 0.012F * radius, 0.004F * radius,
+                           petals.foot * (0.62F * glow), petals.tip * (0.84F * glow)});
+    }
+}
+
+void GrowBloom(Strokes& strokes, Randomness& random, const Head& head, const Petals& petals) {
     constexpr int kPetals = 21;
     constexpr int kLayers = 3;
+    constexpr int kStride =
+        8; // between petals grown one after the other, so that neighbours overlap irregularly
     const float turn = random.Between(0.0F, 1.0F);
     for (int layer = 0; layer < kLayers; ++layer) {
-        const float reach = radius * (1.0F - 0.10F * static_cast<float>(layer));
-        const float depth = 0.52F + 0.24F * static_cast<float>(layer);
+        const auto level = static_cast<float>(layer);
         for (int i = 0; i < kPetals; ++i) {
-            // Every third petal first, so that neighbours overlap irregularly.
-            const int place = (i * 8) % kPetals;
-            const float angle = (static_cast<float>(place) + turn + 0.37F * static_cast<float>(layer) +
-                                 random.Between(-0.2F, 0.2F)) *
-                                2.0F * std::numbers::pi_v<float> / kPetals;
-            const float across = std::cos(angle);
-            const float up = std::sin(angle);
-            const float length = reach * random.Between(0.86F, 1.06F);
-            const float light = depth * (0.42F + 0.68F * Facing(across, up)) * random.Between(0.88F, 1.08F);
-            const float footX = x + 0.22F * radius * across;
-            const float footY = y - 0.22F * radius * up * tilt;
-            const float tipX = x + length * across;
-            const float tipY = y - length * up * tilt + 0.05F * radius;
-            const float bend = random.Between(-0.05F, 0.05F) * length;
-            const Vec3 shade = Vec3{0.34F, 0.37F, 0.46F};
-            const float squash = Mix(tilt, 1.0F, std::abs(up));
-            const float belly = 0.155F * radius * squash;
-            strokes.Add(Stroke{footX, footY, tipX, tipY, bend, 0.09F * radius, 0.05F * radius,
-                               petals.foot * shade * light, petals.tip * shade * light, belly});
-            strokes.Add(Stroke{footX, footY, tipX - 0.010F * radius, tipY - 0.014F * radius, bend,
-                               0.07F * radius, 0.035F * radius, petals.foot * light, petals.tip * light,
-                               belly * 0.92F});
-            for (const float vein : {-1.0F, 1.0F}) {
-                const float offX = vein * 0.030F * radius * up;
-                const float offY = vein * 0.030F * radius * across * tilt;
-                strokes.Add(Stroke{footX + offX, footY + offY, Mix(footX, tipX, 0.9F) + offX,
-                                   Mix(footY, tipY, 0.9F) + offY, bend, 0.012F * radius, 0.004F * radius,
-                                   petals.foot * (0.62F * light), petals.tip * (0.84F * light)});
-            }
+            const auto place = static_cast<float>((i * kStride) % kPetals);
+            const float angle = (place + turn + 0.37F * level + random.Between(-0.2F, 0.2F)) * 2.0F *
+                                std::numbers::pi_v<float> / kPetals;
+            GrowPetal(strokes, random, head, petals, angle, head.radius * (1.0F - 0.10F * level),
+                      0.52F + 0.24F * level);
         }
     }
-    FillDisc(strokes, random, x, y, 0.29F * radius, tilt);
+    FillDisc(strokes, random, head.x, head.y, 0.29F * head.radius, head.tilt);
 }
 
 } // namespace
@@ -148,8 +159,10 @@ void ArrangeBouquet(Picture& picture, const VaseMouth& mouth) {
                  size * random.Between(0.28F, 0.52F));
     }
     for (const Bloom& bloom : kBlooms) {
-        GrowBloom(strokes, random, mouth.x + bloom.across * size, mouth.y - bloom.up * size,
-                  bloom.radius * size * 1.7F, bloom.tilt, bloom.petals);
+        GrowBloom(strokes, random,
+                  {mouth.x + bloom.across * size, mouth.y - bloom.up * size, bloom.radius * size * 1.7F,
+                   bloom.tilt},
+                  bloom.petals);
     }
     for (int i = 0; i < 9; ++i) {
         const float angle =

@@ -27,7 +27,6 @@ void Blend(Vec3& pixel, Vec3 color, float coverage) {
 // Paints pixels [low, high) of one slice; `at(i)` gives the pixel.
 template <typename At>
 void PaintSlice(float low, float high, Band limits, Vec3 color, float opacity, const At& at) {
-    // Thinner than a pixel: keep the pixel's width and fade instead, so that hair-thin tips do not break up.
     const int first = std::max(static_cast<int>(std::floor(low)), limits.begin);
     const int last = std::min(static_cast<int>(std::ceil(high)), limits.end);
     for (int i = first; i < last; ++i) {
@@ -60,6 +59,8 @@ void Paint(Picture& picture, Band columns, const Stroke& stroke) {
         const float half = 0.5F *
                            (Mix(stroke.fromWidth, stroke.toWidth, t) + stroke.belly * 4.0F * t * (1.0F - t)) *
                            scale * std::sqrt(1.0F + slope * slope);
+        // Thinner than a pixel: keep the pixel's width and fade instead, so that hair-thin tips do not break
+        // up.
         const float drawn = std::max(half, 0.5F);
         const float opacity = Overlap(i, low, high) * (half / drawn);
         const Vec3 color = Mix(stroke.fromColor, stroke.toColor, t);

@@ -18,7 +18,7 @@ namespace pictorel {
 // button moves a picture larger than the view, and a double click goes to actual size or, from there, back to
 // the whole picture; these keep the view filled and the zoom within kSmallestZoom .. kLargestZoom. The
 // members take any centre and any zoom above 0. Resizing keeps zoom and centre.
-class PictureView final : public QWidget, public ImageView {
+class PictureView : public QWidget, public ImageView {
     Q_OBJECT
 
   public:
