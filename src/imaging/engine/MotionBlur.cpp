@@ -1,0 +1,235 @@
+// Mean along a line at any angle, see Filters.h.
+#include "imaging/Limits.h"
+#include "imaging/engine/Filters.h"
+#include "imaging/engine/Parameters.h"
+#include "imaging/engine/Rounding.h"
+#include "imaging/engine/Tiles.h"
+
+#include <cmath>
+#include <map>
+#include <numbers>
+#include <utility>
+#include <vector>
+
+namespace pictorel::engine {
+namespace {
+
+constexpr int kComponents = PixelArray::kComponents;
+
+// A line of `length` pixels covers the pixel and `whole` neighbours on either side, and of the next one on
+// either side the share `tip`.
+struct Line {
+    double length;
+    int whole;
+    double tip;
+
+    explicit Line(double lengthInPixels)
+        : length(lengthInPixels),
+          whole(static_cast<int>((lengthInPixels - 1) / 2)),
+          tip((lengthInPixels - 1) / 2 - whole) {}
+};
+
+// A stack of rows (or of pixels in a row) to slide over: `count` elements of `size` components, `step` bytes
+// apart in the source and in the result alike.
+struct Lane {
+    const std::uint8_t* in;
+    std::uint8_t* out;
+    std::ptrdiff_t step;
+    int count;
+    int size;
+
+    const std::uint8_t* Element(int index) const { return in + std::clamp(index, 0, count - 1) * step; }
+};
+
+// What component i contributes to the sums: premultiplied colour where the picture has alpha.
+template <bool kHasAlpha>
+std::int32_t Contribution(const std::uint8_t* element, int i) {
+    if constexpr (kHasAlpha) {
+        return element[i] * (i % kComponents == 3 ? 255 : element[i | 3]);
+    } else {
+        return element[i];
+    }
+}
+
+template <bool kHasAlpha>
+void StoreMeans(const std::vector<float>& sums, float perLength, std::uint8_t* out) {
+    const int size = static_cast<int>(sums.size());
+    if constexpr (!kHasAlpha) {
+        for (int i = 0; i < size; ++i) {
+            out[i] = RoundToByte(sums[static_cast<std::size_t>(i)] * perLength);
+        }
+    } else {
+        for (int i = 0; i < size; i += kComponents) {
+            const float* const sum = sums.data() + i;
+            const float perAlpha = sum[3] > 0 ? 255.0F / sum[3] : 0.0F;
+            for (int k = 0; k < 3; ++k) {
+                out[i + k] = RoundToByte(sum[k] * perAlpha);
+            }
+            out[i + 3] = RoundToByte(sum[3] * perLength / 255.0F);
+        }
+    }
+}
+
+// Keeps the sums of the whole elements and exchanges one element for the next at each step, so the time does
+// not depend on the length.
+template <bool kHasAlpha>
+void SlideMean(const Lane& lane, const Line& line) {
+    std::vector<std::int32_t> whole(static_cast<std::size_t>(lane.size));
+    std::vector<float> sums(whole.size());
+    for (int index = -line.whole; index <= line.whole; ++index) {
+        for (int i = 0; i < lane.size; ++i) {
+            whole[static_cast<std::size_t>(i)] += Contribution<kHasAlpha>(lane.Element(index), i);
+        }
+    }
+    const auto tip = static_cast<float>(line.tip);
+    const auto perLength = static_cast<float>(1 / line.length);
+    for (int index = 0; index < lane.count; ++index) {
+        const std::uint8_t* const before = lane.Element(index - line.whole - 1);
+        const std::uint8_t* const leaving = lane.Element(index - line.whole);
+        const std::uint8_t* const entering = lane.Element(index + line.whole + 1);
+        for (int i = 0; i < lane.size; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            const std::int32_t enters = Contribution<kHasAlpha>(entering, i);
+            const std::int32_t tips = Contribution<kHasAlpha>(before, i) + enters;
+            sums[at] = static_cast<float>(whole[at]) + tip * static_cast<float>(tips);
+            whole[at] += enters - Contribution<kHasAlpha>(leaving, i);
+        }
+        StoreMeans<kHasAlpha>(sums, perLength, lane.out + index * lane.step);
+    }
+}
+
+void Slide(const Lane& lane, const Line& line, bool hasAlpha) {
+    hasAlpha ? SlideMean<true>(lane, line) : SlideMean<false>(lane, line);
+}
+
+// Columns go in strips from top to bottom: wide enough to use whole cache lines, narrow enough that the rows
+// between entering and leaving stay in cache.
+PixelArray BlurVertically(const PixelArray& source, const Line& line) {
+    constexpr int kStripWidth = 512;
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    const int strips = (source.Width() + kStripWidth - 1) / kStripWidth;
+    const std::size_t bytesPerStrip =
+        std::size_t{2} * kStripWidth * kComponents * static_cast<std::size_t>(source.Height());
+    ForEachBand(strips, bytesPerStrip, [&](int first, int end) {
+        for (int strip = first; strip < end; ++strip) {
+            const int left = strip * kStripWidth;
+            const int width = std::min(kStripWidth, source.Width() - left);
+            const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(left) * kComponents;
+            Slide({source.Row(0) + offset, rows + offset, source.Stride(), source.Height(),
+                   width * kComponents},
+                  line, source.HasAlpha());
+        }
+    });
+    return result;
+}
+
+PixelArray BlurHorizontally(const PixelArray& source, const Line& line) {
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    ForEachBand(source.Height(), 2 * source.RowBytes(), [&](int first, int end) {
+        for (int y = first; y < end; ++y) {
+            Slide({source.Row(y), rows + y * result.Stride(), kComponents, source.Width(), kComponents}, line,
+                  source.HasAlpha());
+        }
+    });
+    return result;
+}
+
+struct Tap {
+    int x;
+    int y;
+    float weight;
+};
+
+// The line as weights of pixels: one point a pixel of its length, each spread over the four pixels around it.
+std::vector<Tap> TapsOf(const Line& line, double degrees) {
+    const double angle = degrees * std::numbers::pi / 180;
+    const double stepX = std::cos(angle);
+    const double stepY = -std::sin(angle); // rows count downwards
+    std::map<std::pair<int, int>, double> weights;
+    for (int k = -line.whole - 1; k <= line.whole + 1; ++k) {
+        const double weight = (std::abs(k) <= line.whole ? 1.0 : line.tip) / line.length;
+        const double left = std::floor(k * stepX);
+        const double top = std::floor(k * stepY);
+        const double right = k * stepX - left;
+        const double bottom = k * stepY - top;
+        const int x = static_cast<int>(left);
+        const int y = static_cast<int>(top);
+        weights[{y, x}] += weight * (1 - right) * (1 - bottom);
+        weights[{y, x + 1}] += weight * right * (1 - bottom);
+        weights[{y + 1, x}] += weight * (1 - right) * bottom;
+        weights[{y + 1, x + 1}] += weight * right * bottom;
+    }
+    std::vector<Tap> taps;
+    for (const auto& [position, weight] : weights) {
+        if (weight > 1e-9) {
+            taps.push_back({position.second, position.first, static_cast<float>(weight)});
+        }
+    }
+    return taps;
+}
+
+struct LineScratch {
+    std::vector<WideComponent> tile;
+    std::vector<WideComponent> row;
+    std::vector<float> sums;
+};
+
+PixelArray BlurAlong(const PixelArray& source, const std::vector<Tap>& taps) {
+    Margins margins{0, 0};
+    for (const Tap& tap : taps) {
+        margins = {std::max(margins.x, std::abs(tap.x)), std::max(margins.y, std::abs(tap.y))};
+    }
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    ForEachTile<LineScratch>(
+        source.Width(), source.Height(), [&](const TileArea& area, LineScratch& scratch) {
+            const std::ptrdiff_t rowLength =
+                static_cast<std::ptrdiff_t>(area.width + 2 * margins.x) * kComponents;
+            scratch.tile.resize(static_cast<std::size_t>(rowLength * (area.height + 2 * margins.y)));
+            scratch.row.resize(static_cast<std::size_t>(area.width) * kComponents);
+            scratch.sums.resize(scratch.row.size());
+            LoadWideTile(source, area, margins, scratch.tile.data());
+            for (int y = 0; y < area.height; ++y) {
+                std::fill(scratch.sums.begin(), scratch.sums.end(), 0.5F);
+                for (const Tap& tap : taps) {
+                    const WideComponent* const in =
+                        scratch.tile.data() + (y + margins.y + tap.y) * rowLength +
+                        static_cast<std::ptrdiff_t>(margins.x + tap.x) * kComponents;
+                    for (std::size_t i = 0; i < scratch.sums.size(); ++i) {
+                        scratch.sums[i] += tap.weight * static_cast<float>(in[i]);
+                    }
+                }
+                for (std::size_t i = 0; i < scratch.sums.size(); ++i) {
+                    scratch.row[i] = static_cast<WideComponent>(scratch.sums[i]);
+                }
+                StoreWideRow(scratch.row.data(), area.width, source.HasAlpha(),
+                             rows + (area.top + y) * result.Stride() +
+                                 static_cast<std::ptrdiff_t>(area.left) * kComponents);
+            }
+        });
+    return result;
+}
+
+} // namespace
+
+PixelArray MotionBlur(const PixelArray& source, double degrees, double length) {
+    RequireRange("motion blur angle", degrees, -1e6, 1e6);
+    RequireRange("motion blur", length, 0, kMaximumSide);
+    const double reduced = length * source.Reduction();
+    if (reduced <= 1) {
+        return source;
+    }
+    const Line line(reduced);
+    const double direction = std::fmod(std::abs(degrees), 180.0); // a line has no forward
+    if (direction == 90) {
+        return BlurVertically(source, line);
+    }
+    if (direction == 0) {
+        return BlurHorizontally(source, line);
+    }
+    return BlurAlong(source, TapsOf(line, degrees));
+}
+
+} // namespace pictorel::engine
