@@ -1,0 +1,127 @@
+// Tiling reduced copies over the canvas, see Geometry.h.
+#include "imaging/ForEachBand.h"
+#include "imaging/engine/Geometry.h"
+#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Resample.h"
+#include "imaging/engine/ResampleSeparable.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+namespace pictorel::engine {
+namespace {
+
+constexpr int kPixelBytes = PixelArray::kComponents;
+
+// Where tile i of `tiles` begins on a side of `length` pixels; tile `tiles` begins at the end.
+int TileEdge(int i, int length, int tiles) {
+    return static_cast<int>((2LL * i * length + tiles) / (2LL * tiles));
+}
+
+// The edges differ by one of two neighbouring numbers of pixels.
+int TileLength(int i, int length, int tiles) {
+    return TileEdge(i + 1, length, tiles) - TileEdge(i, length, tiles);
+}
+
+// The reduced copies of a picture, at most one for each pair of tile width and height.
+class TileCopies {
+  public:
+    TileCopies(const PixelArray& source, int across, int down)
+        : width_(source.Width() / across), height_(source.Height() / down) {
+        for (int taller = 0; taller < 2; ++taller) {
+            for (int wider = 0; wider < 2; ++wider) {
+                const bool isUsed = (wider == 0 || source.Width() % across != 0) &&
+                                    (taller == 0 || source.Height() % down != 0);
+                if (isUsed) {
+                    copies_[Index(wider, taller)] = Resize(source, width_ + wider, height_ + taller);
+                }
+            }
+        }
+    }
+
+    const PixelArray& Of(int width, int height) const {
+        return copies_[Index(width - width_, height - height_)];
+    }
+
+  private:
+    static std::size_t Index(int wider, int taller) { return static_cast<std::size_t>(2 * taller + wider); }
+
+    int width_;
+    int height_;
+    std::array<PixelArray, 4> copies_;
+};
+
+PixelArray TiledWhole(const PixelArray& source, int across, int down) {
+    const TileCopies copies(source, across, down);
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    const auto fillRow = [&](int row, int tileRow) {
+        const int top = TileEdge(tileRow, result.Height(), down);
+        const int height = TileLength(tileRow, result.Height(), down);
+        for (int i = 0; i < across; ++i) {
+            const PixelArray& copy = copies.Of(TileLength(i, result.Width(), across), height);
+            std::memcpy(rows + row * result.Stride() + TileEdge(i, result.Width(), across) * kPixelBytes,
+                        copy.Row(row - top), copy.RowBytes());
+        }
+    };
+    ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
+        int tileRow = 0;
+        for (int row = first; row < end; ++row) {
+            while (TileEdge(tileRow + 1, result.Height(), down) <= row) {
+                ++tileRow;
+            }
+            fillRow(row, tileRow);
+        }
+    });
+    return result;
+}
+
+// On a reduced copy the tiles of the picture begin between pixels. Every pixel takes from each tile that it
+// touches what that tile shows there.
+AxisWeights ReducedTiles(int length, double pictureLength, int tiles) {
+    const double reduction = length / pictureLength;
+    const auto edge = [&](int i) { return std::round(i * pictureLength / tiles) * reduction; };
+    AxisWeights axis;
+    std::vector<double> dense(static_cast<std::size_t>(length));
+    int tile = 0;
+    for (int x = 0; x < length; ++x) {
+        std::fill(dense.begin(), dense.end(), 0.0);
+        while (tile + 1 < tiles && edge(tile + 1) <= x) {
+            ++tile;
+        }
+        for (int i = tile; i < tiles && edge(i) < x + 1; ++i) {
+            const double begin = std::max(edge(i), static_cast<double>(x));
+            const double end = std::min(edge(i + 1), x + 1.0);
+            const double scale = length / (edge(i + 1) - edge(i));
+            if (end > begin) {
+                AddLanczosSample(((begin + end) / 2 - edge(i)) * scale, scale, end - begin, dense);
+            }
+        }
+        axis.Append(0, dense);
+    }
+    return axis;
+}
+
+} // namespace
+
+PixelArray Reproduce(const PixelArray& source, int count) {
+    RequireWithin(count, 1, kMaximumSide, "The number of copies");
+    CheckPictureSize(source.Width(), source.Height());
+    if (count == 1) {
+        return source;
+    }
+    const double pictureWidth = std::round(source.Width() / source.Reduction());
+    const double pictureHeight = std::round(source.Height() / source.Reduction());
+    const int across = static_cast<int>(std::min<double>(count, pictureWidth));
+    const int down = static_cast<int>(std::min<double>(count, pictureHeight));
+    if (source.Reduction() < 1 && across <= source.Width() && down <= source.Height()) {
+        return ResampleSeparable(source, ReducedTiles(source.Width(), pictureWidth, across),
+                                 ReducedTiles(source.Height(), pictureHeight, down));
+    }
+    return TiledWhole(source, std::min(across, source.Width()), std::min(down, source.Height()));
+}
+
+} // namespace pictorel::engine

@@ -1,0 +1,268 @@
+// Rotation by any angle, skew, perspective and twirl, see Geometry.h. Each is its inverse map: for a point of
+// the result, where it comes from. Points are taken from the centre of the canvas, y downwards.
+//
+// Rotation by a, counter-clockwise on the screen: the source of (x, y) is (x cos a - y sin a,
+// x sin a + y cos a).
+//
+// Skew by d is the shear of a drawing whose y axis points up: positive degrees move the top of the picture to
+// the right (horizontal) or its right side up (vertical).
+//
+// Perspective: the picture is a plane in the plane of the screen, seen by a pinhole at distance D before its
+// centre, D being twice the longer side. Tilted by d about the horizontal middle line, with positive degrees
+// moving the top away, its point (X, Y) comes to (X, Y cos d) at the depth -Y sin d behind the screen and is
+// seen at
+//     x = X D / (D - Y sin d),    y = Y cos d D / (D - Y sin d).
+// Solved for the source, with q = D cos d + y sin d (what is not before the viewer has q <= 0):
+//     X = x D cos d / q,    Y = y D / q,
+// which is the homography [[D cos d, 0, 0], [0, D, 0], [0, sin d, D cos d]]. The horizontal tilt is the same
+// with x and y exchanged: positive degrees move the left side away.
+//
+// Twirl turns a point at the distance r from the centre as rotation does, by
+// degrees (1 - 3 t^2 + 2 t^3), t = r / R, R half the shorter side.
+#include "imaging/engine/Geometry.h"
+#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/WarpDriver.h"
+#include "imaging/engine/WholePixel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+#include <vector>
+
+namespace pictorel::engine {
+namespace {
+
+constexpr int kPixelBytes = PixelArray::kComponents;
+
+double Radians(double degrees) {
+    return degrees * (std::numbers::pi / 180);
+}
+
+WarpPoint CentreOf(const PixelArray& picture) {
+    return {picture.Width() / 2.0, picture.Height() / 2.0};
+}
+
+PixelArray BackgroundOnly(const PixelArray& source, std::uint32_t background) {
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    const std::uint32_t pixel = OpaquePixel(background);
+    ForEachBand(result.Height(), result.RowBytes(), [&](int first, int end) {
+        for (int y = first; y < end; ++y) {
+            for (int x = 0; x < result.Width(); ++x) {
+                StorePixel(rows + y * result.Stride() + x * kPixelBytes, pixel);
+            }
+        }
+    });
+    return result;
+}
+
+// `turned` in the middle of the source's canvas. Where the difference of the sides is odd there is no middle:
+// it lies half a pixel towards the top left, since a shift by half a pixel would blur everything.
+PixelArray Centred(const PixelArray& turned, const PixelArray& source, std::uint32_t background) {
+    PixelArray result = BackgroundOnly(source, background);
+    std::uint8_t* const rows = result.WritableRows();
+    const auto offset = [](int canvas, int size) {
+        return static_cast<int>(std::floor((canvas - size) / 2.0));
+    };
+    const int left = offset(result.Width(), turned.Width());
+    const int top = offset(result.Height(), turned.Height());
+    const int first = std::max(left, 0);
+    const int end = std::min(left + turned.Width(), result.Width());
+    for (int y = std::max(top, 0); y < std::min(top + turned.Height(), result.Height()); ++y) {
+        std::memcpy(rows + y * result.Stride() + first * kPixelBytes,
+                    turned.Row(y - top) + (first - left) * kPixelBytes,
+                    static_cast<std::size_t>(end - first) * kPixelBytes);
+    }
+    return result;
+}
+
+// What the maps of this file have in common.
+struct CanvasMap {
+    static constexpr Outside kOutside = Outside::Background;
+    static constexpr bool kIsAffine = false;
+
+    WarpPoint centre;
+    int width;
+
+    explicit CanvasMap(const PixelArray& source) : centre(CentreOf(source)), width(source.Width()) {}
+
+    ColumnSpan Moved(int /*row*/) const { return {0, width}; }
+};
+
+struct RotationMap : CanvasMap {
+    static constexpr bool kIsAffine = true;
+
+    double cosine;
+    double sine;
+
+    RotationMap(const PixelArray& source, double degrees)
+        : CanvasMap(source), cosine(std::cos(Radians(degrees))), sine(std::sin(Radians(degrees))) {}
+
+    WarpPoint Source(WarpPoint p) const {
+        const double x = p.x - centre.x;
+        const double y = p.y - centre.y;
+        return {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
+    }
+};
+
+struct SkewMap : CanvasMap {
+    static constexpr bool kIsAffine = true;
+
+    double acrossPerRow;  // how far the source moves right with every row down
+    double downPerColumn; // how far the source moves down with every column to the right
+
+    SkewMap(const PixelArray& source, bool vertical, double degrees)
+        : CanvasMap(source),
+          acrossPerRow(vertical ? 0 : std::tan(Radians(degrees))),
+          downPerColumn(vertical ? std::tan(Radians(degrees)) : 0) {}
+
+    WarpPoint Source(WarpPoint p) const {
+        return {p.x + acrossPerRow * (p.y - centre.y), p.y + downPerColumn * (p.x - centre.x)};
+    }
+};
+
+struct PerspectiveMap : CanvasMap {
+    double distance;
+    double distanceCosine;
+    double sine;
+
+    PerspectiveMap(const PixelArray& source, double degrees)
+        : CanvasMap(source),
+          distance(2.0 * std::max(source.Width(), source.Height())),
+          distanceCosine(distance * std::cos(Radians(degrees))),
+          sine(std::sin(Radians(degrees))) {}
+
+    // Across and along the tilted direction, from the centre.
+    WarpPoint Plane(double across, double along) const {
+        const double q = distanceCosine + along * sine;
+        if (q <= 0) {
+            constexpr double kNowhere = -1e9;
+            return {kNowhere, kNowhere};
+        }
+        return {across * distanceCosine / q, along * distance / q};
+    }
+};
+
+struct VerticalPerspectiveMap : PerspectiveMap {
+    using PerspectiveMap::PerspectiveMap;
+
+    WarpPoint Source(WarpPoint p) const {
+        const WarpPoint plane = Plane(p.x - centre.x, p.y - centre.y);
+        return {centre.x + plane.x, centre.y + plane.y};
+    }
+};
+
+struct HorizontalPerspectiveMap : PerspectiveMap {
+    using PerspectiveMap::PerspectiveMap;
+
+    WarpPoint Source(WarpPoint p) const {
+        const WarpPoint plane = Plane(p.y - centre.y, p.x - centre.x);
+        return {centre.x + plane.y, centre.y + plane.x};
+    }
+};
+
+struct TwirlMap : CanvasMap {
+    // Nothing comes from outside the circle, and that lies inside the canvas.
+    static constexpr Outside kOutside = Outside::EdgePixels;
+    // The turn depends on the distance alone and is interpolated in a table of so many distances; at the
+    // largest angle and picture that is exact to 1/300 pixel.
+    static constexpr int kTurns = 8192;
+
+    struct Turn {
+        float cosine;
+        float sine;
+    };
+
+    double radius;
+    double turnsPerPixel;
+    std::vector<Turn> turns;
+
+    TwirlMap(const PixelArray& source, double degrees)
+        : CanvasMap(source), radius(std::min(centre.x, centre.y)), turnsPerPixel(kTurns / radius) {
+        turns.reserve(kTurns + 2);
+        for (int i = 0; i <= kTurns + 1; ++i) {
+            const double t = std::min(static_cast<double>(i) / kTurns, 1.0);
+            const double angle = Radians(degrees) * (1 - t * t * (3 - 2 * t));
+            turns.push_back({static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle))});
+        }
+    }
+
+    WarpPoint Source(WarpPoint p) const {
+        const double x = p.x - centre.x;
+        const double y = p.y - centre.y;
+        const double position = std::min(std::sqrt(x * x + y * y) * turnsPerPixel, 1.0 * kTurns);
+        const auto index = static_cast<std::size_t>(position);
+        const double share = position - static_cast<double>(index);
+        const Turn& a = turns[index];
+        const Turn& b = turns[index + 1];
+        const double cosine = a.cosine + share * (b.cosine - a.cosine);
+        const double sine = a.sine + share * (b.sine - a.sine);
+        return {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
+    }
+
+    // The chord of the circle.
+    ColumnSpan Moved(int row) const {
+        const double y = row + 0.5 - centre.y;
+        const double halfChord = std::sqrt(std::max(radius * radius - y * y, 0.0));
+        const int first = static_cast<int>(std::ceil(centre.x - halfChord - 0.5));
+        const int end = static_cast<int>(std::floor(centre.x + halfChord - 0.5)) + 1;
+        return {std::clamp(first, 0, width), std::clamp(std::max(first, end), 0, width)};
+    }
+};
+
+} // namespace
+
+PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t background) {
+    RequireFinite(degrees, "The angle of rotation");
+    const double turn = std::fmod(degrees, 360.0);
+    const double positive = turn < 0 ? turn + 360 : turn;
+    if (positive == 0 || positive == 360) {
+        return source;
+    }
+    if (positive == 90) {
+        return Centred(QuarterTurnLeft(source), source, background);
+    }
+    if (positive == 180) {
+        return MirrorLeftToRight(MirrorTopToBottom(source));
+    }
+    if (positive == 270) {
+        return Centred(QuarterTurnRight(source), source, background);
+    }
+    return Warp(source, RotationMap(source, positive), background);
+}
+
+PixelArray Skew(const PixelArray& source, bool vertical, double degrees, std::uint32_t background) {
+    RequireWithin(degrees, -90, 90, "The angle of the skew");
+    if (degrees == 0) {
+        return source;
+    }
+    if (std::abs(degrees) == 90) {
+        return BackgroundOnly(source, background);
+    }
+    return Warp(source, SkewMap(source, vertical, degrees), background);
+}
+
+PixelArray Perspective(const PixelArray& source, bool vertical, double degrees, std::uint32_t background) {
+    RequireWithin(degrees, -90, 90, "The angle of the perspective");
+    if (degrees == 0) {
+        return source;
+    }
+    if (std::abs(degrees) == 90) {
+        return BackgroundOnly(source, background);
+    }
+    if (vertical) {
+        return Warp(source, VerticalPerspectiveMap(source, degrees), background);
+    }
+    return Warp(source, HorizontalPerspectiveMap(source, degrees), background);
+}
+
+PixelArray Twirl(const PixelArray& source, double degrees, std::uint32_t background) {
+    RequireFinite(degrees, "The angle of the twirl");
+    if (degrees == 0) {
+        return source;
+    }
+    return Warp(source, TwirlMap(source, degrees), background);
+}
+
+} // namespace pictorel::engine

@@ -1,0 +1,217 @@
+// Runs a warp over a picture: every result pixel is fetched from where an inverse map says it comes from.
+#pragma once
+
+#include "imaging/ForEachBand.h"
+#include "imaging/PixelArray.h"
+#include "imaging/engine/WarpSampler.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+namespace pictorel::engine {
+
+// In pixels from the top left corner of the picture, so that pixel centres lie at halves.
+struct WarpPoint {
+    double x;
+    double y;
+};
+
+// A map is a value with
+//   WarpPoint Source(WarpPoint)   where a point of the result comes from,
+//   ColumnSpan Moved(int row)     the columns of that row that are not just copied,
+//   kOutside                      what is seen where the source is outside the picture,
+//   kIsAffine                     whether every pixel is moved by the same linear map.
+
+namespace warp {
+
+// A map that reduces is sampled at so many points a pixel that they lie no further apart than this in the
+// source: bicubic interpolation does not alias visibly up to there.
+constexpr double kLargestStep = 1.25; // source pixels
+constexpr int kMostSteps = 64;
+constexpr int kTileHeight = 16; // rows taken together, so that the source lines stay in the cache
+
+// Points this far outside are as far outside as any: all steps of a pixel cannot reach back from there.
+constexpr double kFarOutside = kMostSteps * kLargestStep + 2;
+
+// The points of one result pixel at which the source is sampled, and the border that goes with them.
+struct SampleGrid {
+    int columns = 1;
+    int rows = 1;
+    BorderWidth border;     // for a sample
+    BorderWidth pixelReach; // for the whole pixel
+};
+
+inline int StepsFor(double length) {
+    constexpr double kRoundingSlack = 1e-6;
+    return static_cast<int>(
+        std::clamp(std::ceil(length / kLargestStep - kRoundingSlack), 1.0, static_cast<double>(kMostSteps)));
+}
+
+// Source distance per column and per row of the result at a point.
+struct LocalScale {
+    WarpPoint perColumn;
+    WarpPoint perRow;
+};
+
+template <class Map>
+LocalScale ScaleAt(const Map& map, WarpPoint at) {
+    const WarpPoint left = map.Source({at.x - 0.5, at.y});
+    const WarpPoint right = map.Source({at.x + 0.5, at.y});
+    const WarpPoint above = map.Source({at.x, at.y - 0.5});
+    const WarpPoint below = map.Source({at.x, at.y + 0.5});
+    return {{right.x - left.x, right.y - left.y}, {below.x - above.x, below.y - above.y}};
+}
+
+// The finest grid that the pixels from `first` to `last` need, looking at them and at their middle.
+template <class Map>
+SampleGrid GridFor(const Map& map, WarpPoint first, WarpPoint last) {
+    std::array<LocalScale, 3> scales;
+    double columnLength = 0;
+    double rowLength = 0;
+    for (std::size_t i = 0; i < scales.size(); ++i) {
+        const double offset = (last.x - first.x) * static_cast<double>(i) / 2;
+        const LocalScale& scale = scales[i] = ScaleAt(map, {first.x + offset, first.y});
+        columnLength = std::max(columnLength, std::hypot(scale.perColumn.x, scale.perColumn.y));
+        rowLength = std::max(rowLength, std::hypot(scale.perRow.x, scale.perRow.y));
+    }
+    SampleGrid grid;
+    grid.columns = StepsFor(columnLength);
+    grid.rows = StepsFor(rowLength);
+    const auto widest = [](double known, double a, double b) {
+        return std::min(std::max(known, std::hypot(a, b)), kMostSteps * kLargestStep);
+    };
+    grid.border = grid.pixelReach = {1e-3, 1e-3};
+    for (const LocalScale& scale : scales) {
+        grid.border.x = widest(grid.border.x, scale.perColumn.x / grid.columns, scale.perRow.x / grid.rows);
+        grid.border.y = widest(grid.border.y, scale.perColumn.y / grid.columns, scale.perRow.y / grid.rows);
+        grid.pixelReach.x = widest(grid.pixelReach.x, scale.perColumn.x, scale.perRow.x);
+        grid.pixelReach.y = widest(grid.pixelReach.y, scale.perColumn.y, scale.perRow.y);
+    }
+    return grid;
+}
+
+// Rounded to the sampler's unit, away from its centre-of-pixel origin by half a pixel.
+inline std::int32_t ToSamplePosition(double position, int size) {
+    constexpr double kBias = 128; // keeps what is truncated positive
+    const double near = std::min(std::max(position, -kFarOutside), size + kFarOutside);
+    return static_cast<std::int32_t>((near + (kBias - 0.5)) * kPhases + 0.5) -
+           static_cast<std::int32_t>(kBias) * kPhases;
+}
+
+template <class Map>
+void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count, SampleRun& run) {
+    run.count = count;
+    for (int i = 0; i < count; ++i) {
+        const WarpPoint point = map.Source({first.x + i, first.y});
+        run.x[i] = ToSamplePosition(point.x, source.Width());
+        run.y[i] = ToSamplePosition(point.y, source.Height());
+    }
+}
+
+// The mean of several samples a pixel, on premultiplied colour.
+class SampleMean {
+  public:
+    void Add(const std::uint8_t* pixels, int count) {
+        for (int i = 0; i < count; ++i, pixels += 4) {
+            const std::uint32_t alpha = pixels[3];
+            for (int c = 0; c < 3; ++c) {
+                sums_[i][c] += pixels[c] * alpha;
+            }
+            sums_[i][3] += alpha;
+        }
+        ++samples_;
+    }
+
+    void Write(int count, std::uint8_t* to) const {
+        for (int i = 0; i < count; ++i, to += 4) {
+            const std::uint32_t alpha = sums_[i][3];
+            for (int c = 0; c < 3; ++c) {
+                to[c] = static_cast<std::uint8_t>(alpha == 0 ? 0 : (sums_[i][c] + alpha / 2) / alpha);
+            }
+            to[3] = static_cast<std::uint8_t>((alpha + samples_ / 2) / samples_);
+        }
+    }
+
+  private:
+    // 64 x 64 samples of 255 x 255 fit.
+    std::array<std::array<std::uint32_t, 4>, kRunLength> sums_{};
+    std::uint32_t samples_ = 0;
+};
+static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < UINT32_MAX);
+
+// One run of result pixels whose first pixel centre is `first`.
+template <class Map>
+void WarpRun(const Map& map, const PixelArray& source, const WarpSampler& sampler, WarpPoint first, int count,
+             std::uint8_t* to) {
+    SampleRun run;
+    Locate(map, source, first, count, run);
+    // Perspective reduces without limit towards its horizon: only what is seen of the picture decides.
+    const ColumnSpan seen = Map::kIsAffine ? ColumnSpan{0, 1} : sampler.NearestToPicture(run);
+    const SampleGrid grid =
+        GridFor(map, {first.x + seen.first, first.y}, {first.x + (seen.end - 1), first.y});
+    if (sampler.IsBackground(run, grid.pixelReach)) {
+        sampler.FillBackground(count, to);
+        return;
+    }
+    if (grid.columns == 1 && grid.rows == 1) {
+        sampler.Sample(run, grid.border, to);
+        return;
+    }
+    SampleMean mean;
+    std::array<std::uint8_t, 4 * kRunLength> samples;
+    for (int row = 0; row < grid.rows; ++row) {
+        for (int column = 0; column < grid.columns; ++column) {
+            const WarpPoint shifted{first.x + (column + 0.5) / grid.columns - 0.5,
+                                    first.y + (row + 0.5) / grid.rows - 0.5};
+            Locate(map, source, shifted, count, run);
+            sampler.Sample(run, grid.border, samples.data());
+            mean.Add(samples.data(), count);
+        }
+    }
+    mean.Write(count, to);
+}
+
+// The columns of a row that the map leaves where they are.
+inline void CopyUnmoved(const PixelArray& source, int y, ColumnSpan moved, std::uint8_t* to) {
+    std::memcpy(to, source.Row(y), static_cast<std::size_t>(moved.first) * 4);
+    std::memcpy(to + moved.end * 4, source.Row(y) + moved.end * 4,
+                static_cast<std::size_t>(source.Width() - moved.end) * 4);
+}
+
+} // namespace warp
+
+// A picture of the same size; `background` is 0x00BBGGRR.
+template <class Map>
+PixelArray Warp(const PixelArray& source, const Map& map, std::uint32_t background) {
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const pixels = result.WritableRows();
+    const WarpSampler sampler(source, Map::kOutside, background);
+    const auto warpTile = [&](int left, int right, int top, int bottom) {
+        for (int y = top; y < bottom; ++y) {
+            const ColumnSpan moved = map.Moved(y);
+            const int first = std::max(left, moved.first);
+            const int count = std::min(right, moved.end) - first;
+            if (count > 0) {
+                warp::WarpRun(map, source, sampler, {first + 0.5, y + 0.5}, count,
+                              pixels + y * result.Stride() + first * 4);
+            }
+        }
+    };
+    ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int firstRow, int endRow) {
+        for (int top = firstRow; top < endRow; top += warp::kTileHeight) {
+            const int bottom = std::min(top + warp::kTileHeight, endRow);
+            for (int left = 0; left < result.Width(); left += kRunLength) {
+                warpTile(left, std::min(left + kRunLength, result.Width()), top, bottom);
+            }
+            for (int y = top; y < bottom; ++y) {
+                warp::CopyUnmoved(source, y, map.Moved(y), pixels + y * result.Stride());
+            }
+        }
+    });
+    return result;
+}
+
+} // namespace pictorel::engine

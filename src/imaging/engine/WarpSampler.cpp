@@ -1,0 +1,163 @@
+// Bicubic sampling with an antialiased border, see WarpSampler.h.
+#include "imaging/engine/WarpSampler.h"
+
+#include "imaging/engine/WarpKernel.h"
+#include "imaging/engine/WholePixel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace pictorel::engine {
+namespace {
+
+constexpr int kComponents = PixelArray::kComponents;
+
+std::uint8_t ToByte(double value) {
+    return static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0) + 0.5);
+}
+
+} // namespace
+
+WarpSampler::WarpSampler(const PixelArray& source, Outside outside, std::uint32_t background)
+    : source_(source), outside_(outside), backgroundPixel_(OpaquePixel(background)) {}
+
+WarpSampler::Bounds WarpSampler::BoundsOf(const SampleRun& run) {
+    Bounds bounds{run.x[0], run.x[0], run.y[0], run.y[0]};
+    for (int i = 1; i < run.count; ++i) {
+        bounds.left = std::min(bounds.left, run.x[i]);
+        bounds.right = std::max(bounds.right, run.x[i]);
+        bounds.top = std::min(bounds.top, run.y[i]);
+        bounds.bottom = std::max(bounds.bottom, run.y[i]);
+    }
+    return bounds;
+}
+
+// Inside are points whose 4 x 4 neighbours exist and that the border's fading does not reach.
+bool WarpSampler::IsInside(const Bounds& bounds, BorderWidth border) const {
+    const auto margin = [](double width) {
+        return static_cast<std::int32_t>(std::max(1.0, std::ceil(width / 2)) * kPhases);
+    };
+    const std::int32_t marginX = margin(border.x);
+    const std::int32_t marginY = margin(border.y);
+    return bounds.left >= marginX && bounds.right < (source_.Width() - 1) * kPhases - marginX &&
+           bounds.top >= marginY && bounds.bottom < (source_.Height() - 1) * kPhases - marginY;
+}
+
+bool WarpSampler::IsBackground(const SampleRun& run, BorderWidth border) const {
+    if (outside_ == Outside::EdgePixels) {
+        return false;
+    }
+    const auto reach = [](double width) { return static_cast<std::int32_t>((0.5 + width) * kPhases); };
+    const Bounds bounds = BoundsOf(run);
+    const std::int32_t reachX = reach(border.x);
+    const std::int32_t reachY = reach(border.y);
+    return bounds.right < -reachX || bounds.left > (source_.Width() - 1) * kPhases + reachX ||
+           bounds.bottom < -reachY || bounds.top > (source_.Height() - 1) * kPhases + reachY;
+}
+
+ColumnSpan WarpSampler::NearestToPicture(const SampleRun& run) const {
+    const std::int32_t right = (source_.Width() - 1) * kPhases;
+    const std::int32_t bottom = (source_.Height() - 1) * kPhases;
+    const Bounds bounds = BoundsOf(run);
+    if (bounds.left >= 0 && bounds.right <= right && bounds.top >= 0 && bounds.bottom <= bottom) {
+        return {0, run.count};
+    }
+    ColumnSpan nearest{0, 0};
+    std::int32_t nearestDistance = INT32_MAX;
+    for (int i = 0; i < run.count; ++i) {
+        const std::int32_t distance =
+            std::max({0, -run.x[i], run.x[i] - right, -run.y[i], run.y[i] - bottom});
+        if (distance < nearestDistance) {
+            nearestDistance = distance;
+            nearest.first = i;
+        }
+        if (distance == nearestDistance) {
+            nearest.end = i + 1;
+        }
+    }
+    return nearest;
+}
+
+void WarpSampler::FillBackground(int count, std::uint8_t* to) const {
+    for (int i = 0; i < count; ++i) {
+        StorePixel(to + i * kComponents, backgroundPixel_);
+    }
+}
+
+void WarpSampler::Sample(const SampleRun& run, BorderWidth border, std::uint8_t* to) const {
+    if (IsInside(BoundsOf(run), border)) {
+        SampleInside(source_.Row(0), source_.Stride(), run, to);
+        return;
+    }
+    for (int i = 0; i < run.count; ++i) {
+        SampleNearBorder(run.x[i], run.y[i], border, to + i * kComponents);
+    }
+}
+
+void WarpSampler::SampleInside(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
+                               std::uint8_t* to) const {
+    if (source_.HasAlpha()) {
+        SampleWithAlpha(pixels, stride, run, to);
+    } else {
+        SampleOpaque(pixels, stride, run, to);
+    }
+}
+
+void WarpSampler::SampleNearBorder(std::int32_t x, std::int32_t y, BorderWidth border,
+                                   std::uint8_t* to) const {
+    const double coverage = outside_ == Outside::EdgePixels ? 1 : Coverage(x, y, border);
+    if (coverage <= 0) {
+        StorePixel(to, backgroundPixel_);
+        return;
+    }
+    constexpr int kTaps = kCubicTaps;
+    std::array<std::uint8_t, static_cast<std::size_t>(kTaps * kTaps * kComponents)> neighbours;
+    const int left = (x >> kPhaseBits) - 1;
+    const int top = (y >> kPhaseBits) - 1;
+    for (int row = 0; row < kTaps; ++row) {
+        const std::uint8_t* const from = source_.Row(std::clamp(top + row, 0, source_.Height() - 1));
+        for (int column = 0; column < kTaps; ++column) {
+            std::memcpy(neighbours.data() + (row * kTaps + column) * kComponents,
+                        from + std::clamp(left + column, 0, source_.Width() - 1) * kComponents, kComponents);
+        }
+    }
+    SampleRun one;
+    one.count = 1;
+    one.x[0] = kPhases + (x & (kPhases - 1));
+    one.y[0] = kPhases + (y & (kPhases - 1));
+    const std::ptrdiff_t stride = kTaps * kComponents;
+    if (source_.HasAlpha()) {
+        SampleWithAlphaReference(neighbours.data(), stride, one, to);
+    } else {
+        SampleOpaqueReference(neighbours.data(), stride, one, to);
+    }
+    if (coverage < 1) {
+        MixBackground(coverage, to);
+    }
+}
+
+// How much of the result pixel the picture covers: along each axis the distance to the picture's outline, in
+// result pixels, plus one half.
+double WarpSampler::Coverage(std::int32_t x, std::int32_t y, BorderWidth border) const {
+    const auto along = [](std::int32_t position, int size, double width) {
+        const double fromEdge = static_cast<double>(position) / kPhases + 0.5;
+        const double distance = std::min(fromEdge, size - fromEdge);
+        return std::clamp(distance / width + 0.5, 0.0, 1.0);
+    };
+    return along(x, source_.Width(), border.x) * along(y, source_.Height(), border.y);
+}
+
+void WarpSampler::MixBackground(double coverage, std::uint8_t* pixel) const {
+    std::array<std::uint8_t, kComponents> background;
+    StorePixel(background.data(), backgroundPixel_);
+    const double pictureShare = coverage * pixel[3];
+    const double backgroundShare = (1 - coverage) * 255;
+    for (int c = 0; c < 3; ++c) {
+        pixel[c] = ToByte((pictureShare * pixel[c] + backgroundShare * background[c]) /
+                          (pictureShare + backgroundShare));
+    }
+    pixel[3] = ToByte(pictureShare + backgroundShare);
+}
+
+} // namespace pictorel::engine
