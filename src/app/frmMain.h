@@ -82,8 +82,8 @@ class frmMain : public QWidget, private EditorServices {
     SkinFramework SkinFramework_;
     MessageBoxes messages_{this};
     CommonDialog CDialog_Open_{this};
-    PopupControl PopupControl_Splash_{this};
-    PopupControl PopupControl_Tag_{this};
+    PopupControl PopupControl_Splash_{this, QStringLiteral("PopupControl_Splash")};
+    PopupControl PopupControl_Tag_{this, QStringLiteral("PopupControl_Tag")};
     QTimer Timer_StartUp_;
     QTimer Timer_Blink_;
     QTimer Timer_Tags_;

@@ -17,8 +17,8 @@ ContainerPanel::ContainerPanel(QWidget* parent)
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
     viewport()->setAutoFillBackground(false);
-    interior_->setAutoFillBackground(false);
     setWidget(interior_);
+    interior_->setAutoFillBackground(false); // what lies below the panel shows through
 }
 
 void ContainerPanel::SetScrolling(bool scrolling) {

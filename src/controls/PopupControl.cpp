@@ -22,7 +22,8 @@ qint64 Now() {
 
 } // namespace
 
-PopupControl::PopupControl(QWidget* owner) : owner_(owner) {
+PopupControl::PopupControl(QWidget* owner, const QString& name) : QObject(owner), owner_(owner) {
+    setObjectName(name);
     ticker_.setInterval(kTick);
     connect(&ticker_, &QTimer::timeout, this, &PopupControl::Tick);
 }

@@ -17,7 +17,7 @@ class PopupControl : public QObject {
     Q_OBJECT
 
   public:
-    explicit PopupControl(QWidget* owner);
+    PopupControl(QWidget* owner, const QString& name);
     ~PopupControl() override;
 
     enum State { Closed = 0, Showing = 1 }; // 14

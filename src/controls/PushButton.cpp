@@ -71,6 +71,12 @@ void PushButton::leaveEvent(QEvent* event) {
     update();
 }
 
+void PushButton::focusInEvent(QFocusEvent* event) {
+    const auto reason = event->reason();
+    focusedByKeyboard_ = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+    QAbstractButton::focusInEvent(event);
+}
+
 void PushButton::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         click();
@@ -107,7 +113,7 @@ void PushButton::PaintFrame(QPainter& painter) const {
     painter.setPen(edge);
     painter.setBrush(face);
     painter.drawRoundedRect(frame, kCornerRadius, kCornerRadius);
-    if (hasFocus() && !highlighted_) {
+    if (hasFocus() && focusedByKeyboard_ && !highlighted_) {
         painter.setPen(QPen(colours.color(QPalette::Highlight), 1.5));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(frame.adjusted(1, 1, -1, -1), kCornerRadius - 1, kCornerRadius - 1);

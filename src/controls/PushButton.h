@@ -38,6 +38,7 @@ class PushButton : public QAbstractButton, public Control {
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
 
   private:
     bool LooksEnabled() const { return decorative_ ? IsEnabled() : isEnabled(); }
@@ -48,6 +49,7 @@ class PushButton : public QAbstractButton, public Control {
     bool flat_ = false;
     bool highlighted_ = false;
     bool decorative_ = false;
+    bool focusedByKeyboard_ = false; // the focus ring is for those who walk by keyboard
 };
 
 } // namespace pictorel

@@ -13,7 +13,7 @@ void Shape::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(palette().color(QPalette::Mid));
+    painter.setBrush(palette().color(QPalette::Button));
     painter.drawRoundedRect(rect(), width() / 2.0, width() / 2.0);
 }
 

@@ -1,0 +1,48 @@
+// Stands in for the person who answers dialogs, see Person.h.
+#include "app/Person.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+
+namespace pictorel {
+namespace {
+
+constexpr int kLookEvery = 5; // milliseconds
+
+} // namespace
+
+Person::Person() {
+    QObject::connect(&timer_, &QTimer::timeout, [this] { Look(); });
+    timer_.start(kLookEvery);
+}
+
+void Person::Look() {
+    QWidget* const modal = QApplication::activeModalWidget();
+    if (auto* const box = qobject_cast<QMessageBox*>(modal)) {
+        messages_.push_back({box->text(), box->windowTitle(), box->icon()});
+        QAbstractButton* button = box->defaultButton();
+        if (!messageAnswers_.empty()) {
+            button = box->button(messageAnswers_.front());
+            messageAnswers_.pop_front();
+        }
+        if (button != nullptr) {
+            button->click();
+        } else {
+            box->reject();
+        }
+    } else if (auto* const dialog = qobject_cast<QFileDialog*>(modal)) {
+        const auto answer = fileAnswers_.empty() ? std::nullopt : fileAnswers_.front();
+        if (!fileAnswers_.empty()) {
+            fileAnswers_.pop_front();
+        }
+        if (answer) {
+            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(*answer);
+            QMetaObject::invokeMethod(dialog, "accept");
+        } else {
+            dialog->reject();
+        }
+    }
+}
+
+} // namespace pictorel

@@ -1,0 +1,15 @@
+// Runs the window's tests with a Qt application that needs no screen.
+#include <QApplication>
+#include <QStyleFactory>
+
+#include <gtest/gtest.h>
+
+int main(int count, char** words) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&count, words);
+    const QApplication application(count, words);
+    QApplication::setApplicationVersion(QStringLiteral("2.0.5"));
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setQuitOnLastWindowClosed(false);
+    return RUN_ALL_TESTS();
+}
