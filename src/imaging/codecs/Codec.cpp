@@ -1,7 +1,10 @@
 // The table of picture formats, see Codec.h.
 #include "imaging/codecs/Codec.h"
 
+#include "imaging/codecs/JpegCodec.h"
+
 #include <algorithm>
+#include <array>
 #include <cctype>
 
 namespace pictorel::codecs {
@@ -15,7 +18,10 @@ bool SameLetters(std::string_view a, std::string_view b) noexcept {
 } // namespace
 
 std::span<const Codec> Codecs() noexcept {
-    return {};
+    static constexpr std::array kCodecs{
+        Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},
+    };
+    return kCodecs;
 }
 
 const Codec* FindCodecByContent(ByteView file) noexcept {
