@@ -2,6 +2,7 @@
 #include "imaging/codecs/Codec.h"
 
 #include "imaging/codecs/Bmp.h"
+#include "imaging/codecs/JpegCodec.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,7 @@ namespace {
 
 // Asked from the top: those with a sure signature first.
 constexpr std::array kCodecs{
+    Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
 };
 
