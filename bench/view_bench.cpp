@@ -66,10 +66,12 @@ void Measure(PictureView& view, bool transparent) {
         view.SetCentreY(y);
         return Milliseconds([&] { view.repaint(); });
     };
+    constexpr int kSweepFrames = 350;
     std::vector<double> sweep;
-    sweep.reserve(400);
-    for (double zoom = 0.01; zoom <= 10.0; zoom *= 1.02) {
-        sweep.push_back(frame(zoom, 0.5 * kWidth, 0.5 * kHeight));
+    sweep.reserve(kSweepFrames);
+    for (int step = 0; step < kSweepFrames; ++step) {
+        sweep.push_back(
+            frame(0.01 * std::pow(1000.0, step / (kSweepFrames - 1.0)), 0.5 * kWidth, 0.5 * kHeight));
     }
     Report("zoom 1 % .. 1000 %", sweep);
     for (const double zoom : {0.15, 0.26, 0.3, 0.51, 0.7, 1.0, 1.01, 1.5, 2.0, 4.0}) {
