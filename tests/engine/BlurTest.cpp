@@ -263,7 +263,7 @@ const std::vector<Operation>& Strongest() {
 
 TEST(Blurs, ConstantPicturesStayConstant) {
     for (const Pixel pixel :
-         {Pixel{0, 0, 0, 255}, {255, 255, 255, 255}, {1, 77, 254, 255}, {5, 100, 251, 3}}) {
+         {Pixel{0, 0, 0, 255}, {255, 255, 255, 255}, {1, 77, 254, 255}, {5, 100, 251, 40}}) {
         for (const Size size : {Size{1, 1}, {2, 2}, {301, 150}}) {
             const PixelArray source = Constant(size, pixel);
             for (std::size_t i = 0; i < Strongest().size(); ++i) {
