@@ -220,13 +220,15 @@ PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t backgr
     if (positive == 0 || positive == 360) {
         return source;
     }
-    if (positive == 90) {
-        return Centred(QuarterTurnLeft(source), source, background);
-    }
     if (positive == 180) {
         return MirrorLeftToRight(MirrorTopToBottom(source));
     }
-    if (positive == 270) {
+    // Half a pixel of a reduced copy is many of the picture: such a copy is better blurred than misplaced.
+    const bool hasMiddle = (source.Width() - source.Height()) % 2 == 0 || source.Reduction() == 1;
+    if (positive == 90 && hasMiddle) {
+        return Centred(QuarterTurnLeft(source), source, background);
+    }
+    if (positive == 270 && hasMiddle) {
         return Centred(QuarterTurnRight(source), source, background);
     }
     return Warp(source, RotationMap(source, positive), background);

@@ -27,8 +27,9 @@ struct WarpPoint {
 
 namespace warp {
 
-// A map that reduces is sampled at so many points a pixel that they lie no further apart than this in the
-// source: bicubic interpolation does not alias visibly up to there.
+// One sample a pixel is enough while neighbouring ones lie no further apart in the source than this: bicubic
+// interpolation does not alias visibly up to there. Where a map reduces more, a sample is taken for every
+// source pixel.
 constexpr double kLargestStep = 1.25; // source pixels
 constexpr int kMostSteps = 64;
 constexpr int kTileHeight = 16; // rows taken together, so that the source lines stay in the cache
@@ -36,19 +37,36 @@ constexpr int kTileHeight = 16; // rows taken together, so that the source lines
 // Points this far outside are as far outside as any: all steps of a pixel cannot reach back from there.
 constexpr double kFarOutside = kMostSteps * kLargestStep + 2;
 
-// The points of one result pixel at which the source is sampled, and the border that goes with them.
+// The points along one side of a result pixel that are sampled.
+struct SampleSteps {
+    int count = 1;
+    double spread = 0; // part of the pixel over which they are spread
+
+    double Offset(int i) const { return ((i + 0.5) / count - 0.5) * spread; }
+
+    // Part of the pixel that one sample stands for.
+    double Share() const { return 1 - spread + spread / count; }
+};
+
+// For a pixel side that is so long in the source. The spread grows from nothing at the largest step to the
+// whole pixel, so that sharpness does not jump from where one sample is enough to where it is not.
+inline SampleSteps StepsFor(double length) {
+    constexpr double kWholeSpread = 1.75;
+    if (length <= kLargestStep) {
+        return {};
+    }
+    const double steps = std::min(std::ceil(length), static_cast<double>(kMostSteps));
+    const double spread = std::min((length - kLargestStep) / (kWholeSpread - kLargestStep), 1.0);
+    return {static_cast<int>(steps), spread};
+}
+
+// How the pixels of a run are sampled, and the border that goes with it.
 struct SampleGrid {
-    int columns = 1;
-    int rows = 1;
+    SampleSteps columns;
+    SampleSteps rows;
     BorderWidth border;     // for a sample
     BorderWidth pixelReach; // for the whole pixel
 };
-
-inline int StepsFor(double length) {
-    constexpr double kRoundingSlack = 1e-6;
-    return static_cast<int>(
-        std::clamp(std::ceil(length / kLargestStep - kRoundingSlack), 1.0, static_cast<double>(kMostSteps)));
-}
 
 // Source distance per column and per row of the result at a point.
 struct LocalScale {
@@ -80,13 +98,15 @@ SampleGrid GridFor(const Map& map, WarpPoint first, WarpPoint last) {
     SampleGrid grid;
     grid.columns = StepsFor(columnLength);
     grid.rows = StepsFor(rowLength);
+    const double columnShare = grid.columns.Share();
+    const double rowShare = grid.rows.Share();
     const auto widest = [](double known, double a, double b) {
         return std::min(std::max(known, std::hypot(a, b)), kMostSteps * kLargestStep);
     };
     grid.border = grid.pixelReach = {1e-3, 1e-3};
     for (const LocalScale& scale : scales) {
-        grid.border.x = widest(grid.border.x, scale.perColumn.x / grid.columns, scale.perRow.x / grid.rows);
-        grid.border.y = widest(grid.border.y, scale.perColumn.y / grid.columns, scale.perRow.y / grid.rows);
+        grid.border.x = widest(grid.border.x, scale.perColumn.x * columnShare, scale.perRow.x * rowShare);
+        grid.border.y = widest(grid.border.y, scale.perColumn.y * columnShare, scale.perRow.y * rowShare);
         grid.pixelReach.x = widest(grid.pixelReach.x, scale.perColumn.x, scale.perRow.x);
         grid.pixelReach.y = widest(grid.pixelReach.y, scale.perColumn.y, scale.perRow.y);
     }
@@ -156,16 +176,15 @@ void WarpRun(const Map& map, const PixelArray& source, const WarpSampler& sample
         sampler.FillBackground(count, to);
         return;
     }
-    if (grid.columns == 1 && grid.rows == 1) {
+    if (grid.columns.count == 1 && grid.rows.count == 1) {
         sampler.Sample(run, grid.border, to);
         return;
     }
     SampleMean mean;
     std::array<std::uint8_t, 4 * kRunLength> samples;
-    for (int row = 0; row < grid.rows; ++row) {
-        for (int column = 0; column < grid.columns; ++column) {
-            const WarpPoint shifted{first.x + (column + 0.5) / grid.columns - 0.5,
-                                    first.y + (row + 0.5) / grid.rows - 0.5};
+    for (int row = 0; row < grid.rows.count; ++row) {
+        for (int column = 0; column < grid.columns.count; ++column) {
+            const WarpPoint shifted{first.x + grid.columns.Offset(column), first.y + grid.rows.Offset(row)};
             Locate(map, source, shifted, count, run);
             sampler.Sample(run, grid.border, samples.data());
             mean.Add(samples.data(), count);
