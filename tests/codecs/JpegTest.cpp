@@ -12,7 +12,6 @@
 
 #include <array>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -20,6 +19,7 @@ namespace pictorel::codecs {
 namespace {
 
 using testing::Difference;
+using testing::ExifPayload;
 using testing::JpegRecipe;
 using testing::JpegSpace;
 using testing::LibraryPixels;
@@ -40,14 +40,6 @@ PixelArray Solid(int width, int height, std::array<std::uint8_t, 4> pixel) {
         }
     }
     return picture;
-}
-
-ByteBuffer ExifPayload(const testing::ExifFields& fields) {
-    const std::string_view signature("Exif\0\0", 6);
-    ByteBuffer payload(signature.begin(), signature.end());
-    const ByteBuffer exif = MadeExif(fields);
-    payload.insert(payload.end(), exif.begin(), exif.end());
-    return payload;
 }
 
 Metadata FullDetails() {

@@ -22,8 +22,8 @@ struct JpegRecipe {
     bool adobeMarker = true; // where the space asks for one
     int density = 0;         // in the JFIF header
     int densityUnit = 1;     // 1 inch, 2 centimetre
-    std::vector<JpegMarker> markers;
-    ByteBuffer icc;
+    std::vector<JpegMarker> markers{};
+    ByteBuffer icc{};
 };
 
 // The picture's components go in as they are: B, G, R for the first three spaces (only G for Grey), and all
