@@ -2,6 +2,7 @@
 #include "imaging/codecs/Codec.h"
 
 #include "imaging/codecs/Bmp.h"
+#include "imaging/codecs/Png.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,7 @@ namespace {
 
 // Asked from the top: those with a sure signature first.
 constexpr std::array kCodecs{
+    Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
 };
 
