@@ -28,7 +28,7 @@ void Person::Look() {
             messageAnswers_.pop_front();
         }
         if (button != nullptr) {
-            button->click();
+            QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
         } else {
             box->reject();
         }
@@ -39,7 +39,8 @@ void Person::Look() {
         }
         if (answer) {
             dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(*answer);
-            QMetaObject::invokeMethod(dialog, "accept");
+            // Queued: a question that accepting raises must find this timer free to answer it.
+            QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
         } else {
             dialog->reject();
         }
