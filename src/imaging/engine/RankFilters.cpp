@@ -61,7 +61,7 @@ PixelArray FilterSquare(const Rank& rank, const PixelArray& source, int radius) 
     std::uint8_t* const rows = result.WritableRows();
     ForEachTile<RankScratch>(
         source.Width(), source.Height(), [&](const TileArea& area, RankScratch& scratch) {
-            const auto window = static_cast<std::size_t>(2 * radius + 1);
+            const std::size_t window = 2 * static_cast<std::size_t>(radius) + 1;
             const std::size_t rowLength = static_cast<std::size_t>(area.width + 2 * radius) * kComponents;
             const std::size_t count = rowLength * static_cast<std::size_t>(area.height + 2 * radius);
             scratch.current.resize(count);
@@ -103,7 +103,7 @@ PixelArray Mix(const PixelArray& a, const PixelArray& b, float shareOfB) {
 PixelArray FilterReducedSquare(const Rank& rank, const PixelArray& source, int radius) {
     const double reduced = radius * source.Reduction();
     const double whole = std::floor(reduced);
-    const PixelArray inner = FilterSquare(rank, source, static_cast<int>(whole));
+    PixelArray inner = FilterSquare(rank, source, static_cast<int>(whole));
     if (reduced == whole) {
         return inner;
     }
