@@ -23,7 +23,7 @@ using SumVector = hn::Vec<Sums>;
 
 // sum + products of the lanes of `a` and `b`, those of neighbours added up in one 32-bit lane.
 SumVector AddPairs(SumVector sum, WideVector a, WideVector b) {
-#if HWY_ARCH_X86
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128 // elsewhere it leaves open which products go together
     SumVector unused = hn::Zero(Sums());
     return hn::ReorderWidenMulAccumulate(Sums(), a, b, sum, unused);
 #else

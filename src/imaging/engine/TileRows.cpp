@@ -5,6 +5,8 @@
 #include "imaging/engine/Rounding.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/TileRows.cpp"
@@ -85,11 +87,15 @@ void DarkestOf(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTR
 
 void JoinAlpha(const std::uint8_t* HWY_RESTRICT colour, const std::uint8_t* HWY_RESTRICT alpha, int width,
                std::uint8_t* HWY_RESTRICT out) {
+    constexpr std::uint32_t kAlphaBits = 0xFF000000; // the last of a pixel's four bytes
+    static_assert(std::endian::native == std::endian::little);
     for (int i = 0; i < width * kComponents; i += kComponents) {
-        out[i] = colour[i];
-        out[i + 1] = colour[i + 1];
-        out[i + 2] = colour[i + 2];
-        out[i + 3] = alpha[i + 3];
+        std::uint32_t pixel = 0;
+        std::uint32_t other = 0;
+        std::memcpy(&pixel, colour + i, sizeof pixel);
+        std::memcpy(&other, alpha + i, sizeof other);
+        pixel = (pixel & ~kAlphaBits) | (other & kAlphaBits);
+        std::memcpy(out + i, &pixel, sizeof pixel);
     }
 }
 
