@@ -68,6 +68,11 @@ struct SampleGrid {
     BorderWidth pixelReach; // for the whole pixel
 };
 
+// std::hypot guards against overflow, which costs more than the rest of a map.
+inline double Length(double x, double y) {
+    return std::sqrt(x * x + y * y);
+}
+
 // Source distance per column and per row of the result at a point.
 struct LocalScale {
     WarpPoint perColumn;
@@ -92,8 +97,8 @@ SampleGrid GridFor(const Map& map, WarpPoint first, WarpPoint last) {
     for (std::size_t i = 0; i < scales.size(); ++i) {
         const double offset = (last.x - first.x) * static_cast<double>(i) / 2;
         const LocalScale& scale = scales[i] = ScaleAt(map, {first.x + offset, first.y});
-        columnLength = std::max(columnLength, std::hypot(scale.perColumn.x, scale.perColumn.y));
-        rowLength = std::max(rowLength, std::hypot(scale.perRow.x, scale.perRow.y));
+        columnLength = std::max(columnLength, Length(scale.perColumn.x, scale.perColumn.y));
+        rowLength = std::max(rowLength, Length(scale.perRow.x, scale.perRow.y));
     }
     SampleGrid grid;
     grid.columns = StepsFor(columnLength);
@@ -101,7 +106,7 @@ SampleGrid GridFor(const Map& map, WarpPoint first, WarpPoint last) {
     const double columnShare = grid.columns.Share();
     const double rowShare = grid.rows.Share();
     const auto widest = [](double known, double a, double b) {
-        return std::min(std::max(known, std::hypot(a, b)), kMostSteps * kLargestStep);
+        return std::min(std::max(known, Length(a, b)), kMostSteps * kLargestStep);
     };
     grid.border = grid.pixelReach = {1e-3, 1e-3};
     for (const LocalScale& scale : scales) {
@@ -162,36 +167,58 @@ class SampleMean {
 };
 static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < UINT32_MAX);
 
-// One run of result pixels whose first pixel centre is `first`.
+// Makes the result's pixels, a run at a time.
 template <class Map>
-void WarpRun(const Map& map, const PixelArray& source, const WarpSampler& sampler, WarpPoint first, int count,
-             std::uint8_t* to) {
-    SampleRun run;
-    Locate(map, source, first, count, run);
-    // Perspective reduces without limit towards its horizon: only what is seen of the picture decides.
-    const ColumnSpan seen = Map::kIsAffine ? ColumnSpan{0, 1} : sampler.NearestToPicture(run);
-    const SampleGrid grid =
-        GridFor(map, {first.x + seen.first, first.y}, {first.x + (seen.end - 1), first.y});
-    if (sampler.IsBackground(run, grid.pixelReach)) {
-        sampler.FillBackground(count, to);
-        return;
-    }
-    if (grid.columns.count == 1 && grid.rows.count == 1) {
-        sampler.Sample(run, grid.border, to);
-        return;
-    }
-    SampleMean mean;
-    std::array<std::uint8_t, 4 * kRunLength> samples;
-    for (int row = 0; row < grid.rows.count; ++row) {
-        for (int column = 0; column < grid.columns.count; ++column) {
-            const WarpPoint shifted{first.x + grid.columns.Offset(column), first.y + grid.rows.Offset(row)};
-            Locate(map, source, shifted, count, run);
-            sampler.Sample(run, grid.border, samples.data());
-            mean.Add(samples.data(), count);
+class RunWarper {
+  public:
+    RunWarper(const PixelArray& source, const Map& map, std::uint32_t background)
+        : source_(source),
+          map_(map),
+          sampler_(source, Map::kOutside, background),
+          evenGrid_(GridFor(map, {0, 0}, {0, 0})) {}
+
+    // `count` pixels, the first of which has its centre at `first`.
+    void Make(WarpPoint first, int count, std::uint8_t* to) const {
+        SampleRun run;
+        Locate(map_, source_, first, count, run);
+        const SampleGrid grid = Map::kIsAffine ? evenGrid_ : GridForRun(first, run);
+        if (sampler_.IsBackground(run, grid.pixelReach)) {
+            sampler_.FillBackground(count, to);
+        } else if (grid.columns.count == 1 && grid.rows.count == 1) {
+            sampler_.Sample(run, grid.border, to);
+        } else {
+            MakeFromGrid(grid, first, count, to);
         }
     }
-    mean.Write(count, to);
-}
+
+  private:
+    // Perspective reduces without limit towards its horizon: only what is seen of the picture decides.
+    SampleGrid GridForRun(WarpPoint first, const SampleRun& run) const {
+        const ColumnSpan seen = sampler_.NearestToPicture(run);
+        return GridFor(map_, {first.x + seen.first, first.y}, {first.x + (seen.end - 1), first.y});
+    }
+
+    void MakeFromGrid(const SampleGrid& grid, WarpPoint first, int count, std::uint8_t* to) const {
+        SampleRun run;
+        SampleMean mean;
+        std::array<std::uint8_t, 4 * kRunLength> samples;
+        for (int row = 0; row < grid.rows.count; ++row) {
+            for (int column = 0; column < grid.columns.count; ++column) {
+                const WarpPoint shifted{first.x + grid.columns.Offset(column),
+                                        first.y + grid.rows.Offset(row)};
+                Locate(map_, source_, shifted, count, run);
+                sampler_.Sample(run, grid.border, samples.data());
+                mean.Add(samples.data(), count);
+            }
+        }
+        mean.Write(count, to);
+    }
+
+    const PixelArray& source_;
+    const Map& map_;
+    WarpSampler sampler_;
+    SampleGrid evenGrid_; // of every pixel, where the map is affine
+};
 
 // The columns of a row that the map leaves where they are.
 inline void CopyUnmoved(const PixelArray& source, int y, ColumnSpan moved, std::uint8_t* to) {
@@ -207,15 +234,14 @@ template <class Map>
 PixelArray Warp(const PixelArray& source, const Map& map, std::uint32_t background) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const pixels = result.WritableRows();
-    const WarpSampler sampler(source, Map::kOutside, background);
+    const warp::RunWarper<Map> warper(source, map, background);
     const auto warpTile = [&](int left, int right, int top, int bottom) {
         for (int y = top; y < bottom; ++y) {
             const ColumnSpan moved = map.Moved(y);
             const int first = std::max(left, moved.first);
             const int count = std::min(right, moved.end) - first;
             if (count > 0) {
-                warp::WarpRun(map, source, sampler, {first + 0.5, y + 0.5}, count,
-                              pixels + y * result.Stride() + first * 4);
+                warper.Make({first + 0.5, y + 0.5}, count, pixels + y * result.Stride() + first * 4);
             }
         }
     };
