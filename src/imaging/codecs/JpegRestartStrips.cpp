@@ -154,7 +154,7 @@ JpegStripPlan PlanStrips(ByteView file, const std::vector<JpegSegment>& segments
     const int rowsToAMarker = frame->restartInterval / common; // rows until one starts at a marker
     const int intervals = frame->mcusPerRow / common;          // in so many rows
     const int period = rowsToAMarker * (kRestartNumbers / std::gcd(intervals, kRestartNumbers));
-    const int leastRows = kLeastStripPixels / kBlock / frame->width + 1;
+    const int leastRows = kLeastStripPixels / kBlock / std::max(frame->width, 1) + 1;
     const int rowsWanted = std::max({frame->mcuRows / kStripsWanted, leastRows, 1});
     const int rowsPerStrip = (rowsWanted + period - 1) / period * period;
     if (rowsPerStrip >= frame->mcuRows) {
