@@ -39,6 +39,9 @@ PixelArray MadePicture(int width, int height);
 // Every component of every pixel random.
 PixelArray MadeNoise(int width, int height);
 
+// One B, G, R, alpha (or four inks) everywhere.
+PixelArray Solid(int width, int height, std::array<std::uint8_t, 4> pixel);
+
 // The largest difference of any component in the first `rows` rows; 256 where sizes differ.
 int Difference(const PixelArray& a, const PixelArray& b, int rows);
 inline int Difference(const PixelArray& a, const PixelArray& b) {
