@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -65,14 +66,20 @@ void Measure(PictureView& view, bool transparent) {
         view.SetCentreY(y);
         return Milliseconds([&] { view.repaint(); });
     };
+    constexpr int kSweepFrames = 350;
     std::vector<double> sweep;
-    for (double zoom = 0.01; zoom <= 10.0; zoom *= 1.02)
-        sweep.push_back(frame(zoom, 0.5 * kWidth, 0.5 * kHeight));
+    sweep.reserve(kSweepFrames);
+    for (int step = 0; step < kSweepFrames; ++step) {
+        sweep.push_back(
+            frame(0.01 * std::pow(1000.0, step / (kSweepFrames - 1.0)), 0.5 * kWidth, 0.5 * kHeight));
+    }
     Report("zoom 1 % .. 1000 %", sweep);
     for (const double zoom : {0.15, 0.26, 0.3, 0.51, 0.7, 1.0, 1.01, 1.5, 2.0, 4.0}) {
         std::vector<double> pan;
-        for (int step = 0; step < 60; ++step)
+        pan.reserve(60);
+        for (int step = 0; step < 60; ++step) {
             pan.push_back(frame(zoom, 0.5 * kWidth + 9.0 * step / zoom, 0.5 * kHeight + 4.0 * step / zoom));
+        }
         char name[32];
         std::snprintf(name, sizeof name, "pan at %.0f %%", zoom * 100);
         Report(name, pan);

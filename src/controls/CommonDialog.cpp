@@ -1,6 +1,7 @@
 // The Open and Save file dialogs, see CommonDialog.h.
 #include "controls/CommonDialog.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -37,6 +38,9 @@ QStringList NameFilters(const QList<FilterEntry>& entries) {
 
 // The folder to begin in: the setting itself, or the folder of the file that it names.
 QString StartFolder(const QString& setting) {
+    if (setting.isEmpty()) {
+        return QDir::homePath();
+    }
     const QFileInfo info(setting);
     return info.isDir() ? info.absoluteFilePath() : info.absolutePath();
 }

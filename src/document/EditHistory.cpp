@@ -87,7 +87,7 @@ bool EditHistory::AddHistoryEntry(const QString& caption, PictureSlot slot, Repo
         }
         MarkActive(historyList, historyList.Count() - 1);
         historyList.Populate();
-        historyList.scrollToBottom();
+        historyList.SelectRow(historyList.Count() - 1); // the person sees which row is the active one
         return true;
     });
 }

@@ -88,6 +88,8 @@ void LivePreview::Slider_Tab_MouseUp(int slider) {
             [&] { services_.UpdatePreviewImage(kSlot); },
             [&] { Progress(8); }, //
             [&] { controls_.ProgressBarControl.SetVisible(false); }, [&] { services_.SetEditingEnabled(true); },
+            // Disabling the slider took the keyboard focus from it.
+            [&] { controls_.Slider_Tab(slider).setFocus(); },
             [&] {
                 EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton, controls_.HistoryList);
             });

@@ -11,7 +11,7 @@ namespace {
 
 class BadInput : public testing::Test {
   protected:
-    BadInput() { editor.Open(editor.MakeFile("good.png", MakeScene(64, 48))); }
+    BadInput() { editor.Open(editor.MakeFile("good.bmp", MakeScene(64, 48))); }
 
     QString WriteFile(const QString& name, const QByteArray& bytes) {
         QFile file(editor.Path(name));

@@ -32,7 +32,7 @@ void ExpectSound(Editor& editor) {
 
 TEST(History, UndoAndRedoBringBackWhatWasThere) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(301, 203)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(301, 203)));
     std::vector<PixelArray> states{editor.Shown()};
     for (const auto& [name, index] : std::vector<std::pair<const char*, int>>{
              {"Cmd_Tab", 1}, {"Cmd_Tab", kInvert}, {"Cmd_RotateLeft", 0}, {"Cmd_FlipV", 0}}) {
@@ -55,7 +55,7 @@ TEST(History, UndoAndRedoBringBackWhatWasThere) {
 
 TEST(History, ANewEditDropsTheRowsThatCouldBeRedone) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(60, 40)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     editor.Click("Cmd_Tab", 0);
     editor.Click("Cmd_Tab", 1);
     editor.Click("Cmd_Tab", kInvert);
@@ -69,7 +69,7 @@ TEST(History, ANewEditDropsTheRowsThatCouldBeRedone) {
 
 TEST(History, TheSixteenthRowPushesOutTheFirst) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(40, 30)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(40, 30)));
     for (int edit = 0; edit < 14; ++edit) {
         editor.Click("Cmd_Tab", kInvert);
     }
@@ -91,7 +91,7 @@ TEST(History, TheSixteenthRowPushesOutTheFirst) {
 TEST(History, PickingARowJumpsToIt) {
     Editor editor;
     const PixelArray scene = MakeScene(60, 40);
-    editor.Open(editor.MakeFile("scene.png", scene));
+    editor.Open(editor.MakeFile("scene.bmp", scene));
     editor.Click("Cmd_Tab", kInvert);
     editor.Click("Cmd_RotateRight");
     for (const int row : {0, 2, 1, 1}) {
@@ -108,7 +108,7 @@ TEST(History, PickingARowJumpsToIt) {
 
 TEST(History, AWorkingFileThatIsGoneIsReportedAndThePictureStays) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(60, 40)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     editor.Click("Cmd_Tab", kInvert);
     const PixelArray before = editor.Shown();
     QFile::remove(editor.WorkingFile("tmpimg_0_1.jpg"));
@@ -121,7 +121,7 @@ TEST(History, AWorkingFileThatIsGoneIsReportedAndThePictureStays) {
 
 TEST(History, EditingGoesOnAfterTheTemporaryFolderVanished) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(60, 40)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     ASSERT_TRUE(QDir(editor.Document().GetTempFolder()).removeRecursively());
     editor.Click("Cmd_Tab", kInvert);
     EXPECT_TRUE(editor.person.Messages().empty());

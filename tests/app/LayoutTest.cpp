@@ -54,11 +54,11 @@ TEST(Layout, AWindowTooSmallKeepsTheLastPlaces) {
 
 TEST(Layout, ASmallPictureIsShownAtActualSizeAndALargeOneFits) {
     Editor editor;
-    editor.Open(editor.MakeFile("small.png", MakeScene(200, 100)));
+    editor.Open(editor.MakeFile("small.bmp", MakeScene(200, 100)));
     editor.Window().showNormal();
     editor.Window().resize(1200, 800);
     ASSERT_TRUE(editor.WaitUntil([&] { return editor.Document().Views(0).Zoom() == 1.0; }));
-    editor.Open(editor.MakeFile("large.png", MakeScene(3000, 2000)));
+    editor.Open(editor.MakeFile("large.bmp", MakeScene(3000, 2000)));
     editor.Window().resize(1100, 800);
     ASSERT_TRUE(editor.WaitUntil([&] { return editor.Document().Views(0).Zoom() < 0.5; }));
 }

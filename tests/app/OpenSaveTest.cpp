@@ -13,7 +13,7 @@ namespace {
 
 TEST(Open, ShowsThePictureAndStartsAHistory) {
     Editor editor;
-    editor.Open(editor.MakeFile("a picture.png", MakeScene(320, 200)));
+    editor.Open(editor.MakeFile("a picture.bmp", MakeScene(320, 200)));
     EXPECT_EQ(editor.HistoryCaptions(), QStringList{"Open"});
     EXPECT_EQ(editor.ActiveRow(), 0);
     EXPECT_EQ(editor.Get<Label>("lbl_ImageInfo").Caption(), "(W x H) : 320 x 200");
@@ -30,7 +30,7 @@ TEST(Open, ShowsThePictureAndStartsAHistory) {
 
 TEST(Open, CancelChangesNothing) {
     Editor editor;
-    editor.Open(editor.MakeFile("one.png", MakeScene(40, 30)));
+    editor.Open(editor.MakeFile("one.bmp", MakeScene(40, 30)));
     const QString folder = editor.Document().OpenDialogFolder;
     editor.person.WillCancelFileDialog();
     editor.Click("Cmd_Panel", 0);
@@ -50,9 +50,9 @@ TEST(Open, AsksAboutUnsavedChangesAndDoesAsAnswered) {
                                  ChangedCase{QMessageBox::Yes, true, false},
                                  ChangedCase{QMessageBox::Yes, false, true}}) {
         Editor editor;
-        editor.Open(editor.MakeFile("first.png", MakeScene(40, 30)));
+        editor.Open(editor.MakeFile("first.bmp", MakeScene(40, 30)));
         editor.Click("Cmd_Tab", 2);
-        const QString second = editor.MakeFile("second.png", MakeScene(50, 60));
+        const QString second = editor.MakeFile("second.bmp", MakeScene(50, 60));
         editor.person.WillPress(c.answer);
         if (c.answer == QMessageBox::Yes) {
             c.saveDialogCancelled ? editor.person.WillCancelFileDialog()
@@ -81,7 +81,7 @@ struct SaveCase {
 TEST(Save, WritesTheFormatOfTheExtension) {
     Editor editor;
     const PixelArray scene = MakeScene(64, 48);
-    editor.Open(editor.MakeFile("source.png", scene));
+    editor.Open(editor.MakeFile("source.bmp", scene));
     for (const SaveCase& c : {SaveCase{"plain.png", "plain.png", 0}, SaveCase{"Mixed.Png", "Mixed.Png", 0},
                               SaveCase{"loud.BMP", "loud.BMP", 0}, SaveCase{"layers.tif", "layers.tif", 0},
                               SaveCase{"photo.jpg", "photo.jpg", 6}, SaveCase{"no extension", "no extension.jpg", 6}}) {
@@ -95,7 +95,7 @@ TEST(Save, WritesTheFormatOfTheExtension) {
 
 TEST(Save, RefusesAnExtensionThatIsNoneOfTheEleven) {
     Editor editor;
-    editor.Open(editor.MakeFile("source.png", MakeScene(64, 48)));
+    editor.Open(editor.MakeFile("source.bmp", MakeScene(64, 48)));
     editor.Click("Cmd_Tab", 2);
     for (const char* const name : {"photo.jpeg", "photo.tiff", "photo.txt"}) {
         editor.person.ForgetMessages();
@@ -109,7 +109,7 @@ TEST(Save, RefusesAnExtensionThatIsNoneOfTheEleven) {
 
 TEST(Save, AFailureLeavesTheOldFileWholeAndThePictureChanged) {
     Editor editor;
-    editor.Open(editor.MakeFile("source.png", MakeScene(64, 48)));
+    editor.Open(editor.MakeFile("source.bmp", MakeScene(64, 48)));
     editor.Click("Cmd_Tab", 2);
     QFile target(editor.Path("kept.png"));
     ASSERT_TRUE(target.open(QIODevice::WriteOnly));
@@ -128,7 +128,7 @@ TEST(Save, AFailureLeavesTheOldFileWholeAndThePictureChanged) {
 
 TEST(Close, AsksAboutUnsavedChangesAndClearsUp) {
     Editor editor;
-    editor.Open(editor.MakeFile("source.png", MakeScene(64, 48)));
+    editor.Open(editor.MakeFile("source.bmp", MakeScene(64, 48)));
     editor.Click("Cmd_Tab", 2);
     editor.person.WillPress(QMessageBox::Cancel);
     EXPECT_FALSE(editor.Window().close());

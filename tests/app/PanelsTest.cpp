@@ -17,7 +17,7 @@ namespace {
 TEST(Panels, InvertTwiceGivesBackThePicture) {
     Editor editor;
     const PixelArray scene = MakeScene(120, 90);
-    editor.Open(editor.MakeFile("scene.png", scene));
+    editor.Open(editor.MakeFile("scene.bmp", scene));
     editor.Click("Cmd_Tab", 2);
     EXPECT_EQ(editor.Shown().Row(5)[8], 255 - scene.Row(5)[8]);
     editor.Click("Cmd_Tab", 2);
@@ -27,7 +27,7 @@ TEST(Panels, InvertTwiceGivesBackThePicture) {
 
 TEST(Panels, EveryOneClickButtonChangesThePictureAndNamesItsRow) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(120, 90)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(120, 90)));
     QStringList expected{"Open"};
     for (const int element : {0, 1, 2, 5, 6}) {
         editor.Get<TabControl>("TabControl_Effects").SelectTab(element < 3 ? 0 : 1);
@@ -44,7 +44,7 @@ TEST(Panels, EveryOneClickButtonChangesThePictureAndNamesItsRow) {
 
 TEST(Panels, ResetSetsSlidersAndTextsAndLeavesThePicture) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(60, 40)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     const PixelArray before = editor.Shown();
     for (const auto& [slider, value] : std::vector<std::pair<int, int>>{{0, 50}, {1, 150}, {10, 7}, {13, 3}, {20, 30}}) {
         editor.Get<Slider>("Slider_Tab", slider).SetValue(value);
@@ -62,7 +62,7 @@ TEST(Panels, ResetSetsSlidersAndTextsAndLeavesThePicture) {
 TEST(RotateFlip, FourTurnsRestoreThePictureAndTheLabelsFollow) {
     Editor editor;
     const PixelArray scene = MakeScene(120, 90);
-    editor.Open(editor.MakeFile("scene.png", scene));
+    editor.Open(editor.MakeFile("scene.bmp", scene));
     for (int turn = 1; turn <= 4; ++turn) {
         editor.Click("Cmd_RotateLeft");
         const QString size = turn % 2 == 1 ? "90 x 120" : "120 x 90";
@@ -75,7 +75,7 @@ TEST(RotateFlip, FourTurnsRestoreThePictureAndTheLabelsFollow) {
 
 TEST(RotateFlip, AFlipKeepsZoomAndLabels) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(120, 90)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(120, 90)));
     editor.Click("Cmd_ZoomIn");
     const double zoom = editor.Document().Views(0).Zoom();
     const QString info = editor.Get<Label>("lbl_ImageInfo").Caption();
@@ -89,7 +89,7 @@ TEST(RotateFlip, AFlipKeepsZoomAndLabels) {
 class ResizePage : public testing::Test {
   protected:
     ResizePage() {
-        editor.Open(editor.MakeFile("scene.png", MakeScene(1024, 768)));
+        editor.Open(editor.MakeFile("scene.bmp", MakeScene(1024, 768)));
         editor.Get<TabControl>("TabControl_Effects").SelectTab(3);
     }
     QString NewSize() { return editor.Get<Label>("lbl_Resize", 1).Caption(); }

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QPushButton>
 
 namespace pictorel {
 namespace {
@@ -27,7 +28,7 @@ void Person::Look() {
             messageAnswers_.pop_front();
         }
         if (button != nullptr) {
-            button->click();
+            QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
         } else {
             box->reject();
         }
@@ -38,7 +39,8 @@ void Person::Look() {
         }
         if (answer) {
             dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(*answer);
-            QMetaObject::invokeMethod(dialog, "accept");
+            // Queued: a question that accepting raises must find this timer free to answer it.
+            QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
         } else {
             dialog->reject();
         }

@@ -17,7 +17,7 @@ QWidget* PreviewWindowOf(Editor& editor) {
 TEST(Sliders, PreviewWhileHeldAndCommitOnRelease) {
     Editor editor;
     const PixelArray scene = MakeScene(400, 300);
-    editor.Open(editor.MakeFile("scene.png", scene));
+    editor.Open(editor.MakeFile("scene.bmp", scene));
     auto& slider = editor.Get<Slider>("Slider_Tab", 0);
     const QPoint thumb(slider.width() / 2, slider.height() / 2);
     QTest::mousePress(&slider, Qt::LeftButton, Qt::NoModifier, thumb);
@@ -42,7 +42,7 @@ TEST(Sliders, PreviewWhileHeldAndCommitOnRelease) {
 TEST(Sliders, EveryShownSliderAtItsDefaultLeavesThePixels) {
     Editor editor;
     const PixelArray scene = MakeScene(90, 70);
-    editor.Open(editor.MakeFile("scene.png", scene));
+    editor.Open(editor.MakeFile("scene.bmp", scene));
     for (int i = 0; i < 34; ++i) {
         auto& slider = editor.Get<Slider>("Slider_Tab", i);
         if (slider.isHidden()) {
@@ -56,7 +56,7 @@ TEST(Sliders, EveryShownSliderAtItsDefaultLeavesThePixels) {
 
 TEST(Sliders, TheReducedCopyIs250PixelsWide) {
     Editor editor;
-    editor.Open(editor.MakeFile("scene.png", MakeScene(1000, 750)));
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(1000, 750)));
     editor.Click("Cmd_ZoomFit");
     auto& slider = editor.Get<Slider>("Slider_Tab", 18);
     emit slider.Pressed();

@@ -150,6 +150,17 @@ PixelArray MadeNoise(int width, int height) {
     return picture;
 }
 
+PixelArray Solid(int width, int height, std::array<std::uint8_t, 4> pixel) {
+    PixelArray picture(width, height);
+    std::uint8_t* const rows = picture.WritableRows();
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            std::copy(pixel.begin(), pixel.end(), rows + y * picture.Stride() + x * 4);
+        }
+    }
+    return picture;
+}
+
 int Difference(const PixelArray& a, const PixelArray& b, int rows) {
     if (a.Width() != b.Width() || a.Height() != b.Height()) {
         return 256;

@@ -22,8 +22,8 @@ struct JpegRecipe {
     bool adobeMarker = true; // where the space asks for one
     int density = 0;         // in the JFIF header
     int densityUnit = 1;     // 1 inch, 2 centimetre
-    std::vector<JpegMarker> markers;
-    ByteBuffer icc;
+    std::vector<JpegMarker> markers{};
+    ByteBuffer icc{};
 };
 
 // The picture's components go in as they are: B, G, R for the first three spaces (only G for Grey), and all
@@ -38,6 +38,9 @@ PixelArray MadePicture(int width, int height);
 
 // Every component of every pixel random.
 PixelArray MadeNoise(int width, int height);
+
+// One B, G, R, alpha (or four inks) everywhere.
+PixelArray Solid(int width, int height, std::array<std::uint8_t, 4> pixel);
 
 // The largest difference of any component in the first `rows` rows; 256 where sizes differ.
 int Difference(const PixelArray& a, const PixelArray& b, int rows);

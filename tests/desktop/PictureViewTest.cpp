@@ -67,8 +67,9 @@ TEST_F(PictureViewTest, PaintsDevicePixelsOfThePictureAsTheyAre) {
     const int left = 1000 - painted.width() / 2;
     const int top = 750 - painted.height() / 2;
     for (int y = 0; y < painted.height(); ++y) {
-        for (int x = 0; x < painted.width(); ++x)
+        for (int x = 0; x < painted.width(); ++x) {
             ASSERT_EQ(painted.pixel(x, y), PixelAt(picture, left + x, top + y)) << x << ", " << y;
+        }
     }
     EXPECT_EQ(changes_, 0) << "the owner's own changes are not reported to it";
 }
@@ -160,8 +161,9 @@ TEST_F(PictureViewTest, TheWheelStaysInItsRangeAndStopsAtActualSize) {
     Wheel({200, 150}, 33);
     EXPECT_EQ(view_.Zoom(), 10.0);
     EXPECT_EQ(changes_, 0) << "nothing changed";
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 300; ++i) {
         Wheel({200, 150}, -33);
+    }
     EXPECT_EQ(view_.Zoom(), 0.01);
     view_.SetZoom(40.0);
     Wheel({200, 150}, 33);
@@ -259,8 +261,9 @@ TEST_F(PictureViewTest, RedrawOffKeepsTheOldPaintingUntilItIsOnAgain) {
 
 TEST_F(PictureViewTest, RefusesValuesThatCannotBeShown) {
     view_.SetZoom(0.7);
-    for (const double zoom : {0.0, -1.0, std::nan(""), std::numeric_limits<double>::infinity()})
+    for (const double zoom : {0.0, -1.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
         EXPECT_THROW(view_.SetZoom(zoom), ImagingError) << zoom;
+    }
     EXPECT_THROW(view_.SetCentreX(std::nan("")), ImagingError);
     EXPECT_THROW(view_.SetScalingQuality(5), ImagingError);
     EXPECT_THROW(view_.SetBorderStyle(2), ImagingError);
@@ -276,8 +279,9 @@ TEST_F(PictureViewTest, WithoutAPictureTheMouseChangesNothing) {
     const QImage painted = Painted();
     EXPECT_EQ(painted.pixel(2, 2), 0xff212326);
     bool hintSeen = false;
-    for (int x = 0; x < painted.width(); ++x)
+    for (int x = 0; x < painted.width(); ++x) {
         hintSeen = hintSeen || painted.pixel(x, painted.height() / 2) != painted.pixel(2, 2);
+    }
     EXPECT_TRUE(hintSeen);
 }
 

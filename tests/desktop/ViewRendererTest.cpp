@@ -3,6 +3,7 @@
 #include "imaging/desktop/ViewRenderer.h"
 
 #include <gtest/gtest.h>
+#include <hwy/targets.h>
 
 #include <algorithm>
 #include <array>
@@ -65,9 +66,10 @@ Pixel Component(Pixel pixel, int component) {
 
 int LargestDifference(Pixel a, Pixel b) {
     int largest = 0;
-    for (int c = 0; c < 4; ++c)
+    for (int c = 0; c < 4; ++c) {
         largest = std::max(largest,
                            std::abs(static_cast<int>(Component(a, c)) - static_cast<int>(Component(b, c))));
+    }
     return largest;
 }
 
@@ -99,8 +101,9 @@ TEST(ViewRenderer, FourTimesTheSizeDrawsSquares) {
     const PixelArray picture = MakeNoise(20, 10);
     const Drawing drawing(picture, SceneOf(picture, 80, 40, 4.0));
     for (int y = 0; y < 40; ++y) {
-        for (int x = 0; x < 80; ++x)
+        for (int x = 0; x < 80; ++x) {
             ASSERT_EQ(drawing.At(x, y), PixelAt(picture, x / 4, y / 4)) << x << ", " << y;
+        }
     }
 }
 
@@ -111,8 +114,9 @@ TEST(ViewRenderer, AnEvenSurfaceKeepsItsColourAtEveryZoom) {
         const ViewScene scene = SceneOf(picture, 101, 47, zoom);
         const Drawing drawing(picture, scene);
         for (int y = scene.down.Drawn(47).begin; y < scene.down.Drawn(47).end; ++y) {
-            for (int x = scene.across.Drawn(101).begin; x < scene.across.Drawn(101).end; ++x)
+            for (int x = scene.across.Drawn(101).begin; x < scene.across.Drawn(101).end; ++x) {
                 ASSERT_EQ(drawing.At(x, y), 0xff1fc8f0) << zoom << " at " << x << ", " << y;
+            }
         }
     }
 }
@@ -132,15 +136,17 @@ Pixel AreaMean(const PixelArray& picture, const ViewScene& scene, int x, int y, 
                                 ((right - left) * (bottom - top));
             const Pixel pixel = PixelAt(picture, column, row);
             const double alpha = Component(pixel, 3) / 255.0;
-            for (int c = 0; c < 3; ++c)
+            for (int c = 0; c < 3; ++c) {
                 sums[static_cast<std::size_t>(c)] += area * Component(pixel, c) * alpha;
+            }
             sums[3] += area * alpha;
         }
     }
     const double grey = overChequer ? GreyUnder(scene, x, y) * (1.0 - sums[3]) : 0.0;
     Pixel mean = kOpaque;
-    for (int c = 0; c < 3; ++c)
+    for (int c = 0; c < 3; ++c) {
         mean |= static_cast<Pixel>(std::lround(sums[static_cast<std::size_t>(c)] + grey)) << 8 * c;
+    }
     return mean;
 }
 
@@ -172,9 +178,10 @@ TEST(ViewRenderer, AFineChequerTurnsGreyWithoutMoire) {
         const Span across = scene.across.Drawn(500);
         const Span down = scene.down.Drawn(380);
         for (int y = down.begin; y < down.end - 1; ++y) {
-            for (int x = across.begin; x < across.end - 1; ++x)
+            for (int x = across.begin; x < across.end - 1; ++x) {
                 ASSERT_LE(LargestDifference(drawing.At(x, y), 0xff808080), 2)
                     << zoom << " at " << x << ", " << y;
+            }
         }
     }
 }
@@ -221,8 +228,28 @@ TEST(ViewRenderer, DrawsPicturesOfOnePixelsWidthAndViewsOfOnePixel) {
          {std::array{1, 1}, std::array{1, 3000}, std::array{3000, 1}, std::array{5, 3}}) {
         const PixelArray picture = MakeNoise(width, height, true);
         for (const int view : {1, 2, 50}) {
-            for (const double zoom : {1e-9, 0.001, 0.2, 0.5, 0.9, 1.0, 1.5, 7.0, 1e9})
+            for (const double zoom : {1e-9, 0.001, 0.2, 0.5, 0.9, 1.0, 1.5, 7.0, 1e9}) {
                 Drawing(picture, SceneOf(picture, view, 3, zoom));
+            }
+        }
+    }
+}
+
+TEST(ViewRenderer, EveryVectorUnitDrawsTheSamePixels) {
+    const PixelArray picture = MakeNoise(333, 222, true);
+    for (const double zoom : {0.7, 1.3}) {
+        const ViewScene scene = SceneOf(picture, 401, 301, zoom);
+        const Drawing best(picture, scene);
+        for (std::int64_t left = hwy::SupportedTargets(); left != 0; left &= left - 1) {
+            hwy::SetSupportedTargetsForTest(left & -left);
+            const Drawing drawing(picture, scene);
+            hwy::SetSupportedTargetsForTest(0);
+            for (int y = 0; y < 301; ++y) {
+                for (int x = 0; x < 401; ++x) {
+                    ASSERT_EQ(drawing.At(x, y), best.At(x, y))
+                        << hwy::TargetName(left & -left) << ' ' << x << ", " << y;
+                }
+            }
         }
     }
 }
@@ -231,14 +258,16 @@ TEST(PicturePyramid, ALevelIsTheSameWhetherMadeInOneGoOrFromAFinerOne) {
     const PixelArray picture = MakeNoise(1237, 555, true);
     PicturePyramid direct(picture);
     PicturePyramid stepwise(picture);
-    for (int level = 1; level <= 4; ++level)
+    for (int level = 1; level <= 4; ++level) {
         stepwise.Level(level);
+    }
     const PixelArray& a = direct.Level(4);
     const PixelArray& b = stepwise.Level(4);
     ASSERT_EQ(a.Width(), 78);
     ASSERT_EQ(a.Height(), 35);
-    for (int y = 0; y < a.Height(); ++y)
+    for (int y = 0; y < a.Height(); ++y) {
         EXPECT_TRUE(std::equal(a.Row(y), a.Row(y) + a.RowBytes(), b.Row(y))) << y;
+    }
 }
 
 } // namespace

@@ -107,14 +107,15 @@ void NoteLoss(j_common_ptr common, int level) {
 // Called by the library for every row of MCUs that it reads or gives out.
 void Watch(j_common_ptr common) {
     Session& session = SessionOf(common);
-    const jpeg_decompress_struct& library = session.library;
+    jpeg_decompress_struct& library = session.library;
     // The decoder found its way again at a restart marker.
-    if (session.lostRow >= 0 && session.lostScan == library.input_scan_number && library.unread_marker == 0) {
+    if (session.lostRow >= 0 && session.lostScan == library.input_scan_number && library.unread_marker == 0 &&
+        jpeg_input_complete(&library) == FALSE) {
         session.lostRow = -1;
     }
     // An arithmetic decoder takes the end of the data for zeros, without a word. The row that met it is over.
     if (library.arith_code != 0 && session.exhausted && session.lostRow < 0 && CarriesThePicture(library)) {
-        session.lostRow = static_cast<int>(library.input_iMCU_row);
+        session.lostRow = std::max(static_cast<int>(library.input_iMCU_row) - 1, 0);
         session.lostScan = library.input_scan_number;
     }
     const std::int64_t pixels = static_cast<std::int64_t>(library.image_width) * library.image_height;

@@ -6,6 +6,8 @@
 #include "imaging/codecs/JpegLibrary.h"
 #include "imaging/codecs/JpegWorkingTables.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -128,10 +130,23 @@ struct EncodedStrip {
     std::size_t bytes = 0;
 };
 
+// Faults of small pages cost a tenth of the time of encoding a large picture.
+void AdviseHugePages(std::uint8_t* memory, std::size_t bytes) noexcept {
+    constexpr std::size_t kHugePage = std::size_t{2} << 20;
+    void* start = memory;
+    std::size_t room = bytes;
+    if (std::align(kHugePage, kHugePage, start, room) != nullptr) {
+        madvise(start, room / kHugePage * kHugePage, MADV_HUGEPAGE); // a hint: failing costs nothing
+    }
+}
+
 // Puts strips together in their order, whatever the order in which they come.
 class StripJoiner {
   public:
-    StripJoiner(int height, std::size_t expectedBytes) : height_(height) { joined_.reserve(expectedBytes); }
+    StripJoiner(int height, std::size_t expectedBytes) : height_(height) {
+        joined_.reserve(expectedBytes);
+        AdviseHugePages(joined_.data(), expectedBytes);
+    }
 
     void Add(int index, EncodedStrip strip) {
         const std::lock_guard lock(mutex_);

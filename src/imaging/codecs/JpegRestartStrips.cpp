@@ -150,11 +150,11 @@ JpegStripPlan PlanStrips(ByteView file, const std::vector<JpegSegment>& segments
         return {};
     }
     // A strip holds whole rows of MCUs and whole rounds of restart numbers, so that its markers count from 0.
-    const int intervalsPerPeriod =
-        frame->mcusPerRow / std::gcd(frame->restartInterval, frame->mcusPerRow); // the least for whole rows
-    const int intervals = std::lcm(intervalsPerPeriod, kRestartNumbers);
-    const int period = static_cast<int>(std::int64_t{intervals} * frame->restartInterval / frame->mcusPerRow);
-    const int leastRows = kLeastStripPixels / kBlock / frame->width + 1;
+    const int common = std::gcd(frame->restartInterval, frame->mcusPerRow);
+    const int rowsToAMarker = frame->restartInterval / common; // rows until one starts at a marker
+    const int intervals = frame->mcusPerRow / common;          // in so many rows
+    const int period = rowsToAMarker * (kRestartNumbers / std::gcd(intervals, kRestartNumbers));
+    const int leastRows = kLeastStripPixels / kBlock / std::max(frame->width, 1) + 1;
     const int rowsWanted = std::max({frame->mcuRows / kStripsWanted, leastRows, 1});
     const int rowsPerStrip = (rowsWanted + period - 1) / period * period;
     if (rowsPerStrip >= frame->mcuRows) {

@@ -42,9 +42,10 @@ class RowHalver {
   public:
     RowHalver(const PixelArray& source, bool premultiply, int levels)
         : source_(source), premultiply_(premultiply), between_(static_cast<std::size_t>(levels)) {
-        for (int level = 1; level < levels; ++level)
+        for (int level = 1; level < levels; ++level) {
             between_[static_cast<std::size_t>(level)].resize(
                 static_cast<std::size_t>(HalvedSide(source.Width(), level)) * 8);
+        }
     }
 
     // Row `y` of the copy `level` halvings below.
@@ -75,8 +76,9 @@ PixelArray Halved(const PixelArray& source, bool premultiply, int levels) {
     std::uint8_t* const rows = halved.WritableRows();
     ForEachBand(halved.Height(), source.RowBytes() << levels, [&](int first, int end) {
         RowHalver halver(source, premultiply, levels);
-        for (int y = first; y < end; ++y)
+        for (int y = first; y < end; ++y) {
             halver.MakeRow(levels, y, rows + y * halved.Stride());
+        }
     });
     return halved;
 }
@@ -102,8 +104,9 @@ const PixelArray& PicturePyramid::Level(int level) {
             Level(level - kMostHalvings);
         }
         int finer = level - 1;
-        while (finer > 0 && halved_[static_cast<std::size_t>(finer)].IsEmpty())
+        while (finer > 0 && halved_[static_cast<std::size_t>(finer)].IsEmpty()) {
             --finer;
+        }
         const PixelArray& source = finer == 0 ? picture_ : halved_[static_cast<std::size_t>(finer)];
         wanted = Halved(source, finer == 0 && picture_.HasAlpha(), level - finer);
     }

@@ -5,21 +5,15 @@
 #include "imaging/ImagingError.h"
 #include "imaging/desktop/ZoomLadder.h"
 
-#include <QFontInfo>
-#include <QMouseEvent>
-#include <QPaintEvent>
-#include <QPainter>
-#include <QWheelEvent>
-
 #include <algorithm>
 #include <cmath>
-#include <exception>
+#include <string>
+#include <utility>
 
 namespace pictorel {
 namespace {
 
 constexpr int kLargestQuality = 4;
-constexpr double kSameZoom = 1e-9; // relative
 
 double CheckedNumber(double number, const char* name) {
     if (!std::isfinite(number)) {
@@ -37,18 +31,14 @@ double CarriedCentre(double centre, int before, int after) {
     return before == after ? centre : std::clamp(centre / before, 0.0, 1.0) * after;
 }
 
-QColor ColourOf(ColourValue colour) {
-    return {static_cast<int>(colour & 0xff), static_cast<int>(colour >> 8 & 0xff),
-            static_cast<int>(colour >> 16 & 0xff)};
-}
-
 PixelArray Crop(const PixelArray& picture, Span across, Span down) {
     PixelArray crop = PixelArray::Like(picture, across.Length(), down.Length());
     std::uint8_t* const rows = crop.WritableRows();
     ForEachBand(crop.Height(), 2 * crop.RowBytes(), [&](int first, int end) {
-        for (int y = first; y < end; ++y)
+        for (int y = first; y < end; ++y) {
             std::copy_n(picture.Row(down.begin + y) + std::ptrdiff_t{4} * across.begin, crop.RowBytes(),
                         rows + y * crop.Stride());
+        }
     });
     return crop;
 }
@@ -60,8 +50,9 @@ PixelArray WithAlphaOf(PixelArray picture, const PixelArray& plane) {
         for (int y = first; y < end; ++y) {
             const std::uint8_t* const source = plane.Row(y);
             std::uint8_t* const row = rows + y * picture.Stride();
-            for (int x = 0; x < picture.Width(); ++x)
+            for (int x = 0; x < picture.Width(); ++x) {
                 row[4 * x + 3] = plane.HasAlpha() ? source[4 * x + 3] : 255;
+            }
         }
     });
     picture.SetHasAlpha(plane.HasAlpha());
@@ -101,8 +92,9 @@ void PictureView::ShowSecondPlane(const PixelArray& plane) {
         throw ImagingError(ImagingFailure::InvalidValue,
                            "The transparency is not of the size of the picture that it belongs to.");
     }
-    const bool sameAlpha = plane.SharesPixelsWith(Picture()) && plane.HasAlpha() == Picture().HasAlpha();
-    if (sameAlpha || plane.IsEmpty()) {
+    const bool sameAlpha =
+        plane.HasAlpha() == Picture().HasAlpha() && (!plane.HasAlpha() || plane.SharesPixelsWith(Picture()));
+    if (sameAlpha) {
         return;
     }
     pyramid_ = PicturePyramid(WithAlphaOf(Picture(), plane));
@@ -233,202 +225,6 @@ void PictureView::ViewChanged() {
     if (redraw_) {
         update();
     }
-}
-
-// What the person at the view does
-
-void PictureView::MoveTo(double zoom, double centreX, double centreY) {
-    ViewAxis across = Across();
-    ViewAxis down = Down();
-    across.zoom = down.zoom = zoom;
-    across.centre = centreX;
-    down.centre = centreY;
-    centreX = across.CentreInside();
-    centreY = down.CentreInside();
-    if (zoom == zoom_ && centreX == centreX_ && centreY == centreY_) {
-        return;
-    }
-    zoom_ = zoom;
-    centreX_ = centreX;
-    centreY_ = centreY;
-    ViewChanged();
-    if (viewChanged_) {
-        viewChanged_();
-    }
-}
-
-void PictureView::ZoomAbout(const QPointF& device, double zoom) {
-    MoveTo(zoom, Across().CentreKeeping(device.x(), zoom), Down().CentreKeeping(device.y(), zoom));
-    if (drag_.active) {
-        BeginDrag(device);
-    }
-}
-
-// A whole notch is a step of the zoom ladder; what finer wheels and touchpads send counts in proportion, and
-// stops once at 100 % on its way.
-void PictureView::wheelEvent(QWheelEvent* event) {
-    constexpr int kNotch = QWheelEvent::DefaultDeltasPerStep;
-    constexpr double kNotchFactor = 1.25;
-    const int turn = event->angleDelta().y();
-    if (Picture().IsEmpty() || turn == 0) {
-        event->ignore();
-        return;
-    }
-    event->accept();
-    double zoom = zoom_;
-    if (turn % kNotch == 0) {
-        for (int notch = 0; notch < std::abs(turn) / kNotch; ++notch)
-            zoom = turn > 0 ? RungAbove(zoom) : RungBelow(zoom);
-    } else {
-        zoom *= std::pow(kNotchFactor, static_cast<double>(turn) / kNotch);
-        if ((zoom_ < 1.0 && zoom > 1.0) || (zoom_ > 1.0 && zoom < 1.0)) {
-            zoom = 1.0;
-        }
-        // A zoom from outside the person's range is left alone, or comes back into it.
-        zoom = turn > 0 ? std::max(zoom_, std::min(zoom, kLargestZoom))
-                        : std::min(zoom_, std::max(zoom, kSmallestZoom));
-    }
-    ZoomAbout(DevicePoint(event->position()), zoom);
-}
-
-void PictureView::BeginDrag(const QPointF& device) {
-    drag_ = {true, device, centreX_, centreY_};
-}
-
-void PictureView::mousePressEvent(QMouseEvent* event) {
-    const bool movable = Across().PictureExceedsView() || Down().PictureExceedsView();
-    if (event->button() != Qt::LeftButton || !movable) {
-        event->ignore();
-        return;
-    }
-    BeginDrag(DevicePoint(event->position()));
-    ShowDragCursor();
-}
-
-void PictureView::mouseMoveEvent(QMouseEvent* event) {
-    if (!event->buttons().testFlag(Qt::LeftButton)) {
-        drag_.active = false; // released where the view was not told
-    }
-    if (!drag_.active) {
-        event->ignore();
-        return;
-    }
-    const QPointF way = (DevicePoint(event->position()) - drag_.pointer) / zoom_;
-    MoveTo(zoom_, drag_.centreX - way.x(), drag_.centreY - way.y());
-}
-
-void PictureView::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) {
-        event->ignore();
-        return;
-    }
-    drag_.active = false;
-    ShowDragCursor();
-}
-
-void PictureView::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || Picture().IsEmpty()) {
-        event->ignore();
-        return;
-    }
-    const bool actualSize = std::abs(zoom_ - 1.0) < kSameZoom;
-    ZoomAbout(DevicePoint(event->position()), actualSize ? FitZoom(Across(), Down()) : 1.0);
-}
-
-void PictureView::ShowDragCursor() {
-    if (drag_.active) {
-        setCursor(Qt::ClosedHandCursor);
-    } else if (Across().PictureExceedsView() || Down().PictureExceedsView()) {
-        setCursor(Qt::OpenHandCursor);
-    } else {
-        unsetCursor();
-    }
-}
-
-// Painting
-
-void PictureView::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    ShowDragCursor();
-}
-
-void PictureView::RenewFrame() {
-    const ViewScene scene{Across(), Down(), smooth_, background_};
-    const int inset = 2 * BorderWidth();
-    const QSize size(std::max(1, static_cast<int>(std::ceil(width() * devicePixelRatioF())) - inset),
-                     std::max(1, static_cast<int>(std::ceil(height() * devicePixelRatioF())) - inset));
-    if (!frameStale_ && frame_.size() == size && frameScene_ == scene) {
-        return;
-    }
-    if (frame_.size() != size) {
-        frame_ = QImage(size, QImage::Format_RGB32);
-    }
-    if (frame_.isNull()) {
-        return; // no memory for it: the next paint event tries again
-    }
-    const Canvas canvas{frame_.bits(), frame_.bytesPerLine(), size.width(), size.height()};
-    try {
-        DrawScene(pyramid_, scene, canvas);
-        frameScene_ = scene;
-        frameStale_ = false;
-    } catch (const std::exception&) {
-        // Too little memory for the halved copies. A coarse picture is better than none.
-        ViewScene coarse = scene;
-        coarse.smooth = false;
-        DrawScene(pyramid_, coarse, canvas);
-    }
-}
-
-void PictureView::paintEvent(QPaintEvent* /*event*/) {
-    if (redraw_) {
-        RenewFrame();
-    }
-    QPainter painter(this);
-    // In device pixels, which Qt copies as they are.
-    const double unit = 1.0 / devicePixelRatioF();
-    painter.scale(unit, unit);
-    const int border = BorderWidth();
-    if (frame_.isNull()) {
-        painter.fillRect(QRectF(0, 0, width() / unit, height() / unit), ColourOf(background_));
-    } else {
-        painter.drawImage(QPoint(border, border), frame_);
-    }
-    if (border > 0) {
-        DrawBorder(painter);
-    }
-    painter.resetTransform();
-    if (Picture().IsEmpty()) {
-        DrawHint(painter);
-    }
-}
-
-void PictureView::DrawBorder(QPainter& painter) const {
-    const int border = BorderWidth();
-    const int across = static_cast<int>(std::ceil(width() * devicePixelRatioF()));
-    const int down = static_cast<int>(std::ceil(height() * devicePixelRatioF()));
-    const QColor colour = Muted();
-    painter.fillRect(0, 0, across, border, colour);
-    painter.fillRect(0, down - border, across, border, colour);
-    painter.fillRect(0, 0, border, down, colour);
-    painter.fillRect(across - border, 0, border, down, colour);
-}
-
-void PictureView::DrawHint(QPainter& painter) const {
-    QFont large = font();
-    large.setPointSizeF(1.2 * QFontInfo(large).pointSizeF());
-    painter.setFont(large);
-    painter.setPen(Muted());
-    constexpr int kMargin = 16;
-    painter.drawText(rect().adjusted(kMargin, kMargin, -kMargin, -kMargin),
-                     Qt::AlignCenter | Qt::TextWordWrap, hint_);
-}
-
-// Half-way between the background and the black or white that stands out from it.
-QColor PictureView::Muted() const {
-    const QColor background = ColourOf(background_);
-    const int contrast = qGray(background.rgb()) < 128 ? 255 : 0;
-    const auto mix = [contrast](int component) { return (component + contrast) / 2; };
-    return {mix(background.red()), mix(background.green()), mix(background.blue())};
 }
 
 } // namespace pictorel

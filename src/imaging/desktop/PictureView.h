@@ -90,7 +90,9 @@ class PictureView : public QWidget, public ImageView {
     void ViewChanged();
     void ShowDragCursor();
 
+    QSize FrameSize() const;
     void RenewFrame();
+    bool Draw(const ViewScene& scene, const Canvas& canvas); // false: too little memory
     void DrawHint(QPainter& painter) const;
     void DrawBorder(QPainter& painter) const;
     QColor Muted() const;

@@ -1,5 +1,6 @@
 // The row loops of the view's filters, compiled for each vector unit and chosen at run time, see
 // ViewFilters.h.
+#include "imaging/desktop/PixelMath.h"
 #include "imaging/desktop/ViewFilters.h"
 
 #include <algorithm>
@@ -39,6 +40,12 @@ void MixFourRows(const std::uint8_t* const* rows, const std::int16_t* weights, i
     for (int i = 0; i < count; ++i) {
         const int sum = row0[i] * weight0 + row1[i] * weight1 + row2[i] * weight2 + row3[i] * weight3;
         mixed[i] = static_cast<std::int16_t>((sum + (1 << (kRowShift - 1))) >> kRowShift);
+    }
+}
+
+void PremultiplyHere(const std::uint8_t* plain, int count, std::uint8_t* premultiplied) {
+    for (int x = 0; x < count; ++x) {
+        StorePixel(premultiplied + 4 * x, Premultiplied(LoadPixel(plain + 4 * x)));
     }
 }
 
@@ -97,6 +104,7 @@ namespace {
 HWY_EXPORT(MixThreeRows);
 HWY_EXPORT(MixFourRows);
 HWY_EXPORT(MixColumnsHere);
+HWY_EXPORT(PremultiplyHere);
 
 } // namespace
 
@@ -113,6 +121,10 @@ void MixColumns(const std::int16_t* mixed, int firstColumn, const std::vector<Ta
                 std::uint8_t* pixels) {
     HWY_DYNAMIC_DISPATCH(MixColumnsHere)
     (mixed, columns.data(), static_cast<int>(columns.size()), firstColumn, pixels);
+}
+
+void PremultiplyRow(const std::uint8_t* plain, int count, std::uint8_t* premultiplied) {
+    HWY_DYNAMIC_DISPATCH(PremultiplyHere)(plain, count, premultiplied);
 }
 
 } // namespace pictorel

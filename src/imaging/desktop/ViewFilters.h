@@ -49,4 +49,7 @@ void MixRows(int taps, const std::array<const std::uint8_t*, 4>& rows,
 void MixColumns(const std::int16_t* mixed, int firstColumn, const std::vector<Taps>& columns,
                 std::uint8_t* pixels);
 
+// Colour times alpha for `count` pixels, in place where both pointers are the same.
+void PremultiplyRow(const std::uint8_t* plain, int count, std::uint8_t* premultiplied);
+
 } // namespace pictorel

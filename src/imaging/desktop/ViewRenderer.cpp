@@ -106,8 +106,7 @@ class SourceRows {
         if (kept.row != y) {
             kept.row = y;
             kept.pixels.resize(static_cast<std::size_t>(columns_.Length()) * 4);
-            for (int x = 0; x < columns_.Length(); ++x)
-                StorePixel(kept.pixels.data() + 4 * x, Premultiplied(LoadPixel(plain + 4 * x)));
+            PremultiplyRow(plain, columns_.Length(), kept.pixels.data());
         }
         return kept.pixels.data();
     }
@@ -125,8 +124,9 @@ class SourceRows {
 };
 
 void FillPixels(std::uint8_t* pixels, int count, Pixel colour) {
-    for (int x = 0; x < count; ++x)
+    for (int x = 0; x < count; ++x) {
         StorePixel(pixels + std::ptrdiff_t{4} * x, colour);
+    }
 }
 
 // Draws the rows of one band: DrawRow gives the part of a canvas row that shows the picture.
@@ -169,27 +169,30 @@ void BandPainter::DrawPicked(int y, std::uint8_t* pixels) const {
     } else {
         const std::uint8_t* const row =
             plan_.level->Row(plan_.rows[static_cast<std::size_t>(y - plan_.down.begin)]);
-        for (int x = 0; x < count; ++x)
+        for (int x = 0; x < count; ++x) {
             StorePixel(pixels + 4 * x, LoadPixel(row + 4 * plan_.columns[static_cast<std::size_t>(x)]));
+        }
     }
     if (plan_.premultiply) {
-        for (int x = 0; x < count; ++x)
-            StorePixel(pixels + 4 * x, Premultiplied(LoadPixel(pixels + 4 * x)));
+        PremultiplyRow(pixels, count, pixels);
     }
 }
 
 void BandPainter::DrawFiltered(int y, std::uint8_t* pixels) {
     const Taps& taps = plan_.rowTaps[static_cast<std::size_t>(y - plan_.down.begin)];
     std::array<const std::uint8_t*, 4> rows{};
-    for (int t = 0; t < plan_.TapCount(); ++t)
+    for (int t = 0; t < plan_.TapCount(); ++t) {
         rows[static_cast<std::size_t>(t)] = rows_.Row(taps.first + t);
+    }
     std::int16_t* const first = mixed_.data() + std::ptrdiff_t{4} * (read_.begin - plan_.source.begin);
     MixRows(plan_.TapCount(), rows, taps.weights, 4 * read_.Length(), first);
-    for (int x = plan_.source.begin; x < read_.begin; ++x)
+    for (int x = plan_.source.begin; x < read_.begin; ++x) {
         std::copy_n(first, 4, mixed_.data() + std::ptrdiff_t{4} * (x - plan_.source.begin));
+    }
     std::int16_t* const end = first + std::ptrdiff_t{4} * read_.Length();
-    for (int x = read_.end; x < plan_.source.end; ++x)
+    for (int x = read_.end; x < plan_.source.end; ++x) {
         std::copy_n(end - 4, 4, end + std::ptrdiff_t{4} * (x - read_.end));
+    }
     MixColumns(mixed_.data(), plan_.source.begin, plan_.columnTaps, pixels);
 }
 
@@ -202,8 +205,9 @@ void BandPainter::LayOverChequer(int y, std::uint8_t* pixels) const {
         const Pixel grey = (cell + cellDown) % 2 == 0 ? kLightChequer : kDarkChequer;
         const int end = static_cast<int>(
             std::min<std::int64_t>(plan_.originAcross + (cell + 1) * kChequerCell, plan_.across.end));
-        for (; x < end; ++x, pixels += 4)
+        for (; x < end; ++x, pixels += 4) {
             StorePixel(pixels, OverGrey(LoadPixel(pixels), grey));
+        }
     }
 }
 
@@ -213,12 +217,14 @@ void DrawScene(PicturePyramid& pyramid, const ViewScene& scene, const Canvas& ca
     const Plan plan = MakePlan(pyramid, scene, canvas);
     const auto bytes = static_cast<std::size_t>(canvas.width) * 4;
     ForEachBand(plan.down.begin, bytes, [&](int first, int end) {
-        for (int y = first; y < end; ++y)
+        for (int y = first; y < end; ++y) {
             FillPixels(canvas.rows + y * canvas.stride, canvas.width, plan.background);
+        }
     });
     ForEachBand(canvas.height - plan.down.end, bytes, [&](int first, int end) {
-        for (int y = first; y < end; ++y)
+        for (int y = first; y < end; ++y) {
             FillPixels(canvas.rows + (plan.down.end + y) * canvas.stride, canvas.width, plan.background);
+        }
     });
     ForEachBand(plan.down.Length(), 4 * bytes, [&](int first, int end) {
         BandPainter painter(plan);

@@ -55,11 +55,6 @@ HalfKernel GaussianKernel(double sigma) {
     return kernel;
 }
 
-void Convolve(const WideComponent* in, std::ptrdiff_t step, const HalfKernel& kernel, WideComponent* out,
-              std::size_t count) {
-    scalar::Convolve(in, step, kernel, out, count);
-}
-
 namespace scalar {
 
 void Convolve(const WideComponent* in, std::ptrdiff_t step, const HalfKernel& kernel, WideComponent* out,

@@ -2,7 +2,6 @@
 #include "imaging/engine/Convolution.h"
 #include "imaging/engine/Filters.h"
 #include "imaging/engine/Parameters.h"
-#include "imaging/engine/Rounding.h"
 #include "imaging/engine/Tiles.h"
 
 namespace pictorel::engine {
@@ -41,22 +40,6 @@ void BlurRows(const PixelArray& source, const HalfKernel& kernel, const Finish& 
         });
 }
 
-// in + amount (in - blurred) in colour, alpha left alone.
-void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width, bool hasAlpha, float amount,
-                std::uint8_t* out) {
-    float perWide = 1.0F / kWideUnit;
-    for (int x = 0; x < width; ++x, in += kComponents, blurred += kComponents, out += kComponents) {
-        if (hasAlpha) {
-            perWide = 255.0F / static_cast<float>(std::max<int>(blurred[3], 1));
-        }
-        for (int k = 0; k < 3; ++k) {
-            const auto c = static_cast<float>(in[k]);
-            out[k] = RoundToByte(c + amount * (c - static_cast<float>(blurred[k]) * perWide));
-        }
-        out[3] = in[3];
-    }
-}
-
 } // namespace
 
 PixelArray GaussianBlur(const PixelArray& source, double sigma) {
@@ -68,8 +51,8 @@ PixelArray GaussianBlur(const PixelArray& source, double sigma) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
     BlurRows(source, kernel, [&](const WideComponent* wide, int x, int y, int width) {
-        StoreWideRow(wide, width, source.HasAlpha(),
-                     rows + y * result.Stride() + static_cast<std::ptrdiff_t>(x) * kComponents);
+        NarrowRow(wide, width, source.HasAlpha(),
+                  rows + y * result.Stride() + static_cast<std::ptrdiff_t>(x) * kComponents);
     });
     return result;
 }

@@ -79,30 +79,39 @@ PixelArray TiledWhole(const PixelArray& source, int across, int down) {
     return result;
 }
 
-// On a reduced copy the tiles of the picture begin between pixels. Every pixel takes from each tile that it
-// touches what that tile shows there.
-AxisWeights ReducedTiles(int length, double pictureLength, int tiles) {
-    const double reduction = length / pictureLength;
-    const auto edge = [&](int i) { return std::round(i * pictureLength / tiles) * reduction; };
+// On a reduced copy the tiles of the picture begin between pixels. Its pixels are made as if the picture were
+// there: tiled, and the tiled picture reduced. Both are weighted sums, and so is what they make together.
+AxisWeights ReducedTiles(int length, int pictureLength, int tiles) {
+    const AxisWeights reduce = LanczosWeights(pictureLength, length);
+    const int shorter = pictureLength / tiles;
+    const std::array<AxisWeights, 2> tileWeights{LanczosWeights(length, shorter),
+                                                 LanczosWeights(length, shorter + 1)};
+    std::vector<AxisWeights::Taps> tiled; // of every pixel of the tiled picture, what it takes from the copy
+    for (int tile = 0; tile < tiles; ++tile) {
+        const int tileLength = TileLength(tile, pictureLength, tiles);
+        for (int i = 0; i < tileLength; ++i) {
+            tiled.push_back(tileWeights[static_cast<std::size_t>(tileLength - shorter)][i]);
+        }
+    }
     AxisWeights axis;
     std::vector<double> dense(static_cast<std::size_t>(length));
-    int tile = 0;
     for (int x = 0; x < length; ++x) {
         std::fill(dense.begin(), dense.end(), 0.0);
-        while (tile + 1 < tiles && edge(tile + 1) <= x) {
-            ++tile;
-        }
-        for (int i = tile; i < tiles && edge(i) < x + 1; ++i) {
-            const double begin = std::max(edge(i), static_cast<double>(x));
-            const double end = std::min(edge(i + 1), x + 1.0);
-            const double scale = length / (edge(i + 1) - edge(i));
-            if (end > begin) {
-                AddLanczosSample(((begin + end) / 2 - edge(i)) * scale, scale, end - begin, dense);
+        const AxisWeights::Taps reduced = reduce[x];
+        for (std::size_t k = 0; k < reduced.weights.size(); ++k) {
+            const AxisWeights::Taps& taps = tiled[static_cast<std::size_t>(reduced.first) + k];
+            for (std::size_t i = 0; i < taps.weights.size(); ++i) {
+                dense[static_cast<std::size_t>(taps.first) + i] +=
+                    static_cast<double>(reduced.weights[k]) * taps.weights[i];
             }
         }
         axis.Append(0, dense);
     }
     return axis;
+}
+
+int PictureLength(int length, double reduction) {
+    return static_cast<int>(std::clamp(std::round(length / reduction), 1.0, 1.0 * kMaximumSide));
 }
 
 } // namespace
@@ -113,15 +122,14 @@ PixelArray Reproduce(const PixelArray& source, int count) {
     if (count == 1) {
         return source;
     }
-    const double pictureWidth = std::round(source.Width() / source.Reduction());
-    const double pictureHeight = std::round(source.Height() / source.Reduction());
-    const int across = static_cast<int>(std::min<double>(count, pictureWidth));
-    const int down = static_cast<int>(std::min<double>(count, pictureHeight));
-    if (source.Reduction() < 1 && across <= source.Width() && down <= source.Height()) {
-        return ResampleSeparable(source, ReducedTiles(source.Width(), pictureWidth, across),
-                                 ReducedTiles(source.Height(), pictureHeight, down));
+    if (source.Reduction() < 1) {
+        const int pictureWidth = PictureLength(source.Width(), source.Reduction());
+        const int pictureHeight = PictureLength(source.Height(), source.Reduction());
+        return ResampleSeparable(
+            source, ReducedTiles(source.Width(), pictureWidth, std::min(count, pictureWidth)),
+            ReducedTiles(source.Height(), pictureHeight, std::min(count, pictureHeight)));
     }
-    return TiledWhole(source, std::min(across, source.Width()), std::min(down, source.Height()));
+    return TiledWhole(source, std::min(count, source.Width()), std::min(count, source.Height()));
 }
 
 } // namespace pictorel::engine

@@ -43,15 +43,19 @@ WarpPoint CentreOf(const PixelArray& picture) {
     return {picture.Width() / 2.0, picture.Height() / 2.0};
 }
 
+void FillPixels(std::uint8_t* to, int count, std::uint32_t background) {
+    const std::uint32_t pixel = OpaquePixel(background);
+    for (int i = 0; i < count; ++i) {
+        StorePixel(to + i * kPixelBytes, pixel);
+    }
+}
+
 PixelArray BackgroundOnly(const PixelArray& source, std::uint32_t background) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
-    const std::uint32_t pixel = OpaquePixel(background);
     ForEachBand(result.Height(), result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            for (int x = 0; x < result.Width(); ++x) {
-                StorePixel(rows + y * result.Stride() + x * kPixelBytes, pixel);
-            }
+            FillPixels(rows + y * result.Stride(), result.Width(), background);
         }
     });
     return result;
@@ -60,7 +64,7 @@ PixelArray BackgroundOnly(const PixelArray& source, std::uint32_t background) {
 // `turned` in the middle of the source's canvas. Where the difference of the sides is odd there is no middle:
 // it lies half a pixel towards the top left, since a shift by half a pixel would blur everything.
 PixelArray Centred(const PixelArray& turned, const PixelArray& source, std::uint32_t background) {
-    PixelArray result = BackgroundOnly(source, background);
+    PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
     const auto offset = [](int canvas, int size) {
         return static_cast<int>(std::floor((canvas - size) / 2.0));
@@ -69,11 +73,19 @@ PixelArray Centred(const PixelArray& turned, const PixelArray& source, std::uint
     const int top = offset(result.Height(), turned.Height());
     const int first = std::max(left, 0);
     const int end = std::min(left + turned.Width(), result.Width());
-    for (int y = std::max(top, 0); y < std::min(top + turned.Height(), result.Height()); ++y) {
-        std::memcpy(rows + y * result.Stride() + first * kPixelBytes,
-                    turned.Row(y - top) + (first - left) * kPixelBytes,
-                    static_cast<std::size_t>(end - first) * kPixelBytes);
-    }
+    ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int firstRow, int endRow) {
+        for (int y = firstRow; y < endRow; ++y) {
+            std::uint8_t* const to = rows + y * result.Stride();
+            if (y < top || y >= top + turned.Height()) {
+                FillPixels(to, result.Width(), background);
+                continue;
+            }
+            FillPixels(to, first, background);
+            std::memcpy(to + first * kPixelBytes, turned.Row(y - top) + (first - left) * kPixelBytes,
+                        static_cast<std::size_t>(end - first) * kPixelBytes);
+            FillPixels(to + end * kPixelBytes, result.Width() - end, background);
+        }
+    });
     return result;
 }
 
@@ -165,8 +177,8 @@ struct HorizontalPerspectiveMap : PerspectiveMap {
 struct TwirlMap : CanvasMap {
     // Nothing comes from outside the circle, and that lies inside the canvas.
     static constexpr Outside kOutside = Outside::EdgePixels;
-    // The turn depends on the distance alone and is interpolated in a table of so many distances; at the
-    // largest angle and picture that is exact to 1/300 pixel.
+    // The turn depends on the distance alone. It is interpolated in a table over the squared distance, which
+    // needs no root; at the largest angle and picture that is exact to 1/300 pixel.
     static constexpr int kTurns = 8192;
 
     struct Turn {
@@ -175,14 +187,16 @@ struct TwirlMap : CanvasMap {
     };
 
     double radius;
-    double turnsPerPixel;
+    double turnsPerSquare;
     std::vector<Turn> turns;
 
     TwirlMap(const PixelArray& source, double degrees)
-        : CanvasMap(source), radius(std::min(centre.x, centre.y)), turnsPerPixel(kTurns / radius) {
+        : CanvasMap(source),
+          radius(std::min(centre.x, centre.y)),
+          turnsPerSquare(kTurns / (radius * radius)) {
         turns.reserve(kTurns + 2);
         for (int i = 0; i <= kTurns + 1; ++i) {
-            const double t = std::min(static_cast<double>(i) / kTurns, 1.0);
+            const double t = std::sqrt(std::min(static_cast<double>(i) / kTurns, 1.0));
             const double angle = Radians(degrees) * (1 - t * t * (3 - 2 * t));
             turns.push_back({static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle))});
         }
@@ -191,13 +205,12 @@ struct TwirlMap : CanvasMap {
     WarpPoint Source(WarpPoint p) const {
         const double x = p.x - centre.x;
         const double y = p.y - centre.y;
-        const double position = std::min(std::sqrt(x * x + y * y) * turnsPerPixel, 1.0 * kTurns);
-        const auto index = static_cast<std::size_t>(position);
-        const double share = position - static_cast<double>(index);
-        const Turn& a = turns[index];
-        const Turn& b = turns[index + 1];
-        const double cosine = a.cosine + share * (b.cosine - a.cosine);
-        const double sine = a.sine + share * (b.sine - a.sine);
+        const double position = std::min((x * x + y * y) * turnsPerSquare, 1.0 * kTurns);
+        const int index = static_cast<int>(position);
+        const auto share = static_cast<float>(position - index);
+        const Turn* const turn = turns.data() + index;
+        const double cosine = turn[0].cosine + share * (turn[1].cosine - turn[0].cosine);
+        const double sine = turn[0].sine + share * (turn[1].sine - turn[0].sine);
         return {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
     }
 
@@ -220,13 +233,15 @@ PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t backgr
     if (positive == 0 || positive == 360) {
         return source;
     }
-    if (positive == 90) {
-        return Centred(QuarterTurnLeft(source), source, background);
-    }
     if (positive == 180) {
         return MirrorLeftToRight(MirrorTopToBottom(source));
     }
-    if (positive == 270) {
+    // Half a pixel of a reduced copy is many of the picture: such a copy is better blurred than misplaced.
+    const bool hasMiddle = (source.Width() - source.Height()) % 2 == 0 || source.Reduction() == 1;
+    if (positive == 90 && hasMiddle) {
+        return Centred(QuarterTurnLeft(source), source, background);
+    }
+    if (positive == 270 && hasMiddle) {
         return Centred(QuarterTurnRight(source), source, background);
     }
     return Warp(source, RotationMap(source, positive), background);

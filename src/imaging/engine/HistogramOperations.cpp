@@ -79,14 +79,14 @@ PixelArray Equalize(const PixelArray& source, double weight) {
         return source;
     }
     const std::array<double, 256> change = EqualizingChange(LumaHistogram(source));
-    std::array<std::int16_t, 256> added{};
+    std::array<std::int32_t, 256> added{};
     std::transform(change.begin(), change.end(), added.begin(),
-                   [=](double value) { return static_cast<std::int16_t>(std::lround(weight * value)); });
-    if (added == std::array<std::int16_t, 256>{}) {
+                   [=](double value) { return static_cast<std::int32_t>(std::lround(weight * value)); });
+    if (added == std::array<std::int32_t, 256>{}) {
         return source;
     }
     return MapRows(source, [&](const std::uint8_t* in, std::uint8_t* out, int width) {
-        scalar::AddByLumaRow(in, out, width, added);
+        simd::AddByLumaRow(in, out, width, added);
     });
 }
 

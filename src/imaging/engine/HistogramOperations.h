@@ -3,6 +3,9 @@
 
 #include "imaging/PixelArray.h"
 
+// Pixels that cannot be seen (alpha 0) are not counted, and alpha is left alone. A picture or channel of a
+// single value has nothing to stretch and stays as it is; where nothing changes, the source itself comes
+// back.
 namespace pictorel::engine {
 
 // Stretches so that 0.5 % of the pixels clip at each end: one map from luma, used for all channels.
@@ -12,7 +15,7 @@ PixelArray AutoContrast(const PixelArray& source);
 PixelArray AutoLevels(const PixelArray& source);
 
 // Histogram equalisation of luma, mixed in with `weight` (1 is full equalisation, 0 leaves the picture as it
-// is).
+// is): each pixel's three channels move by weight (equalised luma - luma), so its colour differences stay.
 PixelArray Equalize(const PixelArray& source, double weight);
 
 } // namespace pictorel::engine

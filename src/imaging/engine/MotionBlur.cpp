@@ -2,7 +2,6 @@
 #include "imaging/Limits.h"
 #include "imaging/engine/Filters.h"
 #include "imaging/engine/Parameters.h"
-#include "imaging/engine/Rounding.h"
 #include "imaging/engine/Tiles.h"
 
 #include <cmath>
@@ -41,65 +40,19 @@ struct Lane {
     const std::uint8_t* Element(int index) const { return in + std::clamp(index, 0, count - 1) * step; }
 };
 
-// What component i contributes to the sums: premultiplied colour where the picture has alpha.
-template <bool kHasAlpha>
-std::int32_t Contribution(const std::uint8_t* element, int i) {
-    if constexpr (kHasAlpha) {
-        return element[i] * (i % kComponents == 3 ? 255 : element[i | 3]);
-    } else {
-        return element[i];
-    }
-}
-
-template <bool kHasAlpha>
-void StoreMeans(const std::vector<float>& sums, float perLength, std::uint8_t* out) {
-    const int size = static_cast<int>(sums.size());
-    if constexpr (!kHasAlpha) {
-        for (int i = 0; i < size; ++i) {
-            out[i] = RoundToByte(sums[static_cast<std::size_t>(i)] * perLength);
-        }
-    } else {
-        for (int i = 0; i < size; i += kComponents) {
-            const float* const sum = sums.data() + i;
-            const float perAlpha = sum[3] > 0 ? 255.0F / sum[3] : 0.0F;
-            for (int k = 0; k < 3; ++k) {
-                out[i + k] = RoundToByte(sum[k] * perAlpha);
-            }
-            out[i + 3] = RoundToByte(sum[3] * perLength / 255.0F);
-        }
-    }
-}
-
 // Keeps the sums of the whole elements and exchanges one element for the next at each step, so the time does
 // not depend on the length.
-template <bool kHasAlpha>
-void SlideMean(const Lane& lane, const Line& line) {
-    std::vector<std::int32_t> whole(static_cast<std::size_t>(lane.size));
-    std::vector<float> sums(whole.size());
-    for (int index = -line.whole; index <= line.whole; ++index) {
-        for (int i = 0; i < lane.size; ++i) {
-            whole[static_cast<std::size_t>(i)] += Contribution<kHasAlpha>(lane.Element(index), i);
-        }
-    }
-    const auto tip = static_cast<float>(line.tip);
-    const auto perLength = static_cast<float>(1 / line.length);
-    for (int index = 0; index < lane.count; ++index) {
-        const std::uint8_t* const before = lane.Element(index - line.whole - 1);
-        const std::uint8_t* const leaving = lane.Element(index - line.whole);
-        const std::uint8_t* const entering = lane.Element(index + line.whole + 1);
-        for (int i = 0; i < lane.size; ++i) {
-            const auto at = static_cast<std::size_t>(i);
-            const std::int32_t enters = Contribution<kHasAlpha>(entering, i);
-            const std::int32_t tips = Contribution<kHasAlpha>(before, i) + enters;
-            sums[at] = static_cast<float>(whole[at]) + tip * static_cast<float>(tips);
-            whole[at] += enters - Contribution<kHasAlpha>(leaving, i);
-        }
-        StoreMeans<kHasAlpha>(sums, perLength, lane.out + index * lane.step);
-    }
-}
-
 void Slide(const Lane& lane, const Line& line, bool hasAlpha) {
-    hasAlpha ? SlideMean<true>(lane, line) : SlideMean<false>(lane, line);
+    std::vector<std::int32_t> whole(static_cast<std::size_t>(lane.size));
+    for (int index = -line.whole; index <= line.whole; ++index) {
+        AddToMean(lane.Element(index), lane.size, hasAlpha, whole.data());
+    }
+    for (int index = 0; index < lane.count; ++index) {
+        const MeanStep step{lane.Element(index - line.whole - 1), lane.Element(index - line.whole),
+                            lane.Element(index + line.whole + 1), static_cast<float>(line.tip),
+                            static_cast<float>(1 / line.length)};
+        SlideRow(step, lane.size, hasAlpha, whole.data(), lane.out + index * lane.step);
+    }
 }
 
 // Columns go in strips from top to bottom: wide enough to use whole cache lines, narrow enough that the rows
@@ -197,16 +150,14 @@ PixelArray BlurAlong(const PixelArray& source, const std::vector<Tap>& taps) {
                     const WideComponent* const in =
                         scratch.tile.data() + (y + margins.y + tap.y) * rowLength +
                         static_cast<std::ptrdiff_t>(margins.x + tap.x) * kComponents;
-                    for (std::size_t i = 0; i < scratch.sums.size(); ++i) {
-                        scratch.sums[i] += tap.weight * static_cast<float>(in[i]);
-                    }
+                    AddWeighted(in, tap.weight, scratch.sums.size(), scratch.sums.data());
                 }
                 for (std::size_t i = 0; i < scratch.sums.size(); ++i) {
                     scratch.row[i] = static_cast<WideComponent>(scratch.sums[i]);
                 }
-                StoreWideRow(scratch.row.data(), area.width, source.HasAlpha(),
-                             rows + (area.top + y) * result.Stride() +
-                                 static_cast<std::ptrdiff_t>(area.left) * kComponents);
+                NarrowRow(scratch.row.data(), area.width, source.HasAlpha(),
+                          rows + (area.top + y) * result.Stride() +
+                              static_cast<std::ptrdiff_t>(area.left) * kComponents);
             }
         });
     return result;

@@ -47,7 +47,7 @@ PixelArray AddToChannels(const PixelArray& source, int red, int green, int blue)
         sum.amount[k] = static_cast<std::uint8_t>(amount);
     }
     return MapRows(source, [&](const std::uint8_t* in, std::uint8_t* out, int width) {
-        scalar::AddRow(in, out, width, sum);
+        simd::AddRow(in, out, width, sum);
     });
 }
 
@@ -57,7 +57,7 @@ PixelArray Colorize(const PixelArray& source, std::uint8_t red, std::uint8_t gre
 }
 
 PixelArray Invert(const PixelArray& source) {
-    return MapRows(source, scalar::InvertRow);
+    return MapRows(source, simd::InvertRow);
 }
 
 PixelArray Posterize(const PixelArray& source, int levels) {
@@ -70,7 +70,7 @@ PixelArray Posterize(const PixelArray& source, int levels) {
 PixelArray Threshold(const PixelArray& source, int level) {
     const int reachable = std::clamp(level, 0, 256);
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        scalar::ThresholdRow(in, out, width, reachable);
+        simd::ThresholdRow(in, out, width, reachable);
     });
 }
 
@@ -80,7 +80,7 @@ PixelArray Saturation(const PixelArray& source, double amount) {
         return source;
     }
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        scalar::SaturationRow(in, out, width, static_cast<float>(1 + amount));
+        simd::SaturationRow(in, out, width, static_cast<float>(1 + amount));
     });
 }
 
@@ -92,7 +92,7 @@ PixelArray Hue(const PixelArray& source, double degrees) {
     }
     const double sextants = (turn < 0 ? turn + 360 : turn) / 60;
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        scalar::HueRow(in, out, width, static_cast<float>(sextants));
+        simd::HueRow(in, out, width, static_cast<float>(sextants));
     });
 }
 
@@ -102,7 +102,7 @@ PixelArray Lightness(const PixelArray& source, double amount) {
         return source;
     }
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        scalar::LightnessRow(in, out, width, static_cast<float>(amount));
+        simd::LightnessRow(in, out, width, static_cast<float>(amount));
     });
 }
 

@@ -7,7 +7,8 @@
 
 // All work on 8-bit sRGB values c = 0..255, leave alpha alone, round to nearest and clamp to 0..255. A
 // parameter at its neutral value gives back the source itself, bit for bit. Luma Y is Rec. 709 on the encoded
-// values: 0.2126 R + 0.7152 G + 0.0722 B (ITU-R BT.709-6, 3.2).
+// values: 0.2126 R + 0.7152 G + 0.0722 B (ITU-R BT.709-6, 3.2). Parameters that the formulas cannot take
+// throw ImagingError(InvalidValue).
 namespace pictorel::engine {
 
 PixelArray Brightness(const PixelArray& source, int amount);  // c + amount; neutral 0

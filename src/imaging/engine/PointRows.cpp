@@ -122,13 +122,19 @@ void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float am
 }
 
 void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
-                  const std::array<std::int16_t, 256>& change) {
+                  const std::array<std::int32_t, 256>& change) {
     for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
         const int added = change[static_cast<std::size_t>(Luma(in))];
         out[0] = ClampToByte(in[0] + added);
         out[1] = ClampToByte(in[1] + added);
         out[2] = ClampToByte(in[2] + added);
         out[3] = in[3];
+    }
+}
+
+void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width) {
+    for (int x = 0; x < width; ++x) {
+        luma[x] = static_cast<std::uint8_t>(Luma(in + static_cast<std::ptrdiff_t>(x) * kComponents));
     }
 }
 

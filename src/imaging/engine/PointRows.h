@@ -22,15 +22,34 @@ namespace scalar {
 void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum);
 void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width);
 void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const ColourMaps& maps);
-void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);
+void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);     // 0..256
 void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor); // 1 + amount
-void HueRow(const std::uint8_t* in, std::uint8_t* out, int width,
-            float sextants); // 0 <= turn / 60 degrees < 6
+// A turn by 60 degrees times `sextants`, 0 and more, less than 6.
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants);
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount); // -1..1
 // c + change[Y] with Y the rounded luma, clamped.
 void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
-                  const std::array<std::int16_t, 256>& change);
+                  const std::array<std::int32_t, 256>& change);
+// The rounded luma of each pixel.
+void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width);
 
 } // namespace scalar
+
+// The same in vectors of the best kind that the processor has, with the same results to the bit. Rows are
+// those of a PixelArray: they are read and written in blocks of up to 64 bytes. `luma` has room for a
+// multiple of 16.
+namespace simd {
+
+void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum);
+void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width);
+void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor);
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants);
+void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount);
+void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
+                  const std::array<std::int32_t, 256>& change);
+void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width);
+
+} // namespace simd
 
 } // namespace pictorel::engine

@@ -15,15 +15,14 @@ namespace {
 constexpr int kComponents = PixelArray::kComponents;
 constexpr int kLargestRadius = 1000;
 
-struct Brightest {
-    static constexpr std::uint8_t kNeutral = 0;
-    static std::uint8_t Of(std::uint8_t a, std::uint8_t b) { return a < b ? b : a; }
+// The function that picks one of two components, and the component that never wins.
+struct Rank {
+    void (*pick)(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out);
+    std::uint8_t neutral;
 };
 
-struct Darkest {
-    static constexpr std::uint8_t kNeutral = 255;
-    static std::uint8_t Of(std::uint8_t a, std::uint8_t b) { return a < b ? a : b; }
-};
+constexpr Rank kBrightest{BrightestOf, 0};
+constexpr Rank kDarkest{DarkestOf, 255};
 
 struct RankScratch {
     std::vector<std::uint8_t> current;
@@ -32,18 +31,13 @@ struct RankScratch {
 
 // Turns each component into the extreme of itself and the window - 1 that follow at `step`: windows of 1, 2,
 // 4, ... are laid together, the last two overlapping. The end of the data loses the window's length.
-template <class Rank>
-std::size_t SpreadWindow(RankScratch& scratch, std::size_t count, std::size_t step, std::size_t window) {
+std::size_t SpreadWindow(const Rank& rank, RankScratch& scratch, std::size_t count, std::size_t step,
+                         std::size_t window) {
     for (std::size_t done = 1; done < window;) {
         const std::size_t shift = std::min(done, window - done);
         const std::size_t distance = shift * step;
         count -= distance;
-        const std::uint8_t* const near = scratch.current.data();
-        const std::uint8_t* const far = near + distance;
-        std::uint8_t* const out = scratch.next.data();
-        for (std::size_t i = 0; i < count; ++i) {
-            out[i] = Rank::Of(near[i], far[i]);
-        }
+        rank.pick(scratch.current.data(), scratch.current.data() + distance, count, scratch.next.data());
         scratch.current.swap(scratch.next);
         done += shift;
     }
@@ -51,17 +45,15 @@ std::size_t SpreadWindow(RankScratch& scratch, std::size_t count, std::size_t st
 }
 
 // The colour of invisible pixels is arbitrary and must not spread.
-template <class Rank>
-void NeutralizeInvisible(std::vector<std::uint8_t>& pixels) {
+void NeutralizeInvisible(const Rank& rank, std::vector<std::uint8_t>& pixels) {
     for (std::size_t i = 0; i < pixels.size(); i += kComponents) {
         if (pixels[i + 3] == 0) {
-            std::fill_n(pixels.begin() + static_cast<std::ptrdiff_t>(i), 3, Rank::kNeutral);
+            std::fill_n(pixels.begin() + static_cast<std::ptrdiff_t>(i), 3, rank.neutral);
         }
     }
 }
 
-template <class Rank>
-PixelArray FilterSquare(const PixelArray& source, int radius) {
+PixelArray FilterSquare(const Rank& rank, const PixelArray& source, int radius) {
     if (radius == 0) {
         return source;
     }
@@ -69,28 +61,22 @@ PixelArray FilterSquare(const PixelArray& source, int radius) {
     std::uint8_t* const rows = result.WritableRows();
     ForEachTile<RankScratch>(
         source.Width(), source.Height(), [&](const TileArea& area, RankScratch& scratch) {
-            const auto window = static_cast<std::size_t>(2 * radius + 1);
+            const std::size_t window = 2 * static_cast<std::size_t>(radius) + 1;
             const std::size_t rowLength = static_cast<std::size_t>(area.width + 2 * radius) * kComponents;
             const std::size_t count = rowLength * static_cast<std::size_t>(area.height + 2 * radius);
             scratch.current.resize(count);
             scratch.next.resize(count);
             LoadTile(source, area, {radius, radius}, scratch.current.data());
             if (source.HasAlpha()) {
-                NeutralizeInvisible<Rank>(scratch.current);
+                NeutralizeInvisible(rank, scratch.current);
             }
-            const std::size_t left = SpreadWindow<Rank>(scratch, count, rowLength, window);
-            SpreadWindow<Rank>(scratch, left, kComponents, window);
+            const std::size_t left = SpreadWindow(rank, scratch, count, rowLength, window);
+            SpreadWindow(rank, scratch, left, kComponents, window);
             for (int y = 0; y < area.height; ++y) {
                 const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(area.left) * kComponents;
-                const std::uint8_t* const in = source.Row(area.top + y) + offset;
-                const std::uint8_t* const found =
-                    scratch.current.data() + static_cast<std::size_t>(y) * rowLength;
-                std::uint8_t* const out = rows + (area.top + y) * result.Stride() + offset;
-                for (std::ptrdiff_t i = 0; i < static_cast<std::ptrdiff_t>(area.width) * kComponents;
-                     i += kComponents) {
-                    std::copy_n(found + i, 3, out + i);
-                    out[i + 3] = in[i + 3];
-                }
+                JoinAlpha(scratch.current.data() + static_cast<std::size_t>(y) * rowLength,
+                          source.Row(area.top + y) + offset, area.width,
+                          rows + (area.top + y) * result.Stride() + offset);
             }
         });
     return result;
@@ -114,15 +100,14 @@ PixelArray Mix(const PixelArray& a, const PixelArray& b, float shareOfB) {
 }
 
 // On a reduced copy the radius is seldom whole; what lies between two squares is mixed from both.
-template <class Rank>
-PixelArray FilterReducedSquare(const PixelArray& source, int radius) {
+PixelArray FilterReducedSquare(const Rank& rank, const PixelArray& source, int radius) {
     const double reduced = radius * source.Reduction();
     const double whole = std::floor(reduced);
-    const PixelArray inner = FilterSquare<Rank>(source, static_cast<int>(whole));
+    PixelArray inner = FilterSquare(rank, source, static_cast<int>(whole));
     if (reduced == whole) {
         return inner;
     }
-    return Mix(inner, FilterSquare<Rank>(source, static_cast<int>(whole) + 1),
+    return Mix(inner, FilterSquare(rank, source, static_cast<int>(whole) + 1),
                static_cast<float>(reduced - whole));
 }
 
@@ -130,8 +115,8 @@ PixelArray FilterReducedSquare(const PixelArray& source, int radius) {
 
 PixelArray MaximumFilter(const PixelArray& source, int radius) {
     RequireRange("maximum", radius, -kLargestRadius, kLargestRadius);
-    return radius >= 0 ? FilterReducedSquare<Brightest>(source, radius)
-                       : FilterReducedSquare<Darkest>(source, -radius);
+    return radius >= 0 ? FilterReducedSquare(kBrightest, source, radius)
+                       : FilterReducedSquare(kDarkest, source, -radius);
 }
 
 PixelArray MinimumFilter(const PixelArray& source, int radius) {

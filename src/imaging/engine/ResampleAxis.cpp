@@ -75,14 +75,6 @@ AxisWeights LanczosWeights(int sourceLength, int resultLength) {
     return axis;
 }
 
-void AddLanczosSample(double centre, double width, double share, std::span<double> dense) {
-    const LanczosRun run = LanczosAround(centre, width, static_cast<int>(dense.size()));
-    const double factor = share / Sum(run.weights);
-    for (std::size_t i = 0; i < run.weights.size(); ++i) {
-        dense[static_cast<std::size_t>(run.first) + i] += factor * run.weights[i];
-    }
-}
-
 void AppendMean(AxisWeights& axis, double begin, double end, int sourceLength) {
     const int first = std::clamp(static_cast<int>(std::floor(begin)), 0, sourceLength - 1);
     const int last = std::clamp(static_cast<int>(std::ceil(end)) - 1, first, sourceLength - 1);

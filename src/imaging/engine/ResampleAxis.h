@@ -41,11 +41,6 @@ class AxisWeights {
 // left out.
 AxisWeights LanczosWeights(int sourceLength, int resultLength);
 
-// As above for one sample whose centre lies at `centre` (samples have their centres at halves) and that
-// stands for `width` source samples. Adds share * weight to dense[i] for the source sample i; the weights add
-// up to 1.
-void AddLanczosSample(double centre, double width, double share, std::span<double> dense);
-
 // The mean of the source from `begin` to `end`, where sample i covers i to i + 1; weights in parts of a
 // sample. The interval must overlap the source.
 void AppendMean(AxisWeights& axis, double begin, double end, int sourceLength);

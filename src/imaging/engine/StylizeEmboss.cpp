@@ -14,68 +14,87 @@
 namespace pictorel::engine {
 namespace {
 
-// Luma of the whole picture moved by a fraction of a pixel or more, row by row. Rows are asked for in
-// ascending order and each needs two source rows, one of which the next row needs again: two are kept.
+// Luma of the whole picture moved by a fraction of a pixel or more, row by row, with cubic convolution (Keys
+// 1981, a = -0.5). Rows are asked for in ascending order and each needs four source rows, three of which the
+// next row needs again: four are kept.
 class ShiftedLuma {
   public:
     ShiftedLuma(const PixelArray& source, double shiftX, double shiftY)
         : source_(source),
-          columns_(static_cast<int>(std::floor(shiftX))),
-          rows_(static_cast<int>(std::floor(shiftY))),
-          columnShare_(static_cast<float>(shiftX - columns_)),
-          rowShare_(static_cast<float>(shiftY - rows_)) {
-        for (auto& line : lines_) {
-            line.luma.resize(static_cast<std::size_t>(source.Width()) + 1);
+          columns_(static_cast<int>(std::floor(shiftX)) - 1),
+          rows_(static_cast<int>(std::floor(shiftY)) - 1),
+          across_(CubicAt(shiftX - std::floor(shiftX))),
+          down_(CubicAt(shiftY - std::floor(shiftY))) {
+        for (LumaLine& line : lines_) {
+            line.luma.resize(static_cast<std::size_t>(source.Width()));
         }
+        luma_.resize(static_cast<std::size_t>(source.Width()) + kTaps - 1);
     }
 
-    // to[x] = luma at (x + shiftX, y + shiftY), bilinear, the edge pixels going on beyond the border.
+    // to[x] = luma at (x + shiftX, y + shiftY), the edge pixels going on beyond the border.
     void Row(int y, std::vector<float>& to) {
-        const float* const upper = Line(y + rows_);
-        const float* const lower = Line(y + rows_ + 1);
-        for (int x = 0; x < source_.Width(); ++x) {
-            const float left = upper[x] + rowShare_ * (lower[x] - upper[x]);
-            const float right = upper[x + 1] + rowShare_ * (lower[x + 1] - upper[x + 1]);
-            to[static_cast<std::size_t>(x)] = left + columnShare_ * (right - left);
+        const float* const a = Line(y + rows_);
+        const float* const b = Line(y + rows_ + 1);
+        const float* const c = Line(y + rows_ + 2);
+        const float* const d = Line(y + rows_ + 3);
+        for (std::size_t x = 0; x < to.size(); ++x) {
+            to[x] = down_[0] * a[x] + down_[1] * b[x] + down_[2] * c[x] + down_[3] * d[x];
         }
     }
 
   private:
+    static constexpr int kTaps = 4;
+    using Cubic = std::array<float, kTaps>;
+
     struct LumaLine {
         int row = -1;
-        std::vector<float> luma; // of the columns from columns_ on, one more than the picture has
+        std::vector<float> luma;
     };
 
+    static Cubic CubicAt(double t) {
+        return {static_cast<float>(((-0.5 * t + 1) * t - 0.5) * t),
+                static_cast<float>((1.5 * t - 2.5) * t * t + 1),
+                static_cast<float>(((-1.5 * t + 2) * t + 0.5) * t),
+                static_cast<float>((0.5 * t - 0.5) * t * t)};
+    }
+
+    // Luma of a source row, moved across.
     const float* Line(int row) {
         const int inside = std::clamp(row, 0, source_.Height() - 1);
-        LumaLine& line = lines_[static_cast<std::size_t>(row & 1)];
+        LumaLine& line = lines_[static_cast<std::size_t>(row & (kTaps - 1))];
         if (line.row != inside) {
-            Fill(line, inside);
+            line.row = inside;
+            FillLuma(source_.Row(inside));
+            const float* const luma = luma_.data();
+            for (std::size_t x = 0; x < line.luma.size(); ++x) {
+                line.luma[x] = across_[0] * luma[x] + across_[1] * luma[x + 1] + across_[2] * luma[x + 2] +
+                               across_[3] * luma[x + 3];
+            }
         }
         return line.luma.data();
     }
 
-    void Fill(LumaLine& line, int row) const {
-        const std::uint8_t* const from = source_.Row(row);
+    // luma_[i] is of the column columns_ + i.
+    void FillLuma(const std::uint8_t* from) {
         const int width = source_.Width();
-        // The columns of the line that lie inside the picture; before and after them its edges go on.
-        const int first = std::clamp(-columns_, 0, width + 1);
-        const int end = std::clamp(width - columns_, 0, width + 1);
-        float* const to = line.luma.data();
+        const int length = width + kTaps - 1;
+        const int first = std::clamp(-columns_, 0, length); // the first that lies in the picture
+        const int end = std::clamp(width - columns_, first, length);
+        float* const to = luma_.data();
         std::fill(to, to + first, LumaOf(LoadPixel(from)));
-        for (int x = first; x < end; ++x) {
-            to[x] = LumaOf(LoadPixel(from + (x + columns_) * 4));
+        for (int i = first; i < end; ++i) {
+            to[i] = LumaOf(LoadPixel(from + (i + columns_) * 4));
         }
-        std::fill(to + std::max(first, end), to + width + 1, LumaOf(LoadPixel(from + (width - 1) * 4)));
-        line.row = row;
+        std::fill(to + end, to + length, LumaOf(LoadPixel(from + (width - 1) * 4)));
     }
 
     const PixelArray& source_;
     int columns_;
     int rows_;
-    float columnShare_;
-    float rowShare_;
-    std::array<LumaLine, 2> lines_;
+    Cubic across_;
+    Cubic down_;
+    std::array<LumaLine, kTaps> lines_;
+    std::vector<float> luma_;
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 // half, round white holes in dark tones.
 #include "imaging/ForEachBand.h"
 #include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Resample.h"
 #include "imaging/engine/Stylize.h"
 #include "imaging/engine/StylizeLuma.h"
 #include "imaging/engine/WholePixel.h"
@@ -107,27 +108,77 @@ int BlackPoints(const float* sums, const float* differences, float threshold) {
     return black;
 }
 
+constexpr std::array<std::uint8_t, kPointsPerPixel + 1> MakeGreys() {
+    std::array<std::uint8_t, kPointsPerPixel + 1> greys{};
+    for (int black = 0; black <= kPointsPerPixel; ++black) {
+        greys[static_cast<std::size_t>(black)] = static_cast<std::uint8_t>(
+            (255 * (kPointsPerPixel - black) + kPointsPerPixel / 2) / kPointsPerPixel);
+    }
+    return greys;
+}
+constexpr auto kGreyOfBlackPoints = MakeGreys();
+
 // For every luma: the threshold and the even tone that dots too small to be seen amount to.
 struct Tone {
     float threshold;
-    float even; // 0 black .. 255 white
+    std::uint8_t even;
 };
 
 std::array<Tone, 256> MakeTones(double gain) {
     std::array<Tone, 256> tones{};
     for (std::size_t luma = 0; luma < tones.size(); ++luma) {
         const double area = std::clamp((1 - static_cast<double>(luma) / 255) * gain, 0.0, 1.0);
-        tones[luma] = {ThresholdFor(area), static_cast<float>(255 * (1 - area))};
+        tones[luma] = {ThresholdFor(area), static_cast<std::uint8_t>(std::lround(255 * (1 - area)))};
     }
     return tones;
 }
 
-// How much of the screen a copy shows whose pixels are as large as its cells: nothing up to 0.75 pixels a
-// cell, where every pixel holds more than a whole cell, and all from 1.5.
-double VisiblePart(double cell) {
-    constexpr double kInvisible = 0.75;
-    constexpr double kVisible = 1.5;
-    return std::clamp((cell - kInvisible) / (kVisible - kInvisible), 0.0, 1.0);
+// greyOfRow(y)(x, tone) is the grey of a pixel.
+template <class GreyOfRow>
+PixelArray Toned(const PixelArray& source, const std::array<Tone, 256>& tones, GreyOfRow greyOfRow) {
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
+        for (int y = first; y < end; ++y) {
+            const auto grey = greyOfRow(y);
+            const std::uint8_t* const from = source.Row(y);
+            std::uint8_t* const to = rows + y * result.Stride();
+            for (int x = 0; x < result.Width(); ++x) {
+                const std::uint32_t pixel = LoadPixel(from + 4 * x);
+                const Tone& tone = tones[static_cast<std::size_t>(LumaOf(pixel) + 0.5F)];
+                StorePixel(to + 4 * x, grey(x, tone) * 0x010101U | (pixel & 0xFF000000U));
+            }
+        }
+    });
+    return result;
+}
+
+PixelArray Dots(const PixelArray& source, double cell, double gain) {
+    const Screen screen(source.Width(), source.Height(), cell);
+    const std::array<Tone, 256> tones = MakeTones(gain);
+    return Toned(source, tones, [&](int y) {
+        return [sums = screen.Sums(0, y), differences = screen.Differences(0, y)](int x, const Tone& tone) {
+            const int black = BlackPoints(sums + kPoints * x, differences + kPoints * x, tone.threshold);
+            return kGreyOfBlackPoints[static_cast<std::size_t>(black)];
+        };
+    });
+}
+
+// A reduced copy shows the screen reduced. Dots finer than its pixels can show are the even tone they amount
+// to; coarser ones are made large enough to be drawn well, and reduced like the picture.
+PixelArray ReducedDots(const PixelArray& source, double cell, double gain) {
+    constexpr double kFinestCell = 1.2; // its waves are cut off by the reduction
+    constexpr double kDrawnCell = 4;    // the smallest of the picture itself
+    if (cell >= kDrawnCell) {
+        return Dots(source, cell, gain);
+    }
+    if (cell < kFinestCell) {
+        return Toned(source, MakeTones(gain),
+                     [](int /*y*/) { return [](int /*x*/, const Tone& tone) { return tone.even; }; });
+    }
+    const int times = static_cast<int>(std::ceil(kDrawnCell / cell));
+    const PixelArray enlarged = Resize(source, source.Width() * times, source.Height() * times);
+    return Resize(Dots(enlarged, cell * times, gain), source.Width(), source.Height());
 }
 
 } // namespace
@@ -137,29 +188,7 @@ PixelArray Halftone(const PixelArray& source, int size, double gain) {
     RequireWithin(gain, 0, 1000, "The gain of the halftone");
     constexpr int kPixelsPerSize = 4;
     const double cell = std::max(size, 1) * kPixelsPerSize * source.Reduction();
-    const auto visible = static_cast<float>(VisiblePart(cell));
-    const Screen screen(source.Width(), source.Height(), std::max(cell, 0.5));
-    const std::array<Tone, 256> tones = MakeTones(gain);
-    PixelArray result = PixelArray::Like(source);
-    std::uint8_t* const rows = result.WritableRows();
-    ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
-        for (int y = first; y < end; ++y) {
-            const std::uint8_t* const from = source.Row(y);
-            std::uint8_t* const to = rows + y * result.Stride();
-            const float* const sums = screen.Sums(0, y);
-            const float* const differences = screen.Differences(0, y);
-            for (int x = 0; x < result.Width(); ++x) {
-                const std::uint32_t pixel = LoadPixel(from + 4 * x);
-                const Tone& tone = tones[static_cast<std::size_t>(LumaOf(pixel) + 0.5F)];
-                const int black = BlackPoints(sums + kPoints * x, differences + kPoints * x, tone.threshold);
-                const float dots = 255.0F * static_cast<float>(kPointsPerPixel - black) / kPointsPerPixel;
-                const float grey = tone.even + visible * (dots - tone.even);
-                StorePixel(to + 4 * x,
-                           static_cast<std::uint32_t>(grey + 0.5F) * 0x010101U | (pixel & 0xFF000000U));
-            }
-        }
-    });
-    return result;
+    return source.Reduction() == 1 ? Dots(source, cell, gain) : ReducedDots(source, cell, gain);
 }
 
 } // namespace pictorel::engine

@@ -1,8 +1,6 @@
 // Tiles of a picture with margins, see Tiles.h.
 #include "imaging/engine/Tiles.h"
 
-#include "imaging/engine/Rounding.h"
-
 #include <cstring>
 
 namespace pictorel::engine {
@@ -35,22 +33,6 @@ void LoadRows(const PixelArray& source, const TileArea& area, Margins margins, C
     }
 }
 
-void WidenOpaque(const std::uint8_t* in, int count, WideComponent* out) {
-    for (int i = 0; i < count * kComponents; ++i) {
-        out[i] = static_cast<WideComponent>(in[i] * kWideUnit);
-    }
-}
-
-void WidenPremultiplied(const std::uint8_t* in, int count, WideComponent* out) {
-    for (int x = 0; x < count; ++x, in += kComponents, out += kComponents) {
-        const int alpha = in[3] * kWideUnit;
-        for (int k = 0; k < 3; ++k) {
-            out[k] = static_cast<WideComponent>((in[k] * alpha + 127) / 255);
-        }
-        out[3] = static_cast<WideComponent>(alpha);
-    }
-}
-
 } // namespace
 
 void LoadTile(const PixelArray& source, const TileArea& area, Margins margins, std::uint8_t* tile) {
@@ -60,23 +42,9 @@ void LoadTile(const PixelArray& source, const TileArea& area, Margins margins, s
 }
 
 void LoadWideTile(const PixelArray& source, const TileArea& area, Margins margins, WideComponent* tile) {
-    LoadRows(source, area, margins, tile, source.HasAlpha() ? WidenPremultiplied : WidenOpaque);
-}
-
-void StoreWideRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t* out) {
-    if (!hasAlpha) {
-        for (int i = 0; i < width * kComponents; ++i) {
-            out[i] = static_cast<std::uint8_t>((wide[i] + kWideUnit / 2) / kWideUnit);
-        }
-        return;
-    }
-    for (int x = 0; x < width; ++x, wide += kComponents, out += kComponents) {
-        const float perAlpha = 255.0F / static_cast<float>(std::max<int>(wide[3], 1));
-        for (int k = 0; k < 3; ++k) {
-            out[k] = RoundToByte(static_cast<float>(wide[k]) * perAlpha);
-        }
-        out[3] = static_cast<std::uint8_t>((wide[3] + kWideUnit / 2) / kWideUnit);
-    }
+    LoadRows(source, area, margins, tile, [&](const std::uint8_t* in, int count, WideComponent* out) {
+        WidenRow(in, count, source.HasAlpha(), out);
+    });
 }
 
 } // namespace pictorel::engine

@@ -4,6 +4,7 @@
 
 #include "imaging/ForEachBand.h"
 #include "imaging/PixelArray.h"
+#include "imaging/engine/TileRows.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -23,18 +24,10 @@ struct Margins {
     int y;
 };
 
-// Wide components: 16-bit, in 1/64 of a level, colour premultiplied where the picture has alpha. The sum of
-// two still fits into 16 bits.
-using WideComponent = std::int16_t;
-inline constexpr int kWideUnit = 64;
-
 // Copies the area with `margins` on all four sides into rows of (area.width + 2 margins.x) pixels without
 // gaps; beyond its border the picture is continued by its edge pixels.
 void LoadWideTile(const PixelArray& source, const TileArea& area, Margins margins, WideComponent* tile);
 void LoadTile(const PixelArray& source, const TileArea& area, Margins margins, std::uint8_t* tile);
-
-// Writes `width` wide pixels as 8-bit pixels, colour divided by alpha again where `hasAlpha`.
-void StoreWideRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t* out);
 
 // Calls body(area, scratch) for areas that cover a picture of this size once, on all cores; `scratch` is a
 // Scratch that consecutive calls on one thread share.

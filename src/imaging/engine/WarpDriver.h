@@ -10,6 +10,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <numbers>
+#include <numeric>
 
 namespace pictorel::engine {
 
@@ -27,34 +29,26 @@ struct WarpPoint {
 
 namespace warp {
 
-// A map that reduces is sampled at so many points a pixel that they lie no further apart than this in the
-// source: bicubic interpolation does not alias visibly up to there.
+// One sample a pixel is enough while neighbouring ones lie no further apart in the source than this: bicubic
+// interpolation does not alias visibly up to there. Where a map reduces more, a sample is taken for every
+// source pixel.
 constexpr double kLargestStep = 1.25; // source pixels
-constexpr int kMostSteps = 64;
-constexpr int kTileHeight = 16; // rows taken together, so that the source lines stay in the cache
+constexpr int kMostSteps = 64;        // along each of the two directions of a reduction
+constexpr int kTileHeight = 16;       // rows taken together, so that the source lines stay in the cache
 
-// Points this far outside are as far outside as any: all steps of a pixel cannot reach back from there.
-constexpr double kFarOutside = kMostSteps * kLargestStep + 2;
+// Points this far outside are as far outside as any: all samples of a pixel cannot reach back from there.
+constexpr double kFarOutside = kMostSteps + 2;
 
-// The points of one result pixel at which the source is sampled, and the border that goes with them.
-struct SampleGrid {
-    int columns = 1;
-    int rows = 1;
-    BorderWidth border;     // for a sample
-    BorderWidth pixelReach; // for the whole pixel
-};
-
-inline int StepsFor(double length) {
-    constexpr double kRoundingSlack = 1e-6;
-    return static_cast<int>(
-        std::clamp(std::ceil(length / kLargestStep - kRoundingSlack), 1.0, static_cast<double>(kMostSteps)));
-}
-
-// Source distance per column and per row of the result at a point.
+// How far the map moves in the source from one result pixel to the next.
 struct LocalScale {
     WarpPoint perColumn;
     WarpPoint perRow;
 };
+
+// std::hypot guards against overflow, which costs more than the rest of a map.
+inline double Length(double x, double y) {
+    return std::sqrt(x * x + y * y);
+}
 
 template <class Map>
 LocalScale ScaleAt(const Map& map, WarpPoint at) {
@@ -65,32 +59,93 @@ LocalScale ScaleAt(const Map& map, WarpPoint at) {
     return {{right.x - left.x, right.y - left.y}, {below.x - above.x, below.y - above.y}};
 }
 
-// The finest grid that the pixels from `first` to `last` need, looking at them and at their middle.
+// The largest and the smallest factor by which lengths change: the singular values of the scale's matrix.
+struct Stretch {
+    double largest;
+    double smallest;
+};
+
+inline Stretch StretchOf(const LocalScale& scale) {
+    const auto& [a, b] = scale;
+    const double turning = Length(a.x + b.y, a.y - b.x) / 2;
+    const double mirroring = Length(a.x - b.y, a.y + b.x) / 2;
+    return {turning + mirroring, std::abs(turning - mirroring)};
+}
+
+// Part of a pixel's side over which samples are spread, for a side that is so long in the source. It grows
+// with the stretch from nothing to everything, so that sharpness does not jump from where one sample is
+// enough to where it is not; and a side that has no part in the stretch stays sharp.
+inline double SpreadFor(double stretch, double sideLength) {
+    constexpr double kWholeSpread = 1.75;
+    const double needed = (stretch - kLargestStep) / (kWholeSpread - kLargestStep);
+    if (needed <= 0) {
+        return 0;
+    }
+    const double part = 2 * (sideLength * sideLength - 1) / (stretch * stretch - 1);
+    return std::min(needed, 1.0) * std::clamp(part, 0.0, 1.0);
+}
+
+// The points of a result pixel that are sampled: a lattice whose points are evenly spaced along both sides
+// and nearly so seen from any other direction, since a map may reduce in any (Korobov 1959).
+struct SamplePattern {
+    int count = 1;
+    int generator = 1;
+    double spreadX = 0;
+    double spreadY = 0;
+    BorderWidth border;     // for a sample
+    BorderWidth pixelReach; // for the whole pixel
+
+    // From the centre of the pixel to sample i.
+    WarpPoint Offset(int i) const {
+        return {((i + 0.5) / count - 0.5) * spreadX, ((i * generator % count + 0.5) / count - 0.5) * spreadY};
+    }
+};
+
+inline int GeneratorFor(int count) {
+    int generator = static_cast<int>(std::lround(count / std::numbers::phi));
+    while (std::gcd(generator, count) != 1) {
+        ++generator;
+    }
+    return generator;
+}
+
+inline int StepsFor(double stretch) {
+    return stretch <= kLargestStep ? 1 : static_cast<int>(std::min(std::ceil(stretch), 1.0 * kMostSteps));
+}
+
+// What the pixels from `first` to `last` need, looking at them and at their middle.
 template <class Map>
-SampleGrid GridFor(const Map& map, WarpPoint first, WarpPoint last) {
+SamplePattern PatternFor(const Map& map, WarpPoint first, WarpPoint last) {
     std::array<LocalScale, 3> scales;
-    double columnLength = 0;
-    double rowLength = 0;
+    Stretch stretch{0, 0};
+    SamplePattern pattern;
     for (std::size_t i = 0; i < scales.size(); ++i) {
         const double offset = (last.x - first.x) * static_cast<double>(i) / 2;
         const LocalScale& scale = scales[i] = ScaleAt(map, {first.x + offset, first.y});
-        columnLength = std::max(columnLength, std::hypot(scale.perColumn.x, scale.perColumn.y));
-        rowLength = std::max(rowLength, std::hypot(scale.perRow.x, scale.perRow.y));
+        const Stretch here = StretchOf(scale);
+        stretch = {std::max(stretch.largest, here.largest), std::max(stretch.smallest, here.smallest)};
+        const double columnLength = Length(scale.perColumn.x, scale.perColumn.y);
+        const double rowLength = Length(scale.perRow.x, scale.perRow.y);
+        pattern.spreadX = std::max(pattern.spreadX, SpreadFor(here.largest, columnLength));
+        pattern.spreadY = std::max(pattern.spreadY, SpreadFor(here.largest, rowLength));
     }
-    SampleGrid grid;
-    grid.columns = StepsFor(columnLength);
-    grid.rows = StepsFor(rowLength);
+    pattern.count = StepsFor(stretch.largest) * StepsFor(stretch.smallest);
+    pattern.generator = GeneratorFor(pattern.count);
+    // Part of the pixel's sides that one sample stands for.
+    const double shareX = 1 - pattern.spreadX + pattern.spreadX / pattern.count;
+    const double shareY = 1 - pattern.spreadY + pattern.spreadY / pattern.count;
     const auto widest = [](double known, double a, double b) {
-        return std::min(std::max(known, std::hypot(a, b)), kMostSteps * kLargestStep);
+        return std::min(std::max(known, Length(a, b)), 1.0 * kMostSteps);
     };
-    grid.border = grid.pixelReach = {1e-3, 1e-3};
-    for (const LocalScale& scale : scales) {
-        grid.border.x = widest(grid.border.x, scale.perColumn.x / grid.columns, scale.perRow.x / grid.rows);
-        grid.border.y = widest(grid.border.y, scale.perColumn.y / grid.columns, scale.perRow.y / grid.rows);
-        grid.pixelReach.x = widest(grid.pixelReach.x, scale.perColumn.x, scale.perRow.x);
-        grid.pixelReach.y = widest(grid.pixelReach.y, scale.perColumn.y, scale.perRow.y);
+    constexpr double kNarrowest = 1e-3;
+    pattern.border = pattern.pixelReach = {kNarrowest, kNarrowest};
+    for (const auto& [column, row] : scales) {
+        pattern.border.x = widest(pattern.border.x, column.x * shareX, row.x * shareY);
+        pattern.border.y = widest(pattern.border.y, column.y * shareX, row.y * shareY);
+        pattern.pixelReach.x = widest(pattern.pixelReach.x, column.x, row.x);
+        pattern.pixelReach.y = widest(pattern.pixelReach.y, column.y, row.y);
     }
-    return grid;
+    return pattern;
 }
 
 // Rounded to the sampler's unit, away from its centre-of-pixel origin by half a pixel.
@@ -111,68 +166,86 @@ void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count
     }
 }
 
-// The mean of several samples a pixel, on premultiplied colour.
+// The mean of several samples a pixel, on premultiplied colour where there is alpha.
 class SampleMean {
   public:
+    explicit SampleMean(bool hasAlpha) : hasAlpha_(hasAlpha) {}
+
     void Add(const std::uint8_t* pixels, int count) {
-        for (int i = 0; i < count; ++i, pixels += 4) {
-            const std::uint32_t alpha = pixels[3];
-            for (int c = 0; c < 3; ++c) {
-                sums_[i][c] += pixels[c] * alpha;
-            }
-            sums_[i][3] += alpha;
+        for (int i = 0; i < 4 * count; ++i) {
+            const std::int32_t factor = hasAlpha_ && i % 4 != 3 ? pixels[i | 3] : 1;
+            sums_[i] += pixels[i] * factor;
         }
         ++samples_;
     }
 
     void Write(int count, std::uint8_t* to) const {
-        for (int i = 0; i < count; ++i, to += 4) {
-            const std::uint32_t alpha = sums_[i][3];
-            for (int c = 0; c < 3; ++c) {
-                to[c] = static_cast<std::uint8_t>(alpha == 0 ? 0 : (sums_[i][c] + alpha / 2) / alpha);
+        const float perSample = 1.0F / static_cast<float>(samples_);
+        for (int i = 0; i < 4 * count; ++i) {
+            float factor = perSample;
+            if (hasAlpha_ && i % 4 != 3) {
+                factor = 1.0F / static_cast<float>(std::max(sums_[i | 3], 1));
             }
-            to[3] = static_cast<std::uint8_t>((alpha + samples_ / 2) / samples_);
+            to[i] = static_cast<std::uint8_t>(static_cast<float>(sums_[i]) * factor + 0.5F);
         }
     }
 
   private:
-    // 64 x 64 samples of 255 x 255 fit.
-    std::array<std::array<std::uint32_t, 4>, kRunLength> sums_{};
-    std::uint32_t samples_ = 0;
+    bool hasAlpha_;
+    int samples_ = 0;
+    std::array<std::int32_t, 4 * kRunLength> sums_{};
 };
-static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < UINT32_MAX);
+static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < INT32_MAX);
 
-// One run of result pixels whose first pixel centre is `first`.
+// Makes the result's pixels, a run at a time.
 template <class Map>
-void WarpRun(const Map& map, const PixelArray& source, const WarpSampler& sampler, WarpPoint first, int count,
-             std::uint8_t* to) {
-    SampleRun run;
-    Locate(map, source, first, count, run);
-    // Perspective reduces without limit towards its horizon: only what is seen of the picture decides.
-    const ColumnSpan seen = Map::kIsAffine ? ColumnSpan{0, 1} : sampler.NearestToPicture(run);
-    const SampleGrid grid =
-        GridFor(map, {first.x + seen.first, first.y}, {first.x + (seen.end - 1), first.y});
-    if (sampler.IsBackground(run, grid.pixelReach)) {
-        sampler.FillBackground(count, to);
-        return;
-    }
-    if (grid.columns == 1 && grid.rows == 1) {
-        sampler.Sample(run, grid.border, to);
-        return;
-    }
-    SampleMean mean;
-    std::array<std::uint8_t, 4 * kRunLength> samples;
-    for (int row = 0; row < grid.rows; ++row) {
-        for (int column = 0; column < grid.columns; ++column) {
-            const WarpPoint shifted{first.x + (column + 0.5) / grid.columns - 0.5,
-                                    first.y + (row + 0.5) / grid.rows - 0.5};
-            Locate(map, source, shifted, count, run);
-            sampler.Sample(run, grid.border, samples.data());
-            mean.Add(samples.data(), count);
+class RunWarper {
+  public:
+    RunWarper(const PixelArray& source, const Map& map, std::uint32_t background)
+        : source_(source),
+          map_(map),
+          sampler_(source, Map::kOutside, background),
+          evenPattern_(PatternFor(map, {0, 0}, {0, 0})) {}
+
+    // `count` pixels, the first of which has its centre at `first`.
+    void Make(WarpPoint first, int count, std::uint8_t* to) const {
+        SampleRun run;
+        Locate(map_, source_, first, count, run);
+        const SamplePattern pattern = Map::kIsAffine ? evenPattern_ : PatternForRun(first, run);
+        if (sampler_.IsBackground(run, pattern.pixelReach)) {
+            sampler_.FillBackground(count, to);
+        } else if (pattern.count == 1) {
+            sampler_.Sample(run, pattern.border, to);
+        } else {
+            MakeFromPattern(pattern, first, count, to);
         }
     }
-    mean.Write(count, to);
-}
+
+  private:
+    // Perspective reduces without limit towards its horizon: only what is seen of the picture decides.
+    SamplePattern PatternForRun(WarpPoint first, const SampleRun& run) const {
+        const ColumnSpan seen = sampler_.NearestToPicture(run);
+        return PatternFor(map_, {first.x + seen.first, first.y}, {first.x + (seen.end - 1), first.y});
+    }
+
+    void MakeFromPattern(const SamplePattern& pattern, WarpPoint first, int count, std::uint8_t* to) const {
+        SampleRun run;
+        SampleMean mean(source_.HasAlpha());
+        std::array<std::uint8_t, 4 * kRunLength> samples;
+        for (int i = 0; i < pattern.count; ++i) {
+            const WarpPoint offset = pattern.Offset(i);
+            Locate(map_, source_, {first.x + offset.x, first.y + offset.y}, count, run);
+            sampler_.Sample(run, pattern.border, samples.data());
+            mean.Add(samples.data(), count);
+        }
+        mean.Write(count, to);
+    }
+
+    const PixelArray& source_;
+    const Map& map_;
+    WarpSampler sampler_;
+    SamplePattern evenPattern_; // of every pixel, where the map is affine
+};
 
 // The columns of a row that the map leaves where they are.
 inline void CopyUnmoved(const PixelArray& source, int y, ColumnSpan moved, std::uint8_t* to) {
@@ -188,15 +261,14 @@ template <class Map>
 PixelArray Warp(const PixelArray& source, const Map& map, std::uint32_t background) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const pixels = result.WritableRows();
-    const WarpSampler sampler(source, Map::kOutside, background);
+    const warp::RunWarper<Map> warper(source, map, background);
     const auto warpTile = [&](int left, int right, int top, int bottom) {
         for (int y = top; y < bottom; ++y) {
             const ColumnSpan moved = map.Moved(y);
             const int first = std::max(left, moved.first);
             const int count = std::min(right, moved.end) - first;
             if (count > 0) {
-                warp::WarpRun(map, source, sampler, {first + 0.5, y + 0.5}, count,
-                              pixels + y * result.Stride() + first * 4);
+                warper.Make({first + 0.5, y + 0.5}, count, pixels + y * result.Stride() + first * 4);
             }
         }
     };

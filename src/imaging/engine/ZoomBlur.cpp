@@ -8,7 +8,6 @@
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/Rounding.h"
 
-#include <array>
 #include <cmath>
 #include <vector>
 
@@ -18,12 +17,18 @@ namespace {
 constexpr int kComponents = PixelArray::kComponents;
 
 // Rays are this dense where the wedge is widest and denser towards the centre; a pixel between two rays mixes
-// them, and this keeps that mixing from softening what lies across the rays.
-constexpr int kRaysPerPixel = 8;
-constexpr int kRaysPerBlock = 32;     // their sums stay in cache
+// them, and this keeps that mixing from softening what lies across the rays. Long paths soften more by
+// themselves and need fewer.
+int RaysPerPixel(double longestPath) {
+    constexpr double kLongPath = 20; // pixels
+    return longestPath < kLongPath ? 8 : 4;
+}
+
+constexpr int kRaysPerBlock = 16;     // their sums stay in cache
 constexpr double kShortestPath = 0.1; // pixels; less moves nothing that could be seen
 
-using Quad = std::array<float, 4>;
+// Four components that the compiler keeps in one register; sums and products go lane by lane.
+using Quad = float __attribute__((vector_size(16)));
 
 // One wedge: nodes 0, 1, ... lie on whole pixels along the major axis, starting at the centre or half a pixel
 // before it; rays 0..rayCount - 1 differ in slope (minor per major pixel) from -1 to 1.
@@ -32,6 +37,7 @@ struct Wedge {
     std::ptrdiff_t minorStep;
     int majorSize; // pixels
     int minorSize;
+    int raysPerPixel;
     int direction;     // of the walk along the major axis: 1 or -1
     bool ownsDiagonal; // so that each pixel belongs to one wedge
 
@@ -43,7 +49,7 @@ struct Wedge {
     int MajorIndex(int node) const {
         return direction > 0 ? (majorSize - 1) / 2 + node : majorSize / 2 - node;
     }
-    int Intervals() const { return std::max(1, majorSize * kRaysPerPixel); }
+    int Intervals() const { return std::max(1, majorSize * raysPerPixel); }
     double Slope(int ray) const { return 2.0 * ray / Intervals() - 1; }
 };
 
@@ -92,26 +98,13 @@ class RayBlock {
                    : std::min(wedge_.Nodes(), static_cast<int>(longest / flattest) + 1);
     }
 
-    Quad Sample(const std::uint8_t* column, double minor) const {
-        const double inside = std::clamp(minor, 0.0, wedge_.minorSize - 1.0);
-        const int index = static_cast<int>(inside);
-        const auto share = static_cast<float>(inside - index);
-        const std::uint8_t* const p = column + index * wedge_.minorStep;
-        const std::uint8_t* const q = index + 1 < wedge_.minorSize ? p + wedge_.minorStep : p;
-        Quad sample{};
-        if (source_.HasAlpha()) {
-            const float weightP = static_cast<float>(p[3]) * (1 - share) / 255.0F;
-            const float weightQ = static_cast<float>(q[3]) * share / 255.0F;
-            for (std::size_t k = 0; k < 3; ++k) {
-                sample[k] = static_cast<float>(p[k]) * weightP + static_cast<float>(q[k]) * weightQ;
-            }
-            sample[3] = 255.0F * (weightP + weightQ);
-        } else {
-            for (std::size_t k = 0; k < 4; ++k) {
-                sample[k] = static_cast<float>(p[k]) + static_cast<float>(q[k] - p[k]) * share;
-            }
-        }
-        return sample;
+    // Premultiplied where the picture has alpha.
+    Quad PixelAt(const std::uint8_t* column, int minor) const {
+        const std::uint8_t* const p = column + std::min(minor, wedge_.minorSize - 1) * wedge_.minorStep;
+        const Quad pixel{static_cast<float>(p[0]), static_cast<float>(p[1]), static_cast<float>(p[2]),
+                         static_cast<float>(p[3])};
+        const float alpha = pixel[3] / 255.0F;
+        return source_.HasAlpha() ? pixel * Quad{alpha, alpha, alpha, 1.0F} : pixel;
     }
 
     // Row n + 1 of sums_ is the sum of the values at nodes 0..n, for each ray; row 0 is zero.
@@ -120,17 +113,31 @@ class RayBlock {
         sums_.resize(rays * static_cast<std::size_t>(nodes_ + 1));
         std::fill_n(sums_.begin(), rays, Quad{});
         for (int node = 0; node < nodes_; ++node) {
-            const std::uint8_t* const column = source_.Row(0) + wedge_.MajorIndex(node) * wedge_.majorStep;
-            const Quad* const before = sums_.data() + static_cast<std::size_t>(node) * rays;
-            Quad* const after = sums_.data() + static_cast<std::size_t>(node + 1) * rays;
-            const double distance = wedge_.Distance(node);
-            for (std::size_t ray = 0; ray < rays; ++ray) {
-                const double slope = wedge_.Slope(firstRay_ + static_cast<int>(ray));
-                const Quad sample = Sample(column, wedge_.MinorCentre() + slope * distance);
-                for (std::size_t k = 0; k < 4; ++k) {
-                    after[ray][k] = before[ray][k] + sample[k];
-                }
+            Quad* const before = sums_.data() + static_cast<std::size_t>(node) * rays;
+            AddNode(node, before, before + rays);
+        }
+    }
+
+    // after = before + the values where the rays pass this node's column, between whole pixels in a straight
+    // line.
+    void AddNode(int node, const Quad* before, Quad* after) const {
+        const std::uint8_t* const column = source_.Row(0) + wedge_.MajorIndex(node) * wedge_.majorStep;
+        const double distance = wedge_.Distance(node);
+        const double origin = wedge_.MinorCentre() + wedge_.Slope(firstRay_) * distance;
+        const double step = 2.0 / wedge_.Intervals() * distance;
+        const double last = wedge_.minorSize - 1.0;
+        int pixel = -1;
+        Quad value{};
+        Quad ahead{}; // from this pixel to the next
+        for (int ray = 0; ray < RayCount(); ++ray) {
+            const double minor = std::clamp(origin + step * ray, 0.0, last);
+            const int index = static_cast<int>(minor);
+            if (index != pixel) { // neighbouring rays mostly pass between the same two pixels
+                value = index == pixel + 1 && pixel >= 0 ? value + ahead : PixelAt(column, index);
+                ahead = PixelAt(column, index + 1) - value;
+                pixel = index;
             }
+            after[ray] = before[ray] + (value + ahead * static_cast<float>(minor - index));
         }
     }
 
@@ -164,22 +171,17 @@ class RayBlock {
         const Quad* const start = sums_.data() + inner.node * rays + ray;
         // The inner end's third sum has weight 0 where it would lie beyond the last node.
         const std::ptrdiff_t third = inner.node + 2 <= nodes_ ? 2 * rays : rays;
-        Quad mean{};
-        for (std::size_t k = 0; k < 4; ++k) {
-            const auto stretch = [&](std::ptrdiff_t r) {
-                return (outer[r][k] + outer[r + rays][k]) * 0.5F -
-                       (start[r][k] * inner.before + start[r + rays][k] * inner.at +
-                        start[r + third][k] * inner.after);
-            };
-            const float left = stretch(0);
-            mean[k] = (left + (stretch(1) - left) * share) * perLength;
-        }
-        return mean;
+        const auto stretch = [&](std::ptrdiff_t r) {
+            return (outer[r] + outer[r + rays]) * 0.5F -
+                   (start[r] * inner.before + start[r + rays] * inner.at + start[r + third] * inner.after);
+        };
+        const Quad left = stretch(0);
+        return (left + (stretch(1) - left) * share) * perLength;
     }
 
     void Store(const Quad& mean, std::uint8_t* pixel) const {
         const float perAlpha = source_.HasAlpha() ? 255.0F / std::max(mean[3], 1.0F / 1024) : 1.0F;
-        for (std::size_t k = 0; k < 3; ++k) {
+        for (int k = 0; k < 3; ++k) {
             pixel[k] = RoundToByte(mean[k] * perAlpha);
         }
         pixel[3] = source_.HasAlpha() ? RoundToByte(mean[3]) : 255;
@@ -211,15 +213,19 @@ PixelArray ZoomBlur(const PixelArray& source, double percent) {
     RequireRange("zoom blur", percent, 0, 100);
     const int width = source.Width();
     const int height = source.Height();
-    if (percent / 100 * std::max(width, height) / 2 < kShortestPath) {
+    const double longestPath = percent / 100 * std::max(width, height) / 2;
+    if (longestPath < kShortestPath) {
         return source;
     }
+    const int rays = RaysPerPixel(longestPath);
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
     const std::ptrdiff_t stride = source.Stride();
     for (const int direction : {1, -1}) {
-        BlurWedge(source, {kComponents, stride, width, height, direction, true}, 1 - percent / 100, rows);
-        BlurWedge(source, {stride, kComponents, height, width, direction, false}, 1 - percent / 100, rows);
+        BlurWedge(source, {kComponents, stride, width, height, rays, direction, true}, 1 - percent / 100,
+                  rows);
+        BlurWedge(source, {stride, kComponents, height, width, rays, direction, false}, 1 - percent / 100,
+                  rows);
     }
     if (width % 2 == 1 && height % 2 == 1) { // the pixel at the centre belongs to no wedge
         const std::ptrdiff_t centre =

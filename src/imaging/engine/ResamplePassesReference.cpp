@@ -28,8 +28,8 @@ PixelSum SumOfTaps(const float* from, const AxisWeights::Taps& taps) {
 
 } // namespace
 
-void SumRows(const std::uint8_t* from, std::ptrdiff_t stride, std::span<const float> weights, int pixels,
-             float* to) {
+void SumRowsReference(const std::uint8_t* from, std::ptrdiff_t stride, std::span<const float> weights,
+                      int pixels, float* to) {
     const int components = pixels * kComponents;
     std::fill_n(to, components, 0.0F);
     for (const float weight : weights) {
@@ -40,8 +40,8 @@ void SumRows(const std::uint8_t* from, std::ptrdiff_t stride, std::span<const fl
     }
 }
 
-void SumRowsPremultiplied(const std::uint8_t* from, std::ptrdiff_t stride, std::span<const float> weights,
-                          int pixels, float* to) {
+void SumRowsPremultipliedReference(const std::uint8_t* from, std::ptrdiff_t stride,
+                                   std::span<const float> weights, int pixels, float* to) {
     const int components = pixels * kComponents;
     std::fill_n(to, components, 0.0F);
     for (const float weight : weights) {
@@ -56,7 +56,7 @@ void SumRowsPremultiplied(const std::uint8_t* from, std::ptrdiff_t stride, std::
     }
 }
 
-void SumColumns(const float* from, const AxisWeights& columns, std::uint8_t* to) {
+void SumColumnsReference(const float* from, const AxisWeights& columns, std::uint8_t* to) {
     for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
         const PixelSum sum = SumOfTaps(from, columns[x]);
         for (int c = 0; c < kComponents; ++c) {
@@ -65,7 +65,7 @@ void SumColumns(const float* from, const AxisWeights& columns, std::uint8_t* to)
     }
 }
 
-void SumColumnsPremultiplied(const float* from, const AxisWeights& columns, std::uint8_t* to) {
+void SumColumnsPremultipliedReference(const float* from, const AxisWeights& columns, std::uint8_t* to) {
     for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
         const PixelSum sum = SumOfTaps(from, columns[x]);
         const bool isVisible = sum[3] >= 0.5F; // below, alpha rounds to nothing and there is no colour

@@ -1,0 +1,74 @@
+// Deflating the filtered rows of a picture, see Deflate.h.
+#include "imaging/codecs/Deflate.h"
+
+#include "imaging/ImagingError.h"
+#include "imaging/codecs/ByteReader.h"
+
+#include <zlib.h>
+
+namespace pictorel::codecs {
+namespace {
+
+struct Effort {
+    int level;
+    int strategy;
+};
+constexpr Effort kRuns{1, Z_RLE};
+constexpr Effort kSampleStrings{4, Z_DEFAULT_STRATEGY};
+constexpr Effort kStrings{6, Z_DEFAULT_STRATEGY};
+constexpr std::size_t kSampleBytes = 32U << 10; // each: a whole window, so that strings show
+constexpr std::size_t kSamples = 3;
+constexpr double kWorthwhile = 0.95;            // strings take five times as long
+
+ByteBuffer DeflateWith(Effort effort, ByteView data, DeflatePart part) {
+    constexpr int kLargestWindow = 15;
+    constexpr int kMemoryLevel = 9;
+    z_stream stream{};
+    if (deflateInit2(&stream, effort.level, Z_DEFLATED,
+                     part == DeflatePart::Whole ? kLargestWindow : -kLargestWindow, kMemoryLevel,
+                     effort.strategy) != Z_OK) {
+        throw ImagingError(ImagingFailure::OutOfMemory, "There is not enough memory to save this picture.");
+    }
+    ByteBuffer out;
+    try {
+        constexpr std::size_t kFlushBytes = 16; // beyond the bound: the empty block that ends a piece
+        out.resize(deflateBound(&stream, data.size()) + kFlushBytes);
+    } catch (...) {
+        deflateEnd(&stream);
+        throw;
+    }
+    stream.next_in = const_cast<Bytef*>(data.data()); // zlib does not write to it
+    stream.avail_in = static_cast<uInt>(data.size());
+    stream.next_out = out.data();
+    stream.avail_out = static_cast<uInt>(out.size());
+    deflate(&stream, part == DeflatePart::Piece ? Z_SYNC_FLUSH : Z_FINISH);
+    out.resize(stream.total_out);
+    deflateEnd(&stream);
+    return out;
+}
+
+// Pieces from all over the data: the rows of a drawing differ.
+ByteBuffer Sample(ByteView data) {
+    ByteBuffer sample;
+    for (std::size_t i = 0; i < kSamples; ++i) {
+        const ByteView piece = Slice(data, data.size() * (2 * i + 1) / (2 * kSamples), kSampleBytes);
+        sample.insert(sample.end(), piece.begin(), piece.end());
+    }
+    return sample;
+}
+
+Effort ChooseEffort(ByteView data) {
+    const ByteBuffer sample = Sample(data);
+    const auto runs = static_cast<double>(DeflateWith(kRuns, sample, DeflatePart::LastPiece).size());
+    const auto strings =
+        static_cast<double>(DeflateWith(kSampleStrings, sample, DeflatePart::LastPiece).size());
+    return strings < runs * kWorthwhile ? kStrings : kRuns;
+}
+
+} // namespace
+
+ByteBuffer Deflate(ByteView data, DeflatePart part) {
+    return DeflateWith(ChooseEffort(data), data, part);
+}
+
+} // namespace pictorel::codecs

@@ -1,0 +1,271 @@
+// What the operations on single pixels do to one row, in vectors, see PointRows.h. Sums and products are
+// taken in the order of the plain loops, so that both give the same bits.
+#include "imaging/engine/Luma.h"
+#include "imaging/engine/PointRows.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/engine/PointRowsSimd.cpp"
+#include <hwy/cache_control.h>
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace pictorel::engine::HWY_NAMESPACE {
+#if HWY_TARGET == HWY_SCALAR
+
+// Without vectors, the plain loops are what is best.
+using scalar::AddByLumaRow;
+using scalar::AddRow;
+using scalar::HueRow;
+using scalar::InvertRow;
+using scalar::LightnessRow;
+using scalar::LumaRow;
+using scalar::SaturationRow;
+using scalar::ThresholdRow;
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+constexpr int kComponents = PixelArray::kComponents;
+
+using Bytes = hn::ScalableTag<std::uint8_t>;
+using Pixels = hn::ScalableTag<std::uint32_t>; // one lane a pixel, blue in the lowest byte
+using Ints = hn::ScalableTag<std::int32_t>;
+using Floats = hn::ScalableTag<float>;
+using ByteVector = hn::Vec<Bytes>;
+using PixelVector = hn::Vec<Pixels>;
+using FloatVector = hn::Vec<Floats>;
+
+// Rows begin on 64-byte boundaries and have room up to the next one, so there is no rest shorter than a
+// vector. Results go past the cache: a picture is larger than it.
+template <class Change>
+void ChangeBytes(const std::uint8_t* in, std::uint8_t* out, int width, const Change& change) {
+    const Bytes bytes;
+    const std::size_t size = static_cast<std::size_t>(width) * kComponents;
+    for (std::size_t i = 0; i < size; i += hn::Lanes(bytes)) {
+        hn::Stream(change(hn::Load(bytes, in + i)), bytes, out + i);
+    }
+    hwy::FlushStream();
+}
+
+struct Colours {
+    FloatVector blue;
+    FloatVector green;
+    FloatVector red;
+};
+
+template <int kShift>
+FloatVector Component(PixelVector pixels) {
+    const auto component = hn::And(hn::ShiftRight<kShift>(pixels), hn::Set(Pixels(), 255));
+    return hn::ConvertTo(Floats(), hn::BitCast(Ints(), component));
+}
+
+Colours Split(PixelVector pixels) {
+    return {Component<0>(pixels), Component<8>(pixels), Component<16>(pixels)};
+}
+
+PixelVector RoundToBytes(FloatVector value) {
+    const Floats floats;
+    const auto clamped = hn::Min(hn::Max(value, hn::Zero(floats)), hn::Set(floats, 255.0F));
+    return hn::BitCast(Pixels(), hn::ConvertTo(Ints(), hn::Add(clamped, hn::Set(floats, 0.5F))));
+}
+
+template <class Change>
+void ChangeColours(const std::uint8_t* in, std::uint8_t* out, int width, const Change& change) {
+    const Bytes bytes;
+    const Pixels pixels;
+    const std::size_t size = static_cast<std::size_t>(width) * kComponents;
+    for (std::size_t i = 0; i < size; i += hn::Lanes(bytes)) {
+        const auto before = hn::BitCast(pixels, hn::Load(bytes, in + i));
+        const Colours after = change(Split(before));
+        const auto blueGreen = hn::Or(RoundToBytes(after.blue), hn::ShiftLeft<8>(RoundToBytes(after.green)));
+        const auto redAlpha =
+            hn::Or(hn::ShiftLeft<16>(RoundToBytes(after.red)), hn::And(before, hn::Set(pixels, 0xFF000000)));
+        hn::Stream(hn::BitCast(bytes, hn::Or(blueGreen, redAlpha)), bytes, out + i);
+    }
+    hwy::FlushStream();
+}
+
+// Exact: every product and sum is a whole number below 2^24.
+FloatVector ScaledLumaOf(const Colours& c) {
+    const Floats floats;
+    return hn::Add(
+        hn::Add(hn::Mul(c.blue, hn::Set(floats, kLumaBlue)), hn::Mul(c.green, hn::Set(floats, kLumaGreen))),
+        hn::Mul(c.red, hn::Set(floats, kLumaRed)));
+}
+
+// Rounding down after multiplying by the reciprocal is exact too: at a whole quotient the float product
+// rounds to the quotient, and the next value below it is further off than a float of this size resolves.
+hn::Vec<Ints> LumaOf(const Colours& c) {
+    const Floats floats;
+    const auto scaled = hn::Add(ScaledLumaOf(c), hn::Set(floats, kLumaUnit / 2));
+    return hn::ConvertTo(Ints(), hn::Mul(scaled, hn::Set(floats, 1.0F / kLumaUnit)));
+}
+
+// Three components and the same bytes of alpha that leave it alone.
+ByteVector Repeated(const std::array<std::uint8_t, 4>& pixel) {
+    const std::uint32_t lane = pixel[0] | std::uint32_t{pixel[1]} << 8 | std::uint32_t{pixel[2]} << 16 |
+                               std::uint32_t{pixel[3]} << 24;
+    return hn::BitCast(Bytes(), hn::Set(Pixels(), lane));
+}
+
+void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum) {
+    const ByteVector lowest = Repeated(sum.lowest);
+    const ByteVector highest = Repeated(sum.highest);
+    const ByteVector amount = Repeated(sum.amount);
+    ChangeBytes(in, out, width,
+                [&](ByteVector c) HWY_ATTR { return hn::Add(hn::Min(hn::Max(c, lowest), highest), amount); });
+}
+
+void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width) {
+    const ByteVector colourBits = Repeated({255, 255, 255, 0});
+    ChangeBytes(in, out, width, [&](ByteVector c) HWY_ATTR { return hn::Xor(c, colourBits); });
+}
+
+void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level) {
+    const Floats floats;
+    const auto least = hn::Set(floats, static_cast<float>(level * kLumaUnit));
+    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
+        const auto value = hn::IfThenElseZero(hn::Ge(ScaledLumaOf(c), least), hn::Set(floats, 255.0F));
+        return Colours{value, value, value};
+    });
+}
+
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor) {
+    const Floats floats;
+    const auto factors = hn::Set(floats, factor);
+    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
+        const auto luma = hn::Mul(ScaledLumaOf(c), hn::Set(floats, 1.0F / kLumaUnit));
+        const auto away = [&](FloatVector v)
+                              HWY_ATTR { return hn::Add(luma, hn::Mul(hn::Sub(v, luma), factors)); };
+        return Colours{away(c.blue), away(c.green), away(c.red)};
+    });
+}
+
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants) {
+    const Floats floats;
+    const auto zero = hn::Zero(floats);
+    const auto one = hn::Set(floats, 1.0F);
+    const auto two = hn::Set(floats, 2.0F);
+    const auto three = hn::Set(floats, 3.0F);
+    const auto four = hn::Set(floats, 4.0F);
+    const auto six = hn::Set(floats, 6.0F);
+    const auto turn = hn::Set(floats, sextants);
+    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
+        const auto lowest = hn::Min(hn::Min(c.blue, c.green), c.red);
+        const auto highest = hn::Max(hn::Max(c.blue, c.green), c.red);
+        const auto spread = hn::Sub(highest, lowest);
+        const auto perSpread = hn::Div(one, hn::Max(spread, one));
+        const auto atRed = hn::Mul(hn::Sub(c.green, c.blue), perSpread);
+        const auto atGreen = hn::Add(hn::Mul(hn::Sub(c.blue, c.red), perSpread), two);
+        const auto atBlue = hn::Add(hn::Mul(hn::Sub(c.red, c.green), perSpread), four);
+        auto hue = hn::IfThenElse(hn::Eq(c.green, highest), atGreen, atBlue);
+        hue = hn::IfThenElse(hn::Eq(c.red, highest),
+                             hn::IfThenElse(hn::Lt(atRed, zero), hn::Add(atRed, six), atRed), hue);
+        hue = hn::Add(hue, turn);
+        hue = hn::IfThenElse(hn::Ge(hue, six), hn::Sub(hue, six), hue);
+        const auto between = [&](FloatVector share) HWY_ATTR {
+            return hn::Add(lowest, hn::Mul(spread, hn::Min(hn::Max(share, zero), one)));
+        };
+        return Colours{between(hn::Sub(two, hn::Abs(hn::Sub(hue, four)))),
+                       between(hn::Sub(two, hn::Abs(hn::Sub(hue, two)))),
+                       between(hn::Sub(hn::Abs(hn::Sub(hue, three)), one))};
+    });
+}
+
+void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount) {
+    const Floats floats;
+    const auto half = hn::Set(floats, 0.5F);
+    const auto one = hn::Set(floats, 1.0F);
+    const auto full = hn::Set(floats, 255.0F);
+    const auto amounts = hn::Set(floats, amount);
+    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
+        const auto sum =
+            hn::Add(hn::Min(hn::Min(c.blue, c.green), c.red), hn::Max(hn::Max(c.blue, c.green), c.red));
+        const auto reach = amount > 0 ? hn::Sub(hn::Set(floats, 510.0F), sum) : sum;
+        const auto newSum = hn::Add(sum, hn::Mul(reach, amounts));
+        const auto room = hn::Max(hn::Sub(full, hn::Abs(hn::Sub(sum, full))), one);
+        const auto scale = hn::Div(hn::Sub(full, hn::Abs(hn::Sub(newSum, full))), room);
+        const auto middle = hn::Mul(sum, half);
+        const auto newMiddle = hn::Mul(newSum, half);
+        const auto moved = [&](FloatVector v)
+                               HWY_ATTR { return hn::Add(newMiddle, hn::Mul(hn::Sub(v, middle), scale)); };
+        return Colours{moved(c.blue), moved(c.green), moved(c.red)};
+    });
+}
+
+void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
+                  const std::array<std::int32_t, 256>& change) {
+    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
+        const auto added = hn::ConvertTo(Floats(), hn::GatherIndex(Ints(), change.data(), LumaOf(c)));
+        return Colours{hn::Add(c.blue, added), hn::Add(c.green, added), hn::Add(c.red, added)};
+    });
+}
+
+void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width) {
+    const Bytes bytes;
+    const Pixels pixels;
+    const std::size_t lanes = hn::Lanes(pixels);
+    for (std::size_t x = 0; x < static_cast<std::size_t>(width); x += lanes) {
+        const auto row = hn::BitCast(pixels, hn::Load(bytes, in + x * kComponents));
+        const auto value = hn::BitCast(pixels, LumaOf(Split(row)));
+        hn::StoreU(hn::U8FromU32(value), hn::Rebind<std::uint8_t, Pixels>(), luma + x);
+    }
+}
+
+#endif
+
+} // namespace pictorel::engine::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pictorel::engine {
+
+HWY_EXPORT(AddRow);
+HWY_EXPORT(InvertRow);
+HWY_EXPORT(ThresholdRow);
+HWY_EXPORT(SaturationRow);
+HWY_EXPORT(HueRow);
+HWY_EXPORT(LightnessRow);
+HWY_EXPORT(AddByLumaRow);
+HWY_EXPORT(LumaRow);
+
+namespace simd {
+
+void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum) {
+    HWY_DYNAMIC_DISPATCH(AddRow)(in, out, width, sum);
+}
+
+void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width) {
+    HWY_DYNAMIC_DISPATCH(InvertRow)(in, out, width);
+}
+
+void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level) {
+    HWY_DYNAMIC_DISPATCH(ThresholdRow)(in, out, width, level);
+}
+
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor) {
+    HWY_DYNAMIC_DISPATCH(SaturationRow)(in, out, width, factor);
+}
+
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants) {
+    HWY_DYNAMIC_DISPATCH(HueRow)(in, out, width, sextants);
+}
+
+void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount) {
+    HWY_DYNAMIC_DISPATCH(LightnessRow)(in, out, width, amount);
+}
+
+void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
+                  const std::array<std::int32_t, 256>& change) {
+    HWY_DYNAMIC_DISPATCH(AddByLumaRow)(in, out, width, change);
+}
+
+void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width) {
+    HWY_DYNAMIC_DISPATCH(LumaRow)(in, luma, width);
+}
+
+} // namespace simd
+} // namespace pictorel::engine
+#endif

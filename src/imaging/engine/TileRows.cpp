@@ -1,0 +1,219 @@
+// Loops over the components of rows and tiles, see TileRows.h.
+#include "imaging/engine/TileRows.h"
+
+#include "imaging/PixelArray.h"
+#include "imaging/engine/Rounding.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/engine/TileRows.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace pictorel::engine::HWY_NAMESPACE {
+
+constexpr int kComponents = PixelArray::kComponents;
+
+void WidenRow(const std::uint8_t* HWY_RESTRICT in, int width, bool hasAlpha,
+              WideComponent* HWY_RESTRICT wide) {
+    if (!hasAlpha) {
+        for (int i = 0; i < width * kComponents; ++i) {
+            wide[i] = static_cast<WideComponent>(in[i] * kWideUnit);
+        }
+        return;
+    }
+    for (int i = 0; i < width * kComponents; i += kComponents) {
+        const int alpha = in[i + 3] * kWideUnit;
+        for (int k = 0; k < 3; ++k) {
+            wide[i + k] = static_cast<WideComponent>((in[i + k] * alpha + 127) / 255);
+        }
+        wide[i + 3] = static_cast<WideComponent>(alpha);
+    }
+}
+
+void NarrowRow(const WideComponent* HWY_RESTRICT wide, int width, bool hasAlpha,
+               std::uint8_t* HWY_RESTRICT out) {
+    if (!hasAlpha) {
+        for (int i = 0; i < width * kComponents; ++i) {
+            out[i] = static_cast<std::uint8_t>((static_cast<unsigned>(wide[i]) + kWideUnit / 2) / kWideUnit);
+        }
+        return;
+    }
+    for (int i = 0; i < width * kComponents; i += kComponents) {
+        const float perAlpha = 255.0F / static_cast<float>(std::max<int>(wide[i + 3], 1));
+        for (int k = 0; k < 3; ++k) {
+            out[i + k] = RoundToByte(static_cast<float>(wide[i + k]) * perAlpha);
+        }
+        out[i + 3] = static_cast<std::uint8_t>((wide[i + 3] + kWideUnit / 2) / kWideUnit);
+    }
+}
+
+void SharpenRow(const std::uint8_t* HWY_RESTRICT in, const WideComponent* HWY_RESTRICT blurred, int width,
+                bool hasAlpha, float amount, std::uint8_t* HWY_RESTRICT out) {
+    if (!hasAlpha) { // alpha is 255 and, blurred, still is
+        for (int i = 0; i < width * kComponents; ++i) {
+            const auto c = static_cast<float>(in[i]);
+            out[i] = RoundToByte(c + amount * (c - static_cast<float>(blurred[i]) * (1.0F / kWideUnit)));
+        }
+        return;
+    }
+    for (int i = 0; i < width * kComponents; i += kComponents) {
+        const float perAlpha = 255.0F / static_cast<float>(std::max<int>(blurred[i + 3], 1));
+        for (int k = 0; k < 3; ++k) {
+            const auto c = static_cast<float>(in[i + k]);
+            out[i + k] = RoundToByte(c + amount * (c - static_cast<float>(blurred[i + k]) * perAlpha));
+        }
+        out[i + 3] = in[i + 3];
+    }
+}
+
+void BrightestOf(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, std::size_t count,
+                 std::uint8_t* HWY_RESTRICT out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        out[i] = a[i] < b[i] ? b[i] : a[i];
+    }
+}
+
+void DarkestOf(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, std::size_t count,
+               std::uint8_t* HWY_RESTRICT out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        out[i] = a[i] < b[i] ? a[i] : b[i];
+    }
+}
+
+void JoinAlpha(const std::uint8_t* HWY_RESTRICT colour, const std::uint8_t* HWY_RESTRICT alpha, int width,
+               std::uint8_t* HWY_RESTRICT out) {
+    constexpr std::uint32_t kAlphaBits = 0xFF000000; // the last of a pixel's four bytes
+    static_assert(std::endian::native == std::endian::little);
+    for (int i = 0; i < width * kComponents; i += kComponents) {
+        std::uint32_t pixel = 0;
+        std::uint32_t other = 0;
+        std::memcpy(&pixel, colour + i, sizeof pixel);
+        std::memcpy(&other, alpha + i, sizeof other);
+        pixel = (pixel & ~kAlphaBits) | (other & kAlphaBits);
+        std::memcpy(out + i, &pixel, sizeof pixel);
+    }
+}
+
+// What a component contributes to the sums of a picture that has alpha: premultiplied colour, scaled alpha.
+inline std::int32_t Premultiplied(const std::uint8_t* pixel, int k) {
+    return pixel[k] * (k == 3 ? 255 : pixel[3]);
+}
+
+void AddToMean(const std::uint8_t* HWY_RESTRICT row, int count, bool hasAlpha,
+               std::int32_t* HWY_RESTRICT whole) {
+    if (!hasAlpha) {
+        for (int i = 0; i < count; ++i) {
+            whole[i] += row[i];
+        }
+        return;
+    }
+    for (int i = 0; i < count; i += kComponents) {
+        for (int k = 0; k < kComponents; ++k) {
+            whole[i + k] += Premultiplied(row + i, k);
+        }
+    }
+}
+
+void SlideOpaque(const MeanStep& step, int count, std::int32_t* HWY_RESTRICT whole,
+                 std::uint8_t* HWY_RESTRICT out) {
+    const std::uint8_t* HWY_RESTRICT before = step.before;
+    const std::uint8_t* HWY_RESTRICT leaving = step.leaving;
+    const std::uint8_t* HWY_RESTRICT entering = step.entering;
+    const float tip = step.tip;
+    const float perLength = step.perLength;
+    for (int i = 0; i < count; ++i) {
+        const float sum = static_cast<float>(whole[i]) + tip * static_cast<float>(before[i] + entering[i]);
+        out[i] = RoundToByte(sum * perLength);
+        whole[i] += entering[i] - leaving[i];
+    }
+}
+
+void SlidePremultiplied(const MeanStep& step, int count, std::int32_t* HWY_RESTRICT whole,
+                        std::uint8_t* HWY_RESTRICT out) {
+    for (int i = 0; i < count; i += kComponents) {
+        float sums[kComponents];
+        for (int k = 0; k < kComponents; ++k) {
+            const std::int32_t enters = Premultiplied(step.entering + i, k);
+            const std::int32_t tips = Premultiplied(step.before + i, k) + enters;
+            sums[k] = static_cast<float>(whole[i + k]) + step.tip * static_cast<float>(tips);
+            whole[i + k] += enters - Premultiplied(step.leaving + i, k);
+        }
+        const float perAlpha = sums[3] > 0 ? 255.0F / sums[3] : 0.0F;
+        for (int k = 0; k < 3; ++k) {
+            out[i + k] = RoundToByte(sums[k] * perAlpha);
+        }
+        out[i + 3] = RoundToByte(sums[3] * step.perLength / 255.0F);
+    }
+}
+
+void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whole, std::uint8_t* out) {
+    hasAlpha ? SlidePremultiplied(step, count, whole, out) : SlideOpaque(step, count, whole, out);
+}
+
+void AddWeighted(const WideComponent* HWY_RESTRICT row, float weight, std::size_t count,
+                 float* HWY_RESTRICT sums) {
+    for (std::size_t i = 0; i < count; ++i) {
+        sums[i] += weight * static_cast<float>(row[i]);
+    }
+}
+
+} // namespace pictorel::engine::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pictorel::engine {
+
+HWY_EXPORT(WidenRow);
+HWY_EXPORT(NarrowRow);
+HWY_EXPORT(SharpenRow);
+HWY_EXPORT(BrightestOf);
+HWY_EXPORT(DarkestOf);
+HWY_EXPORT(JoinAlpha);
+HWY_EXPORT(AddToMean);
+HWY_EXPORT(SlideRow);
+HWY_EXPORT(AddWeighted);
+
+void WidenRow(const std::uint8_t* in, int width, bool hasAlpha, WideComponent* wide) {
+    HWY_DYNAMIC_DISPATCH(WidenRow)(in, width, hasAlpha, wide);
+}
+
+void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(NarrowRow)(wide, width, hasAlpha, out);
+}
+
+void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width, bool hasAlpha, float amount,
+                std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(SharpenRow)(in, blurred, width, hasAlpha, amount, out);
+}
+
+void BrightestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(BrightestOf)(a, b, count, out);
+}
+
+void DarkestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(DarkestOf)(a, b, count, out);
+}
+
+void JoinAlpha(const std::uint8_t* colour, const std::uint8_t* alpha, int width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(JoinAlpha)(colour, alpha, width, out);
+}
+
+void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole) {
+    HWY_DYNAMIC_DISPATCH(AddToMean)(row, count, hasAlpha, whole);
+}
+
+void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whole, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(SlideRow)(step, count, hasAlpha, whole, out);
+}
+
+void AddWeighted(const WideComponent* row, float weight, std::size_t count, float* sums) {
+    HWY_DYNAMIC_DISPATCH(AddWeighted)(row, weight, count, sums);
+}
+
+} // namespace pictorel::engine
+#endif

@@ -1,0 +1,46 @@
+// Loops over the components of rows and tiles. They are plain and have no result that depends on the kind of
+// vectors: the compiler turns each into vectors for every processor, and the best fit is chosen at run time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace pictorel::engine {
+
+// Wide components: 16-bit, in 1/64 of a level, colour premultiplied where the picture has alpha. The sum of
+// two still fits into 16 bits.
+using WideComponent = std::int16_t;
+inline constexpr int kWideUnit = 64;
+
+// 8-bit pixels to wide ones and back; the rows do not overlap.
+void WidenRow(const std::uint8_t* in, int width, bool hasAlpha, WideComponent* wide);
+void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t* out);
+
+// in + amount (in - blurred) in colour, alpha left alone.
+void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width, bool hasAlpha, float amount,
+                std::uint8_t* out);
+
+// The brighter or the darker of two components.
+void BrightestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out);
+void DarkestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out);
+
+// Colour of one row with the alpha of another.
+void JoinAlpha(const std::uint8_t* colour, const std::uint8_t* alpha, int width, std::uint8_t* out);
+
+// One step of a running mean over rows of `count` components: out = (whole + tip (before + entering))
+// perLength, then `entering` is added to `whole` and `leaving` taken off.
+struct MeanStep {
+    const std::uint8_t* before;
+    const std::uint8_t* leaving;
+    const std::uint8_t* entering;
+    float tip;
+    float perLength;
+};
+void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whole, std::uint8_t* out);
+// whole += row, as SlideRow adds it.
+void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole);
+
+// sums += weight x row.
+void AddWeighted(const WideComponent* row, float weight, std::size_t count, float* sums);
+
+} // namespace pictorel::engine

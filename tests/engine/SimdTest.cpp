@@ -1,0 +1,119 @@
+// The vector kernels against the plain loops, bit for bit, on every kind of vectors that this processor has.
+#include "engine/TestPictures.h"
+#include "imaging/engine/Convolution.h"
+#include "imaging/engine/PointRows.h"
+
+#include <hwy/targets.h>
+
+#include <functional>
+
+namespace pictorel::engine::test {
+namespace {
+
+// Runs body(name) with each kind of vectors in turn.
+void ForEachTarget(const std::function<void(const char*)>& body) {
+    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        body(hwy::TargetName(target));
+    }
+    hwy::SetSupportedTargetsForTest(0);
+}
+
+using RowFunction = std::function<void(const std::uint8_t* in, std::uint8_t* out, int width)>;
+
+struct Pair {
+    std::string name;
+    RowFunction plain;
+    RowFunction vectors;
+};
+
+PixelArray Apply(const PixelArray& source, const RowFunction& function) {
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    for (int y = 0; y < source.Height(); ++y) {
+        function(source.Row(y), rows + y * result.Stride(), source.Width());
+    }
+    return result;
+}
+
+std::vector<Pair> RowPairs() {
+    std::vector<Pair> pairs{{"invert", scalar::InvertRow, simd::InvertRow}};
+    const auto add = [&](const std::string& name, auto plain, auto vectors, auto parameter) {
+        pairs.push_back({name, [=](auto* in, auto* out, int width) { plain(in, out, width, parameter); },
+                         [=](auto* in, auto* out, int width) { vectors(in, out, width, parameter); }});
+    };
+    add("add", scalar::AddRow, simd::AddRow,
+        ClampedSum{{0, 255, 30, 0}, {55, 255, 255, 255}, {200, 1, 226, 0}});
+    std::array<std::int32_t, 256> change{};
+    for (std::size_t i = 0; i < change.size(); ++i) {
+        change[i] = static_cast<std::int32_t>(i * 37 % 511) - 255;
+    }
+    add("add by luma", scalar::AddByLumaRow, simd::AddByLumaRow, change);
+    for (const int level : {0, 1, 128, 255, 256}) {
+        add("threshold", scalar::ThresholdRow, simd::ThresholdRow, level);
+    }
+    for (const float amount : {-1.0F, -0.83F, -0.5F, -0.01F, 0.01F, 0.3F, 0.5F, 1.0F}) {
+        add("saturation", scalar::SaturationRow, simd::SaturationRow, 1 + amount);
+        add("lightness", scalar::LightnessRow, simd::LightnessRow, amount);
+    }
+    for (const float sextants : {0.017F, 0.5F, 1.0F, 2.0F, 3.3F, 5.99F}) {
+        add("hue", scalar::HueRow, simd::HueRow, sextants);
+    }
+    return pairs;
+}
+
+TEST(Simd, PointRowsEqualPlainLoops) {
+    ForEachTarget([](const char* target) {
+        for (const Size size : {Size{1, 1}, {7, 5}, {33, 17}, {257, 3}, {400, 300}}) {
+            const PixelArray source = Random(size, Alpha::Random, 3);
+            for (const Pair& pair : RowPairs()) {
+                EXPECT_TRUE(SamePixels(Apply(source, pair.vectors), Apply(source, pair.plain)))
+                    << pair.name << " with " << target << " at " << size.width << " x " << size.height;
+            }
+        }
+    });
+}
+
+// Every colour there is on a grid of odd spacing, since rounding luma is exact only by a narrow argument.
+TEST(Simd, LumaEqualsPlainLoops) {
+    const PixelArray colours = Draw({256, 64 * 52}, [](int x, int y) {
+        return Pixel{static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y % 64 * 4 + x % 4),
+                     static_cast<std::uint8_t>(y / 64 * 5), 255};
+    });
+    ForEachTarget([&](const char* target) {
+        std::array<std::uint8_t, 256> plain{};
+        std::array<std::uint8_t, 256> vectors{};
+        for (int y = 0; y < colours.Height(); ++y) {
+            scalar::LumaRow(colours.Row(y), plain.data(), colours.Width());
+            simd::LumaRow(colours.Row(y), vectors.data(), colours.Width());
+            ASSERT_EQ(vectors, plain) << target << " row " << y;
+        }
+    });
+}
+
+TEST(Simd, ConvolutionEqualsPlainLoops) {
+    std::vector<WideComponent> in(4000);
+    std::mt19937 generator(7);
+    for (WideComponent& component : in) {
+        component = static_cast<WideComponent>(generator() % 3 == 0 ? 255 * kWideUnit
+                                                                    : generator() % (255 * kWideUnit));
+    }
+    ForEachTarget([&](const char* target) {
+        for (const double sigma : {0.3, 1.0, 2.0, 9.7, 10.0}) {
+            const HalfKernel kernel = GaussianKernel(sigma);
+            for (const std::ptrdiff_t step : {4, 52}) {
+                for (const std::size_t count : {1U, 4U, 15U, 31U, 68U, 129U}) {
+                    std::vector<WideComponent> plain(count);
+                    std::vector<WideComponent> vectors(count);
+                    scalar::Convolve(in.data() + 1900, step, kernel, plain.data(), count);
+                    Convolve(in.data() + 1900, step, kernel, vectors.data(), count);
+                    EXPECT_EQ(vectors, plain)
+                        << target << " sigma " << sigma << " step " << step << " count " << count;
+                }
+            }
+        }
+    });
+}
+
+} // namespace
+} // namespace pictorel::engine::test
