@@ -28,7 +28,11 @@ std::size_t RoundUp(std::size_t bytes, std::size_t unit) {
 }
 
 std::uint8_t* Allocate(std::size_t bytes, std::size_t alignment) {
-    auto* const address = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, bytes));
+    auto* address = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, bytes));
+    if (address == nullptr) {
+        TrimBufferPool(); // what the pool keeps for later may be what is missing now
+        address = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, bytes));
+    }
     if (address == nullptr) {
         throw ImagingError(ImagingFailure::OutOfMemory, "There is not enough memory for this picture.");
     }

@@ -9,6 +9,7 @@
 #include <QStandardPaths>
 
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <utility>
 
@@ -22,22 +23,32 @@ namespace {
 
 constexpr int kLongestPath = 254; // a buffer of 255 characters with its closing zero
 constexpr int kSecondsToSettle = 60;
-const auto kFolderPattern = QStringLiteral("pictorel-*");
-const auto kLockName = QStringLiteral("lock");
+constexpr QLatin1String kFolderPattern("pictorel-??????"); // as mkdtemp fills in the template below
+constexpr QLatin1String kLockName("lock");
 
 int OpenLock(const QString& folder, int flags) {
     const QByteArray name = QFile::encodeName(folder + u'/' + kLockName);
     return ::open(name.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | flags, S_IRUSR | S_IWUSR);
 }
 
-// Whether the folder is ours and nobody alive holds its lock. One without a lock may be a second old.
+// The system's temporary folder. Qt gives an empty path where TMPDIR names a folder that does not exist;
+// taken as a path, that would be the current folder, which is not ours to sweep.
+QString TemporaryRoot() {
+    const QString root = QDir::tempPath();
+    return QDir::isAbsolutePath(root) && QFileInfo(root).isDir() ? root : QStringLiteral(P_tmpdir);
+}
+
+// Whether the folder is ours and nobody alive holds its lock. One without a lock may be a second old; if it
+// is not, only an empty one is surely no folder of the person's own that happens to have such a name.
 bool IsAbandoned(const QFileInfo& folder) {
     if (folder.isSymLink() || folder.ownerId() != ::getuid()) {
         return false;
     }
     const int lock = OpenLock(folder.filePath(), 0);
     if (lock < 0) {
-        return folder.lastModified().secsTo(QDateTime::currentDateTime()) > kSecondsToSettle;
+        return folder.lastModified().secsTo(QDateTime::currentDateTime()) > kSecondsToSettle &&
+               QDir(folder.filePath())
+                   .isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     }
     const bool free = ::flock(lock, LOCK_EX | LOCK_NB) == 0;
     ::close(lock);
@@ -84,7 +95,7 @@ QString GetSpecialPath(int folderNumber) {
 }
 
 WorkingFolder::WorkingFolder() {
-    SweepAbandonedFolders(QDir::tempPath());
+    SweepAbandonedFolders(TemporaryRoot());
     Create();
 }
 
@@ -101,7 +112,7 @@ QString WorkingFolder::GetTempFolder() {
 }
 
 void WorkingFolder::Create() {
-    QByteArray name = QFile::encodeName(QDir::tempPath() + QStringLiteral("/pictorel-XXXXXX"));
+    QByteArray name = QFile::encodeName(TemporaryRoot() + QStringLiteral("/pictorel-XXXXXX"));
     if (name.size() + 1 > kLongestPath || ::mkdtemp(name.data()) == nullptr) { // mode 0700
         return;
     }

@@ -22,6 +22,9 @@ void FileConverter::SetOutputSize(std::int32_t width, std::int32_t height) {
 }
 
 void FileConverter::Convert(const std::string& source, const std::string& target) {
+    if (width_ < 1 || height_ < 1) {
+        throw ImagingError(ImagingFailure::InvalidValue, "No size is set for the converted picture.");
+    }
     PixelArray picture = memory_->PixelsOf(source);
     if (picture.IsEmpty() && !codec_.Read(source, picture)) {
         throw ImagingError(ImagingFailure::UnsupportedFormat, "The file " + source + " is no picture.");

@@ -7,11 +7,20 @@ namespace pictorel {
 
 void WorkingFileMemory::Remember(const std::string& fileName, const PixelArray& picture) {
     if (picture.Reduction() != 1.0) {
-        return; // a reduced copy must not push out the picture that it was made from
+        Forget(fileName); // a reduced copy must not push out the picture that it was made from
+        return;
     }
     fileName_ = fileName;
     linkedName_.clear();
     picture_ = picture;
+}
+
+void WorkingFileMemory::Forget(const std::string& fileName) {
+    if (fileName == fileName_) {
+        *this = WorkingFileMemory();
+    } else if (fileName == linkedName_) {
+        linkedName_.clear();
+    }
 }
 
 std::optional<std::string> WorkingFileMemory::FileOf(const PixelArray& picture) const {
@@ -23,13 +32,17 @@ std::optional<std::string> WorkingFileMemory::FileOf(const PixelArray& picture) 
 
 PixelArray WorkingFileMemory::PixelsOf(const std::string& fileName) const {
     const bool known = !fileName.empty() && (fileName == fileName_ || fileName == linkedName_);
-    return known ? picture_ : PixelArray();
+    std::error_code error;
+    return known && std::filesystem::exists(fileName, error) ? picture_ : PixelArray();
 }
 
 bool WorkingFileMemory::LinkAs(const std::string& fileName, const PixelArray& picture) {
     const auto file = FileOf(picture);
     if (!file) {
         return false;
+    }
+    if (fileName == *file) {
+        return true; // it holds the picture already, and removing it for the link would lose it
     }
     // Working files are only ever replaced as a whole, so two names of one file never disturb each other.
     std::error_code error;

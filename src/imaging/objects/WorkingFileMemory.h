@@ -17,13 +17,16 @@ class WorkingFileMemory {
     // The file that holds exactly this picture, if it is the one remembered and still there.
     std::optional<std::string> FileOf(const PixelArray& picture) const;
 
-    // The pixels in the file, if it is the one remembered; an empty array otherwise.
+    // The pixels in the file, if it is the one remembered and still there; an empty array otherwise.
     PixelArray PixelsOf(const std::string& fileName) const;
 
-    // Gives the remembered file a second name. False where the file system cannot.
+    // Makes sure that the file of this name holds the picture, by giving the remembered file a second name.
+    // False where the picture is in no remembered file, or where the file system cannot.
     bool LinkAs(const std::string& fileName, const PixelArray& picture);
 
   private:
+    void Forget(const std::string& fileName); // it holds something else from now on
+
     std::string fileName_;
     std::string linkedName_;
     PixelArray picture_;
