@@ -3,6 +3,7 @@
 
 #include "imaging/codecs/Bmp.h"
 #include "imaging/codecs/JpegCodec.h"
+#include "imaging/codecs/Tiff.h"
 
 #include <algorithm>
 #include <array>
@@ -14,6 +15,7 @@ namespace {
 // Asked from the top: those with a sure signature first.
 constexpr std::array kCodecs{
     Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},
+    Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
 };
 
