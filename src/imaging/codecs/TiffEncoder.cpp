@@ -22,7 +22,6 @@
 namespace pictorel::codecs {
 namespace {
 
-constexpr int kCompressionLevel = 2; // of zlib: beyond it, photographs take far longer for very little
 constexpr std::size_t kStripBytes = std::size_t{256} << 10; // before compression
 constexpr std::string_view kSoftware("Pictorel\0", 9);
 
@@ -48,32 +47,54 @@ void PredictRow(const std::uint8_t* bgra, std::uint8_t* out, int pixels) noexcep
     }
 }
 
-// A Deflate stream that is set up once and used for strip after strip.
-class StripCompressor {
+// A Deflate stream that is set up once and used again and again.
+class Deflater {
   public:
-    StripCompressor() {
-        if (deflateInit(&stream_, kCompressionLevel) != Z_OK) {
+    Deflater(int level, int strategy) {
+        constexpr int kWindowBits = 15;
+        constexpr int kMemoryLevel = 8;
+        if (deflateInit2(&stream_, level, Z_DEFLATED, kWindowBits, kMemoryLevel, strategy) != Z_OK) {
             throw ImagingError(ImagingFailure::OutOfMemory, "There is not enough memory to compress.");
         }
     }
-    ~StripCompressor() { deflateEnd(&stream_); }
-    StripCompressor(const StripCompressor&) = delete;
-    StripCompressor& operator=(const StripCompressor&) = delete;
+    ~Deflater() { deflateEnd(&stream_); }
+    Deflater(const Deflater&) = delete;
+    Deflater& operator=(const Deflater&) = delete;
 
-    ByteBuffer Compress(ByteBuffer& samples) {
+    ByteView Compress(ByteView bytes) {
         deflateReset(&stream_);
-        room_.resize(deflateBound(&stream_, samples.size()));
-        stream_.next_in = samples.data();
-        stream_.avail_in = static_cast<uInt>(samples.size());
+        room_.resize(deflateBound(&stream_, bytes.size()));
+        stream_.next_in = const_cast<Bytef*>(bytes.data()); // only read
+        stream_.avail_in = static_cast<uInt>(bytes.size());
         stream_.next_out = room_.data();
         stream_.avail_out = static_cast<uInt>(room_.size());
         deflate(&stream_, Z_FINISH); // always ends: there is room for the worst case
-        return {room_.begin(), room_.begin() + static_cast<std::ptrdiff_t>(stream_.total_out)};
+        return ByteView(room_).first(stream_.total_out);
     }
 
   private:
     z_stream stream_{};
     ByteBuffer room_;
+};
+
+// Looking for repeated strings costs a photograph most of the time and makes it no smaller, since its noise
+// never repeats, while drawings and screens live from it. A piece of each strip tells which it is.
+class StripCompressor {
+  public:
+    ByteView Compress(ByteView samples) {
+        constexpr std::size_t kPiece = 8192;
+        const std::size_t piece = std::min(kPiece, samples.size());
+        const ByteView middle = samples.subspan((samples.size() - piece) / 2, piece);
+        const std::size_t packedAsRuns = runs_.Compress(middle).size();
+        const std::size_t packedAsStrings = strings_.Compress(middle).size();
+        constexpr std::size_t kFlat = kPiece / 16; // so even that either way is fast
+        const bool repeats = packedAsRuns < kFlat || packedAsStrings < packedAsRuns - packedAsRuns / 10;
+        return (repeats ? strings_ : runs_).Compress(samples);
+    }
+
+  private:
+    Deflater runs_{1, Z_RLE};
+    Deflater strings_{4, Z_DEFAULT_STRATEGY}; // beyond level 4, time rises and little is won
 };
 
 std::vector<ByteBuffer> CompressStrips(const PixelArray& picture, std::size_t channels, int rowsPerStrip) {
@@ -93,7 +114,8 @@ std::vector<ByteBuffer> CompressStrips(const PixelArray& picture, std::size_t ch
                 const auto predict = channels == 4 ? PredictRow<4> : PredictRow<3>;
                 predict(picture.Row(firstRow + y), out, picture.Width());
             }
-            strips[static_cast<std::size_t>(strip)] = compressor.Compress(samples);
+            const ByteView packed = compressor.Compress(samples);
+            strips[static_cast<std::size_t>(strip)].assign(packed.begin(), packed.end());
         }
     });
     return strips;
