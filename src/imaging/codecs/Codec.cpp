@@ -4,6 +4,7 @@
 #include "imaging/codecs/Bmp.h"
 #include "imaging/codecs/JpegCodec.h"
 #include "imaging/codecs/Png.h"
+#include "imaging/codecs/Tiff.h"
 
 #include <algorithm>
 #include <array>
@@ -16,6 +17,7 @@ namespace {
 constexpr std::array kCodecs{
     Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},
     Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
+    Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
 };
 
