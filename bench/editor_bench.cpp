@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QStyleFactory>
 #include <QTimer>
@@ -133,7 +134,7 @@ int main(int count, char* words[]) {
         std::fprintf(stderr, "editor_bench PHOTO.jpg\n");
         return 1;
     }
-    const QString photo = QString::fromLocal8Bit(words[1]);
+    const QString photo = QFileInfo(QString::fromLocal8Bit(words[1])).absoluteFilePath();
     frmMain window;
     StartUp startUp(window);
     QTimer closer;
