@@ -9,7 +9,6 @@
 namespace pictorel::engine {
 namespace {
 
-using testing::Filled;
 using testing::Pixel;
 using testing::PixelAt;
 using testing::Same;

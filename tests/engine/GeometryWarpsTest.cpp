@@ -161,7 +161,7 @@ TEST(WarpDirections, PointsGoWhereTheDirectMapsSay) {
 }
 
 using WarpFunction = PixelArray (*)(const PixelArray&, double);
-const struct {
+constexpr struct {
     const char* name;
     WarpFunction warp;
 } kWarps[] = {

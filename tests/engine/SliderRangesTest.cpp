@@ -19,7 +19,7 @@ struct Slider {
     PixelArray (*operation)(const PixelArray&, int);
 };
 
-const Slider kSliders[] = {
+constexpr Slider kSliders[] = {
     {"rotate", 0, 360, 7, [](const PixelArray& p, int v) { return Rotate(p, v, kBackground); }},
     {"skew v", -90, 90, 5, [](const PixelArray& p, int v) { return Skew(p, true, v, kBackground); }},
     {"skew h", -90, 90, 5, [](const PixelArray& p, int v) { return Skew(p, false, v, kBackground); }},

@@ -134,7 +134,7 @@ TEST(Diffuse, TakesNeighboursWithTheGivenProbability) {
                 ASSERT_LE(std::abs(dx), 2);
                 ASSERT_LE(std::abs(dy), 2);
                 moved += dx != 0 || dy != 0 ? 1 : 0;
-                ++across[static_cast<std::size_t>(dx + 2)];
+                ++across.at(dx + 2);
             }
         }
         // The pixel itself is one of its 25 neighbours.

@@ -1,7 +1,7 @@
 // Tiling reduced copies over the canvas, see Geometry.h.
 #include "imaging/ForEachBand.h"
 #include "imaging/engine/Geometry.h"
-#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Parameters.h"
 #include "imaging/engine/Resample.h"
 #include "imaging/engine/ResampleSeparable.h"
 
@@ -47,7 +47,9 @@ class TileCopies {
     }
 
   private:
-    static std::size_t Index(int wider, int taller) { return static_cast<std::size_t>(2 * taller + wider); }
+    static std::size_t Index(int wider, int taller) {
+        return 2 * static_cast<std::size_t>(taller) + static_cast<std::size_t>(wider);
+    }
 
     int width_;
     int height_;
@@ -117,7 +119,7 @@ int PictureLength(int length, double reduction) {
 } // namespace
 
 PixelArray Reproduce(const PixelArray& source, int count) {
-    RequireWithin(count, 1, kMaximumSide, "The number of copies");
+    RequireRange("the number of copies", count, 1, kMaximumSide);
     CheckPictureSize(source.Width(), source.Height());
     if (count == 1) {
         return source;

@@ -20,7 +20,7 @@
 // Twirl turns a point at the distance r from the centre as rotation does, by
 // degrees (1 - 3 t^2 + 2 t^3), t = r / R, R half the shorter side.
 #include "imaging/engine/Geometry.h"
-#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Parameters.h"
 #include "imaging/engine/WarpDriver.h"
 #include "imaging/engine/WholePixel.h"
 
@@ -34,6 +34,7 @@ namespace pictorel::engine {
 namespace {
 
 constexpr int kPixelBytes = PixelArray::kComponents;
+constexpr double kManyTurns = 360e6; // any angle but infinities
 
 double Radians(double degrees) {
     return degrees * (std::numbers::pi / 180);
@@ -227,7 +228,7 @@ struct TwirlMap : CanvasMap {
 } // namespace
 
 PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t background) {
-    RequireFinite(degrees, "The angle of rotation");
+    RequireRange("the angle of rotation", degrees, -kManyTurns, kManyTurns);
     const double turn = std::fmod(degrees, 360.0);
     const double positive = turn < 0 ? turn + 360 : turn;
     if (positive == 0 || positive == 360) {
@@ -248,7 +249,7 @@ PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t backgr
 }
 
 PixelArray Skew(const PixelArray& source, bool vertical, double degrees, std::uint32_t background) {
-    RequireWithin(degrees, -90, 90, "The angle of the skew");
+    RequireRange("the angle of the skew", degrees, -90, 90);
     if (degrees == 0) {
         return source;
     }
@@ -259,7 +260,7 @@ PixelArray Skew(const PixelArray& source, bool vertical, double degrees, std::ui
 }
 
 PixelArray Perspective(const PixelArray& source, bool vertical, double degrees, std::uint32_t background) {
-    RequireWithin(degrees, -90, 90, "The angle of the perspective");
+    RequireRange("the angle of the perspective", degrees, -90, 90);
     if (degrees == 0) {
         return source;
     }
@@ -273,7 +274,7 @@ PixelArray Perspective(const PixelArray& source, bool vertical, double degrees, 
 }
 
 PixelArray Twirl(const PixelArray& source, double degrees, std::uint32_t background) {
-    RequireFinite(degrees, "The angle of the twirl");
+    RequireRange("the angle of the twirl", degrees, -kManyTurns, kManyTurns);
     if (degrees == 0) {
         return source;
     }

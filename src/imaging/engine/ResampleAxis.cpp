@@ -31,7 +31,7 @@ LanczosRun LanczosAround(double centre, double width, int sourceLength) {
     const int first = std::max(static_cast<int>(std::ceil(centre - 0.5 - kLobes * scale)), 0);
     const int last = std::min(static_cast<int>(std::floor(centre - 0.5 + kLobes * scale)), sourceLength - 1);
     LanczosRun run{first, {}};
-    run.weights.reserve(static_cast<std::size_t>(last - first + 1));
+    run.weights.reserve(static_cast<std::size_t>(last) - static_cast<std::size_t>(first) + 1);
     for (int i = first; i <= last; ++i) {
         run.weights.push_back(Lanczos((i + 0.5 - centre) / scale));
     }

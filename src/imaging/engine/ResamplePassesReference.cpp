@@ -1,5 +1,6 @@
 // The two passes of ResampleSeparable.h by plain scalar code.
 #include "imaging/engine/ResampleSeparable.h"
+#include "imaging/engine/Rounding.h"
 
 #include <algorithm>
 #include <array>
@@ -10,20 +11,20 @@ namespace {
 constexpr int kComponents = PixelArray::kComponents;
 using PixelSum = std::array<float, kComponents>;
 
-std::uint8_t ToByte(float value) {
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
-}
-
+// Every other tap into a sum of its own, as the vector code does so that additions need not wait for each
+// other.
 PixelSum SumOfTaps(const float* from, const AxisWeights::Taps& taps) {
-    PixelSum sum{};
+    std::array<PixelSum, 2> sums{};
     const float* pixel = from + static_cast<std::ptrdiff_t>(taps.first) * kComponents;
-    for (const float weight : taps.weights) {
+    for (std::size_t i = 0; i < taps.weights.size(); ++i, pixel += kComponents) {
         for (int c = 0; c < kComponents; ++c) {
-            sum[c] += weight * pixel[c];
+            sums[i % 2][c] += taps.weights[i] * pixel[c];
         }
-        pixel += kComponents;
     }
-    return sum;
+    for (int c = 0; c < kComponents; ++c) {
+        sums[0][c] += sums[1][c];
+    }
+    return sums[0];
 }
 
 } // namespace
@@ -46,11 +47,10 @@ void SumRowsPremultipliedReference(const std::uint8_t* from, std::ptrdiff_t stri
     std::fill_n(to, components, 0.0F);
     for (const float weight : weights) {
         for (int i = 0; i < components; i += kComponents) {
-            const float share = weight * static_cast<float>(from[i + 3]);
             for (int c = 0; c < 3; ++c) {
-                to[i + c] += share * static_cast<float>(from[i + c]);
+                to[i + c] += weight * static_cast<float>(from[i + c] * from[i + 3]);
             }
-            to[i + 3] += share;
+            to[i + 3] += weight * static_cast<float>(from[i + 3]);
         }
         from += stride;
     }
@@ -60,7 +60,7 @@ void SumColumnsReference(const float* from, const AxisWeights& columns, std::uin
     for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
         const PixelSum sum = SumOfTaps(from, columns[x]);
         for (int c = 0; c < kComponents; ++c) {
-            to[c] = ToByte(sum[c]);
+            to[c] = RoundToByte(sum[c]);
         }
     }
 }
@@ -70,9 +70,9 @@ void SumColumnsPremultipliedReference(const float* from, const AxisWeights& colu
         const PixelSum sum = SumOfTaps(from, columns[x]);
         const bool isVisible = sum[3] >= 0.5F; // below, alpha rounds to nothing and there is no colour
         for (int c = 0; c < 3; ++c) {
-            to[c] = isVisible ? ToByte(sum[c] / sum[3]) : 0;
+            to[c] = isVisible ? RoundToByte(sum[c] / sum[3]) : 0;
         }
-        to[3] = ToByte(sum[3]);
+        to[3] = RoundToByte(sum[3]);
     }
 }
 

@@ -73,7 +73,7 @@ HWY_INLINE int SumRowGroups(const std::uint8_t* from, std::ptrdiff_t stride, std
         for (const float weight : weights) {
             const Wide factor = hn::Set(kWide, weight);
             for (int k = 0; k < kVectors; ++k) {
-                sums[k] = hn::MulAdd(load(row + k * lanes), factor, sums[k]);
+                sums[k] = hn::Add(sums[k], hn::Mul(load(row + k * lanes), factor));
             }
             row += stride;
         }
@@ -104,6 +104,11 @@ void SumRowsPremultipliedRun(const std::uint8_t* from, std::ptrdiff_t stride, st
     SumRowsPremultipliedReference(from + done, stride, weights, rest, to + done);
 }
 
+// No fused product and sum: every processor is to give the same picture.
+HWY_INLINE Pixel AddTap(Pixel sum, const float* pixel, float weight) {
+    return hn::Add(sum, hn::Mul(hn::LoadU(kPixel, pixel), hn::Set(kPixel, weight)));
+}
+
 // Two sums side by side, since each addition waits for the one before.
 HWY_INLINE Pixel SumOfTaps(const float* from, const AxisWeights::Taps& taps) {
     Pixel even = hn::Zero(kPixel);
@@ -113,11 +118,11 @@ HWY_INLINE Pixel SumOfTaps(const float* from, const AxisWeights::Taps& taps) {
     const std::size_t count = taps.weights.size();
     std::size_t i = 0;
     for (; i + 2 <= count; i += 2, pixel += 2 * kComponents) {
-        even = hn::MulAdd(hn::LoadU(kPixel, pixel), hn::Set(kPixel, weights[i]), even);
-        odd = hn::MulAdd(hn::LoadU(kPixel, pixel + kComponents), hn::Set(kPixel, weights[i + 1]), odd);
+        even = AddTap(even, pixel, weights[i]);
+        odd = AddTap(odd, pixel + kComponents, weights[i + 1]);
     }
     if (i < count) {
-        even = hn::MulAdd(hn::LoadU(kPixel, pixel), hn::Set(kPixel, weights[i]), even);
+        even = AddTap(even, pixel, weights[i]);
     }
     return hn::Add(even, odd);
 }

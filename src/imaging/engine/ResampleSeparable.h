@@ -23,8 +23,7 @@ void SumRowsPremultiplied(const std::uint8_t* from, std::ptrdiff_t stride, std::
 void SumColumns(const float* from, const AxisWeights& columns, std::uint8_t* to);
 void SumColumnsPremultiplied(const float* from, const AxisWeights& columns, std::uint8_t* to);
 
-// The same by plain scalar code, equal but for the rounding of single precision: what the above are tested
-// against.
+// The same results by plain scalar code: what the above are tested against.
 void SumRowsReference(const std::uint8_t* from, std::ptrdiff_t stride, std::span<const float> weights,
                       int pixels, float* to);
 void SumRowsPremultipliedReference(const std::uint8_t* from, std::ptrdiff_t stride,

@@ -7,11 +7,12 @@
 // noise, emboss and halftone, moved along by diffuse, averaged (on premultiplied colour) by mosaic.
 namespace pictorel::engine {
 
-// Adds evenly spread noise of amplitude 255 percent/100, per channel: a pure function of the position.
+// Adds evenly spread noise of amplitude 255 percent/100, per channel: a pure function of the position. A
+// reduced copy gets what averaging leaves of it. 0 is neutral.
 PixelArray Noise(const PixelArray& source, int percent);
 
-// With the probability `percent` %, a random neighbour within `radius` pixels: a pure function of the
-// position.
+// With the probability `percent` %, a random pixel of the square of `radius` around it: a pure function of
+// the position. Below half size a reduced copy gets the expected value, a slight blur. 0 is neutral.
 PixelArray Diffuse(const PixelArray& source, int radius, double percent);
 
 // The mean of size x size blocks from the top left corner; 0 and 1 are neutral.

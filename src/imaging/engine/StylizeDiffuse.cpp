@@ -1,7 +1,8 @@
 // Diffuse: pixels change places with random neighbours, see Stylize.h.
 #include "imaging/ForEachBand.h"
-#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Parameters.h"
 #include "imaging/engine/ResampleSeparable.h"
+#include "imaging/engine/Rounding.h"
 #include "imaging/engine/Stylize.h"
 #include "imaging/engine/StylizeRandom.h"
 #include "imaging/engine/WholePixel.h"
@@ -58,11 +59,11 @@ AxisWeights BoxOfVariance(int length, double variance) {
     const double endWeight =
         half == 0 ? 1 : (variance * (2 * half - 1) - inner) / (2.0 * half * half - 2 * variance);
     AxisWeights axis;
-    std::vector<double> weights(static_cast<std::size_t>(std::min(length, 2 * half + 1)));
+    std::vector<double> weights;
     for (int i = 0; i < length; ++i) {
         const int first = std::max(i - half, 0);
         const int last = std::min(i + half, length - 1);
-        weights.assign(static_cast<std::size_t>(last - first + 1), 0.0);
+        weights.assign(static_cast<std::size_t>(last) - static_cast<std::size_t>(first) + 1, 0.0);
         for (int d = -half; d <= half; ++d) {
             const int sample = std::clamp(i + d, 0, length - 1);
             weights[static_cast<std::size_t>(sample - first)] += std::abs(d) == half ? endWeight : 1.0;
@@ -91,9 +92,9 @@ PixelArray ExpectedScatter(const PixelArray& source, int radius, double percent)
             const double alpha = keptAlpha + movedAlpha;
             for (int c = 4 * x; c < 4 * x + 3; ++c) {
                 const double colour = alpha == 0 ? 0 : (keptAlpha * kept[c] + movedAlpha * to[c]) / alpha;
-                to[c] = static_cast<std::uint8_t>(colour + 0.5);
+                to[c] = RoundToByte(colour);
             }
-            to[4 * x + 3] = static_cast<std::uint8_t>(alpha + 0.5);
+            to[4 * x + 3] = RoundToByte(alpha);
         }
     }
     return result;
@@ -102,8 +103,8 @@ PixelArray ExpectedScatter(const PixelArray& source, int radius, double percent)
 } // namespace
 
 PixelArray Diffuse(const PixelArray& source, int radius, double percent) {
-    RequireWithin(radius, 0, kMaximumSide, "The radius of diffusion");
-    RequireWithin(percent, 0, 100, "The percentage of diffusion");
+    RequireRange("the radius of diffusion", radius, 0, kMaximumSide);
+    RequireRange("diffusion", percent, 0, 100);
     if (radius == 0 || percent == 0) {
         return source;
     }

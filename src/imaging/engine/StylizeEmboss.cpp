@@ -1,8 +1,9 @@
 // Emboss: a grey relief lit from one side, see Stylize.h.
 #include "imaging/ForEachBand.h"
-#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Luma.h"
+#include "imaging/engine/Parameters.h"
+#include "imaging/engine/Rounding.h"
 #include "imaging/engine/Stylize.h"
-#include "imaging/engine/StylizeLuma.h"
 #include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
@@ -13,6 +14,10 @@
 
 namespace pictorel::engine {
 namespace {
+
+float LumaOf(const std::uint8_t* pixel) {
+    return static_cast<float>(ScaledLuma(pixel)) * (1.0F / kLumaUnit);
+}
 
 // Luma of the whole picture moved by a fraction of a pixel or more, row by row, with cubic convolution (Keys
 // 1981, a = -0.5). Rows are asked for in ascending order and each needs four source rows, three of which the
@@ -81,11 +86,11 @@ class ShiftedLuma {
         const int first = std::clamp(-columns_, 0, length); // the first that lies in the picture
         const int end = std::clamp(width - columns_, first, length);
         float* const to = luma_.data();
-        std::fill(to, to + first, LumaOf(LoadPixel(from)));
+        std::fill(to, to + first, LumaOf(from));
         for (int i = first; i < end; ++i) {
-            to[i] = LumaOf(LoadPixel(from + (i + columns_) * 4));
+            to[i] = LumaOf(from + (i + columns_) * 4);
         }
-        std::fill(to + end, to + length, LumaOf(LoadPixel(from + (width - 1) * 4)));
+        std::fill(to + end, to + length, LumaOf(from + (width - 1) * 4));
     }
 
     const PixelArray& source_;
@@ -100,9 +105,9 @@ class ShiftedLuma {
 } // namespace
 
 PixelArray Emboss(const PixelArray& source, double degrees, int height, double amount) {
-    RequireFinite(degrees, "The angle of the light");
-    RequireWithin(height, 0, kMaximumSide, "The height of the relief");
-    RequireFinite(amount, "The strength of the relief");
+    RequireRange("the angle of the light", degrees, -360e6, 360e6);
+    RequireRange("the height of the relief", height, 0, kMaximumSide);
+    RequireRange("the strength of the relief", amount, -1000, 1000);
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
     const double angle = degrees * (std::numbers::pi / 180);
@@ -122,8 +127,7 @@ PixelArray Emboss(const PixelArray& source, double degrees, int height, double a
             std::uint8_t* const to = rows + y * result.Stride();
             for (int x = 0; x < result.Width(); ++x) {
                 const auto i = static_cast<std::size_t>(x);
-                const float relief = std::clamp(128 + gain * (light[i] - shade[i]), 0.0F, 255.0F);
-                const auto grey = static_cast<std::uint32_t>(static_cast<std::int32_t>(relief + 0.5F));
+                const std::uint32_t grey = RoundToByte(128 + gain * (light[i] - shade[i]));
                 const std::uint32_t alpha = LoadPixel(from + 4 * x) & 0xFF000000U;
                 StorePixel(to + 4 * x, grey * 0x010101U | alpha);
             }

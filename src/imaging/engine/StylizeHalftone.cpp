@@ -5,10 +5,10 @@
 // black part of a cell is exactly the wanted area: small round dots in light tones, a chequerboard at one
 // half, round white holes in dark tones.
 #include "imaging/ForEachBand.h"
-#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Luma.h"
+#include "imaging/engine/Parameters.h"
 #include "imaging/engine/Resample.h"
 #include "imaging/engine/Stylize.h"
-#include "imaging/engine/StylizeLuma.h"
 #include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
@@ -144,9 +144,9 @@ PixelArray Toned(const PixelArray& source, const std::array<Tone, 256>& tones, G
             const std::uint8_t* const from = source.Row(y);
             std::uint8_t* const to = rows + y * result.Stride();
             for (int x = 0; x < result.Width(); ++x) {
-                const std::uint32_t pixel = LoadPixel(from + 4 * x);
-                const Tone& tone = tones[static_cast<std::size_t>(LumaOf(pixel) + 0.5F)];
-                StorePixel(to + 4 * x, grey(x, tone) * 0x010101U | (pixel & 0xFF000000U));
+                const Tone& tone = tones[static_cast<std::size_t>(Luma(from + 4 * x))];
+                const std::uint32_t alpha = LoadPixel(from + 4 * x) & 0xFF000000U;
+                StorePixel(to + 4 * x, grey(x, tone) * 0x010101U | alpha);
             }
         }
     });
@@ -184,8 +184,8 @@ PixelArray ReducedDots(const PixelArray& source, double cell, double gain) {
 } // namespace
 
 PixelArray Halftone(const PixelArray& source, int size, double gain) {
-    RequireWithin(size, 0, kMaximumSide, "The size of the halftone dots");
-    RequireWithin(gain, 0, 1000, "The gain of the halftone");
+    RequireRange("the size of the halftone dots", size, 0, kMaximumSide);
+    RequireRange("the gain of the halftone", gain, 0, 1000);
     constexpr int kPixelsPerSize = 4;
     const double cell = std::max(size, 1) * kPixelsPerSize * source.Reduction();
     return source.Reduction() == 1 ? Dots(source, cell, gain) : ReducedDots(source, cell, gain);

@@ -1,6 +1,6 @@
 // Mosaic: blocks of one colour, see Stylize.h.
 #include "imaging/ForEachBand.h"
-#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Parameters.h"
 #include "imaging/engine/ResampleSeparable.h"
 #include "imaging/engine/Stylize.h"
 
@@ -125,7 +125,7 @@ PixelArray FractionalBlocks(const PixelArray& source, double size) {
 } // namespace
 
 PixelArray Mosaic(const PixelArray& source, int size) {
-    RequireWithin(size, 0, kMaximumSide, "The size of the mosaic");
+    RequireRange("the size of the mosaic", size, 0, kMaximumSide);
     const double scaledSize = size * source.Reduction();
     if (size <= 1 || scaledSize <= 1) {
         return source;

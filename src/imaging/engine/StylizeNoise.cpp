@@ -1,6 +1,7 @@
 // Noise, see Stylize.h.
 #include "imaging/ForEachBand.h"
-#include "imaging/engine/ParameterRange.h"
+#include "imaging/engine/Parameters.h"
+#include "imaging/engine/Rounding.h"
 #include "imaging/engine/Stylize.h"
 #include "imaging/engine/StylizeRandom.h"
 #include "imaging/engine/WholePixel.h"
@@ -43,13 +44,13 @@ class NoiseTable {
     }
 
     std::uint32_t Whole(std::uint32_t c, std::uint32_t step) const {
-        return static_cast<std::uint32_t>(std::clamp(static_cast<int>(c) + wholeNoise_[step], 0, 255));
+        return ClampToByte(static_cast<int>(c) + wholeNoise_[step]);
     }
 
     std::uint32_t Reduced(std::uint32_t c, std::uint32_t step) const {
         const float noise = static_cast<float>(NoiseOf(static_cast<int>(step), 1)) * amplitude_;
         const float noisy = std::clamp(static_cast<float>(c) + noise, 0.0F, 255.0F);
-        return static_cast<std::uint32_t>(means_[c] + reduction_ * (noisy - means_[c]) + 0.5F);
+        return RoundToByte(means_[c] + reduction_ * (noisy - means_[c]));
     }
 
   private:
@@ -75,7 +76,7 @@ void AddNoise(const std::uint8_t* from, int width, std::uint32_t randomRow, Chan
 } // namespace
 
 PixelArray Noise(const PixelArray& source, int percent) {
-    RequireWithin(percent, 0, 100, "The percentage of noise");
+    RequireRange("noise", percent, 0, 100);
     if (percent == 0) {
         return source;
     }

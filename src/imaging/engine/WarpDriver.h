@@ -3,6 +3,7 @@
 
 #include "imaging/ForEachBand.h"
 #include "imaging/PixelArray.h"
+#include "imaging/engine/Rounding.h"
 #include "imaging/engine/WarpSampler.h"
 
 #include <algorithm>
@@ -152,7 +153,8 @@ SamplePattern PatternFor(const Map& map, WarpPoint first, WarpPoint last) {
 inline std::int32_t ToSamplePosition(double position, int size) {
     constexpr double kBias = 128; // keeps what is truncated positive
     const double near = std::min(std::max(position, -kFarOutside), size + kFarOutside);
-    return static_cast<std::int32_t>((near + (kBias - 0.5)) * kPhases + 0.5) -
+    constexpr double kRounding = 0.5;
+    return static_cast<std::int32_t>((near + (kBias - 0.5)) * kPhases + kRounding) -
            static_cast<std::int32_t>(kBias) * kPhases;
 }
 
@@ -186,7 +188,7 @@ class SampleMean {
             if (hasAlpha_ && i % 4 != 3) {
                 factor = 1.0F / static_cast<float>(std::max(sums_[i | 3], 1));
             }
-            to[i] = static_cast<std::uint8_t>(static_cast<float>(sums_[i]) * factor + 0.5F);
+            to[i] = RoundToByte(static_cast<float>(sums_[i]) * factor);
         }
     }
 

@@ -1,7 +1,7 @@
 // Bicubic interpolation of runs of points by plain scalar code, see WarpSampler.h.
+#include "imaging/engine/Rounding.h"
 #include "imaging/engine/WarpKernel.h"
 
-#include <algorithm>
 #include <cstddef>
 
 namespace pictorel::engine {
@@ -25,10 +25,6 @@ Neighbourhood NeighbourhoodOf(const std::uint8_t* pixels, std::ptrdiff_t stride,
             kCubicTable[static_cast<std::size_t>(y & kPhaseMask)]};
 }
 
-std::uint8_t ToByte(std::int32_t value) {
-    return static_cast<std::uint8_t>(std::clamp(value, 0, 255));
-}
-
 void InterpolateOpaque(const Neighbourhood& n, std::ptrdiff_t stride, std::uint8_t* to) {
     for (int c = 0; c < kComponents; ++c) {
         std::int32_t sum = 1 << (kColumnShift - 1);
@@ -38,7 +34,7 @@ void InterpolateOpaque(const Neighbourhood& n, std::ptrdiff_t stride, std::uint8
                                         n.across[3] * p[12] + (1 << (kRowShift - 1));
             sum += n.down[row] * (rowSum >> kRowShift);
         }
-        to[c] = ToByte(sum >> kColumnShift);
+        to[c] = ClampToByte(sum >> kColumnShift);
     }
 }
 
@@ -68,9 +64,9 @@ void InterpolateWithAlpha(const Neighbourhood& n, std::ptrdiff_t stride, std::ui
     const bool isVisible = sums[3] >= kOne / 2;
     for (int c = 0; c < 3; ++c) {
         const float colour = isVisible ? sums[c] / sums[3] : 0;
-        to[c] = static_cast<std::uint8_t>(std::clamp(colour, 0.0F, 255.0F) + 0.5F);
+        to[c] = RoundToByte(colour);
     }
-    to[3] = static_cast<std::uint8_t>(std::clamp(sums[3] / kOne, 0.0F, 255.0F) + 0.5F);
+    to[3] = RoundToByte(sums[3] / kOne);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Bicubic sampling with an antialiased border, see WarpSampler.h.
 #include "imaging/engine/WarpSampler.h"
 
+#include "imaging/engine/Rounding.h"
 #include "imaging/engine/WarpKernel.h"
 #include "imaging/engine/WholePixel.h"
 
@@ -12,10 +13,6 @@ namespace pictorel::engine {
 namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
-
-std::uint8_t ToByte(double value) {
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0) + 0.5);
-}
 
 } // namespace
 
@@ -154,10 +151,10 @@ void WarpSampler::MixBackground(double coverage, std::uint8_t* pixel) const {
     const double pictureShare = coverage * pixel[3];
     const double backgroundShare = (1 - coverage) * 255;
     for (int c = 0; c < 3; ++c) {
-        pixel[c] = ToByte((pictureShare * pixel[c] + backgroundShare * background[c]) /
-                          (pictureShare + backgroundShare));
+        pixel[c] = RoundToByte((pictureShare * pixel[c] + backgroundShare * background[c]) /
+                               (pictureShare + backgroundShare));
     }
-    pixel[3] = ToByte(pictureShare + backgroundShare);
+    pixel[3] = RoundToByte(pictureShare + backgroundShare);
 }
 
 } // namespace pictorel::engine
