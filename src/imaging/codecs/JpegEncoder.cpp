@@ -12,6 +12,7 @@
 #include <array>
 #include <atomic>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -35,12 +36,18 @@ std::size_t StripBound(int width) noexcept {
     return blocks * kBlock * kStripRows * 3 * kBytesPerSample + kHeader;
 }
 
+// What all strips of a file have in common.
+struct Job {
+    const PixelArray& picture;
+    const JpegSettings& settings;
+    const WorkingTables* tables; // null: those of the JPEG standard
+};
+
 struct Session {
     jpeg_compress_struct library{};
     JpegErrors errors{};
     jpeg_destination_mgr destination{};
-    const PixelArray& picture;
-    const JpegSettings& settings;
+    const Job& job;
     std::span<const JpegMarker> markers; // of this strip
     std::uint8_t* overWhite;             // room for kBlock rows, or null where pixels are taken as they are
     int firstRow;
@@ -49,31 +56,48 @@ struct Session {
     ~Session() { jpeg_destroy_compress(&library); }
 };
 
-void UseTable(JHUFF_TBL& table, const WorkingTable& ours) {
+template <class Table>
+void UseTable(JHUFF_TBL& table, const Table& ours) {
     std::copy(ours.codesOfLength.begin(), ours.codesOfLength.end(), table.bits + 1);
-    std::copy_n(ours.symbols, ours.count, table.huffval);
+    std::copy(ours.symbols.begin(), ours.symbols.end(), table.huffval);
+}
+
+// The tables that suit the picture, judged by how much green changes from pixel to pixel in a few rows.
+const WorkingTables& TablesFor(const PixelArray& picture) noexcept {
+    constexpr int kRowStep = 64;
+    constexpr std::int64_t kGrainyStep = 4; // levels, on average
+    std::int64_t steps = 0;
+    std::int64_t pairs = 0;
+    for (int y = 0; y < picture.Height(); y += kRowStep) {
+        const std::uint8_t* green = picture.Row(y) + 1;
+        for (int x = 1; x < picture.Width(); ++x, green += PixelArray::kComponents) {
+            steps += std::abs(int{green[PixelArray::kComponents]} - int{green[0]});
+            ++pairs;
+        }
+    }
+    return steps < kGrainyStep * pairs ? kSoftTables : kGrainyTables;
 }
 
 void SetUp(Session& session) {
     jpeg_compress_struct& library = session.library;
-    library.image_width = static_cast<JDIMENSION>(session.picture.Width());
+    library.image_width = static_cast<JDIMENSION>(session.job.picture.Width());
     library.image_height = static_cast<JDIMENSION>(session.rows);
     library.input_components = PixelArray::kComponents;
     library.in_color_space = JCS_EXT_BGRX;
     jpeg_set_defaults(&library);
-    const bool plainRgb = session.settings.pixels == JpegPixels::AsTheyAre;
+    const bool plainRgb = session.job.settings.pixels == JpegPixels::AsTheyAre;
     jpeg_set_colorspace(&library, plainRgb ? JCS_RGB : JCS_YCbCr);
-    jpeg_set_quality(&library, session.settings.quality, TRUE);
+    jpeg_set_quality(&library, session.job.settings.quality, TRUE);
     for (int i = 0; i < library.num_components; ++i) {
         library.comp_info[i].h_samp_factor = 1;
         library.comp_info[i].v_samp_factor = 1;
     }
     library.restart_in_rows = 1;
-    if (plainRgb) {
-        UseTable(*library.dc_huff_tbl_ptrs[0], kWorkingDc);
-        UseTable(*library.ac_huff_tbl_ptrs[0], kWorkingAc);
+    if (session.job.tables != nullptr) {
+        UseTable(*library.dc_huff_tbl_ptrs[0], session.job.tables->dc);
+        UseTable(*library.ac_huff_tbl_ptrs[0], session.job.tables->ac);
     }
-    const Metadata& details = session.picture.Details();
+    const Metadata& details = session.job.picture.Details();
     if (details.dotsPerInchX > 0 && details.dotsPerInchY > 0) {
         const auto density = [](double dotsPerInch) {
             return static_cast<UINT16>(std::lround(std::clamp(dotsPerInch, 1.0, 65535.0)));
@@ -104,16 +128,16 @@ void EncodeStrip(Session& session) {
         jpeg_write_marker(&library, marker.marker, marker.payload.data(),
                           static_cast<unsigned>(marker.payload.size()));
     }
-    const auto rowBytes = session.picture.RowBytes();
+    const auto rowBytes = session.job.picture.RowBytes();
     while (library.next_scanline < library.image_height) {
         std::array<JSAMPROW, kBlock> rows{};
         const auto first = static_cast<int>(library.next_scanline);
         const int count = std::min(kBlock, session.rows - first);
         for (int i = 0; i < count; ++i) {
-            const std::uint8_t* row = session.picture.Row(session.firstRow + first + i);
+            const std::uint8_t* row = session.job.picture.Row(session.firstRow + first + i);
             if (session.overWhite != nullptr) {
                 std::uint8_t* const laid = session.overWhite + static_cast<std::size_t>(i) * rowBytes;
-                LayOverWhite(row, laid, session.picture.Width());
+                LayOverWhite(row, laid, session.job.picture.Width());
                 row = laid;
             }
             // The library only reads its input rows.
@@ -190,17 +214,16 @@ class StripJoiner {
     ByteBuffer joined_;
 };
 
-EncodedStrip Encode(const PixelArray& picture, const JpegSettings& settings,
-                    std::span<const JpegMarker> markers, int firstRow) {
+EncodedStrip Encode(const Job& job, std::span<const JpegMarker> markers, int firstRow) {
+    const PixelArray& picture = job.picture;
     std::size_t room = StripBound(picture.Width());
     for (const JpegMarker& marker : markers) {
         room += marker.payload.size() + jpeg::kMarkerBytes + jpeg::kLengthBytes;
     }
     EncodedStrip strip{TakeBuffer(room)};
-    const bool laidOver = picture.HasAlpha() && settings.pixels == JpegPixels::OverWhite;
+    const bool laidOver = picture.HasAlpha() && job.settings.pixels == JpegPixels::OverWhite;
     ByteBuffer overWhite(laidOver ? picture.RowBytes() * kBlock : 0);
-    Session session{.picture = picture,
-                    .settings = settings,
+    Session session{.job = job,
                     .markers = markers,
                     .overWhite = laidOver ? overWhite.data() : nullptr,
                     .firstRow = firstRow,
@@ -231,6 +254,8 @@ ByteBuffer EncodeJpeg(const PixelArray& picture, const JpegSettings& settings,
     for (const JpegMarker& marker : markers) {
         expectedBytes += marker.payload.size();
     }
+    const Job job{picture, settings,
+                  settings.pixels == JpegPixels::AsTheyAre ? &TablesFor(picture) : nullptr};
     StripJoiner joiner(picture.Height(), expectedBytes);
     // Strips are taken from the top down whatever band a thread is given, so that few wait for their turn.
     std::atomic<int> next = 0;
@@ -238,7 +263,7 @@ ByteBuffer EncodeJpeg(const PixelArray& picture, const JpegSettings& settings,
         for (int i = first; i < end; ++i) {
             const int strip = next.fetch_add(1);
             const std::span<const JpegMarker> own(markers.data(), strip == 0 ? markers.size() : 0);
-            joiner.Add(strip, Encode(picture, settings, own, strip * kStripRows));
+            joiner.Add(strip, Encode(job, own, strip * kStripRows));
         }
     });
     return joiner.Finish();
