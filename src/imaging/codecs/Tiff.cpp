@@ -1,6 +1,7 @@
 // Reads and writes TIFF files, see Tiff.h.
 #include "imaging/codecs/Tiff.h"
 
+#include "imaging/Limits.h"
 #include "imaging/codecs/ColourProfile.h"
 #include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
@@ -14,6 +15,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <optional>
 #include <utility>
 
 namespace pictorel::codecs {
@@ -55,9 +58,9 @@ Page FindPage(const TiffStructure& structure) {
     return first;
 }
 
-// The library spends a time on unknown tags that grows with the square of their number, and reads the value
-// of each, though they may all stand in the same place.
-void CheckDirectory(const TiffDirectory& directory, ByteView file) {
+// What must hold before the library looks at a directory: it spends a time on unknown tags that grows with
+// the square of their number, and reads the value of each, though they may all stand in the same place.
+void CheckDirectory(const TiffStructure& structure, const TiffDirectory& directory, ByteView file) {
     constexpr std::size_t kMostEntries = 1024;
     constexpr std::uint64_t kSharing = 4;
     constexpr std::uint64_t kLittle = std::uint64_t{1} << 20;
@@ -65,10 +68,17 @@ void CheckDirectory(const TiffDirectory& directory, ByteView file) {
     for (const TiffEntry& entry : directory.entries) {
         bytes += entry.value.size();
     }
-    if (directory.entries.empty() || directory.entries.size() > kMostEntries ||
+    const TiffEntry* const width = directory.Find(tifftags::kImageWidth);
+    const TiffEntry* const height = directory.Find(tifftags::kImageLength);
+    if (width == nullptr || height == nullptr || directory.entries.size() > kMostEntries ||
         bytes > kLittle + kSharing * file.size()) {
         Refuse("The TIFF file is damaged beyond use.");
     }
+    constexpr std::uint64_t kNoSide = INT32_MAX; // far beyond the limits, and safe to multiply
+    const auto side = [&](const TiffEntry& entry) {
+        return static_cast<std::int64_t>(std::min(structure.FirstNumber(entry).value_or(0), kNoSide));
+    };
+    CheckPictureSize(side(*width), side(*height));
 }
 
 double DotsPerInch(float resolution, unsigned unit) {
@@ -115,7 +125,7 @@ PixelArray ReadTiff(ByteView file, const ReadOptions& /*options*/) {
     }
     const TiffStructure structure(file);
     const Page page = FindPage(structure);
-    CheckDirectory(page.directory, file);
+    CheckDirectory(structure, page.directory, file);
     TiffFile tiff(file, page.offset);
     const TiffLayout layout = ReadTiffLayout(tiff, page.directory, file);
     Metadata details;

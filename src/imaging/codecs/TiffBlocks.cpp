@@ -40,8 +40,10 @@ ByteView TiffBlockReader::PackedBytes(std::uint32_t index) {
         return {}; // a block that was left out
     }
     ByteView packed = Slice(file_, offset, count == 0 ? file_.size() : count);
-    // These are turned over in place for decoding, and are not copied beyond what a block can need.
-    if (layout_.reversedBits || layout_.compression == COMPRESSION_JBIG) {
+    // Some are turned over in place for decoding, and rows of words are found by their address. The copy is
+    // no larger than what a block can need.
+    if (layout_.reversedBits || layout_.compression == COMPRESSION_JBIG ||
+        layout_.compression == COMPRESSION_CCITTRLEW) {
         packed = packed.first(std::min(packed.size(), 2 * layout_.BlockBytes() + (std::size_t{1} << 20)));
         copy_.assign(packed.begin(), packed.end());
         packed = copy_;
