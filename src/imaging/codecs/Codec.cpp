@@ -2,6 +2,7 @@
 #include "imaging/codecs/Codec.h"
 
 #include "imaging/codecs/Bmp.h"
+#include "imaging/codecs/Gif.h"
 #include "imaging/codecs/Png.h"
 
 #include <algorithm>
@@ -14,6 +15,7 @@ namespace {
 // Asked from the top: those with a sure signature first.
 constexpr std::array kCodecs{
     Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
+    Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
 };
 
