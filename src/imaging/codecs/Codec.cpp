@@ -4,6 +4,7 @@
 #include "imaging/codecs/Bmp.h"
 #include "imaging/codecs/Gif.h"
 #include "imaging/codecs/Png.h"
+#include "imaging/codecs/Tiff.h"
 
 #include <algorithm>
 #include <array>
@@ -16,6 +17,7 @@ namespace {
 constexpr std::array kCodecs{
     Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
     Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},
+    Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
 };
 
