@@ -133,7 +133,7 @@ TEST(Tiff, ReadsSamplesOfEverySizeAndKind) {
         {"lowest bit first",
          {.width = 3,
           .bits = 1,
-          .data = {0x02},
+          .data = {0x40},
           .tags = [](TIFF* t) { TIFFSetField(t, TIFFTAG_FILLORDER, FILLORDER_LSB2MSB); }},
          "000000 FFFFFF 000000"},
     });
