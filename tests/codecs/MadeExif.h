@@ -61,4 +61,13 @@ inline ByteBuffer MadeExif(const ExifFields& fields) {
     return block;
 }
 
+// The block as it stands in a JPEG segment.
+inline ByteBuffer ExifPayload(const ExifFields& fields) {
+    const std::string_view signature("Exif\0\0", 6);
+    ByteBuffer payload(signature.begin(), signature.end());
+    const ByteBuffer exif = MadeExif(fields);
+    payload.insert(payload.end(), exif.begin(), exif.end());
+    return payload;
+}
+
 } // namespace pictorel::codecs::testing

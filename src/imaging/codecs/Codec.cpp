@@ -3,6 +3,7 @@
 
 #include "imaging/codecs/Bmp.h"
 #include "imaging/codecs/Gif.h"
+#include "imaging/codecs/JpegCodec.h"
 #include "imaging/codecs/Png.h"
 #include "imaging/codecs/Tiff.h"
 
@@ -16,6 +17,7 @@ namespace {
 // Asked from the top: those with a sure signature first.
 constexpr std::array kCodecs{
     Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
+    Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},
     Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},
     Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},

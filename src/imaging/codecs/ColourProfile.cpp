@@ -53,13 +53,12 @@ void PlainRow(const void* samples, std::uint8_t* bgra, int pixels) noexcept {
 template <class Sample, bool kInverted>
 void PlainInkRow(const void* samples, std::uint8_t* bgra, int pixels) noexcept {
     const auto* in = static_cast<const Sample*>(samples);
-    const auto light = [](Sample sample) { return kInverted ? To8(sample) : 255U - To8(sample); };
+    const auto light = [](Sample sample) -> unsigned { return kInverted ? To8(sample) : 255 - To8(sample); };
     for (int x = 0; x < pixels; ++x, in += 4, bgra += PixelArray::kComponents) {
         const unsigned black = light(in[3]);
-        bgra[0] = Product(light(in[2]), black);
-        bgra[1] = Product(light(in[1]), black);
-        bgra[2] = Product(light(in[0]), black);
-        bgra[3] = 255;
+        const std::array<std::uint8_t, 4> out{Product(light(in[2]), black), Product(light(in[1]), black),
+                                              Product(light(in[0]), black), 255};
+        std::memcpy(bgra, out.data(), out.size());
     }
 }
 

@@ -27,7 +27,7 @@ class ColourConverter {
     // True where Bgra8 rows need no change at all: no profile, or one that is sRGB.
     bool IsIdentity() const noexcept;
 
-    // `bgra` may be the same memory as `samples` for Bgra8.
+    // `bgra` may be the same memory as `samples` where those take four bytes a pixel.
     void ConvertRow(const void* samples, std::uint8_t* bgra, int pixels) const;
 
   private:
