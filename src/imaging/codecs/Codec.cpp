@@ -2,6 +2,7 @@
 #include "imaging/codecs/Codec.h"
 
 #include "imaging/codecs/Bmp.h"
+#include "imaging/codecs/Gif.h"
 #include "imaging/codecs/JpegCodec.h"
 #include "imaging/codecs/Png.h"
 #include "imaging/codecs/Tiff.h"
@@ -17,6 +18,7 @@ namespace {
 constexpr std::array kCodecs{
     Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},
     Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
+    Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},
     Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
 };

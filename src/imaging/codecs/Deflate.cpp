@@ -18,7 +18,7 @@ constexpr Effort kSampleStrings{4, Z_DEFAULT_STRATEGY};
 constexpr Effort kStrings{6, Z_DEFAULT_STRATEGY};
 constexpr std::size_t kSampleBytes = 32U << 10; // each: a whole window, so that strings show
 constexpr std::size_t kSamples = 3;
-constexpr double kWorthwhile = 0.95;            // strings take five times as long
+constexpr double kWorthwhile = 0.95; // strings take five times as long
 
 ByteBuffer DeflateWith(Effort effort, ByteView data, DeflatePart part) {
     constexpr int kLargestWindow = 15;

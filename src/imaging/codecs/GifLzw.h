@@ -1,0 +1,48 @@
+// The variable-length codes of GIF pixels, decoded so that a damaged end costs only the pixels behind it.
+#pragma once
+
+#include "imaging/codecs/Codec.h"
+
+#include <array>
+#include <cstdint>
+
+namespace pictorel::codecs {
+
+// giflib refuses code sizes above 8 and loses the row in which data ends; this decoder does neither.
+class GifLzwDecoder {
+  public:
+    // `data` starts with the minimum code size, followed by the sub-blocks.
+    explicit GifLzwDecoder(ByteView data) noexcept;
+
+    // Up to `count` colour indices (those above 255 as 255); fewer where the data ends or makes no sense.
+    int Read(std::uint8_t* indices, int count) noexcept;
+
+  private:
+    static constexpr int kCodes = 4096;
+    static constexpr int kMostBits = 12;
+
+    bool NextByte() noexcept;
+    int NextCode() noexcept; // -1 at the end
+    bool Expand(int code) noexcept;
+    void Clear() noexcept;
+
+    ByteView data_;
+    std::size_t at_ = 1;
+    int blockLeft_ = 0; // bytes of the current sub-block
+    std::uint32_t bits_ = 0;
+    int bitCount_ = 0;
+
+    int minimumBits_;
+    int clearCode_;
+    int codeBits_ = 0;
+    int nextCode_ = 0;
+    int previous_ = -1; // code, none after a clear code
+    std::uint8_t previousFirst_ = 0;
+    bool ended_ = false;
+    std::array<std::uint16_t, kCodes> prefix_{};
+    std::array<std::uint8_t, kCodes> suffix_{};
+    std::array<std::uint8_t, kCodes + 1> stack_{}; // a string's end first
+    int stackSize_ = 0;
+};
+
+} // namespace pictorel::codecs
