@@ -1,5 +1,10 @@
-// How long a person waits in the real window, beside libjpeg-turbo on one thread in the same run: open a photo, press
-// Invert, undo it; and how much memory editing takes with a full history.
+// How long a person waits in the real window, beside libjpeg-turbo on one thread in the same run: open a
+// photo, press Invert, undo it; and how much memory editing takes with a full history.
+#include "app/PictureViewControl.h"
+#include "app/StartUp.h"
+#include "app/frmMain.h"
+#include "imaging/objects/AtomicFile.h"
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFileDialog>
@@ -7,6 +12,7 @@
 #include <QLineEdit>
 #include <QStyleFactory>
 #include <QTimer>
+#include <turbojpeg.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -14,13 +20,6 @@
 #include <functional>
 #include <string>
 #include <vector>
-
-#include <turbojpeg.h>
-
-#include "app/PictureViewControl.h"
-#include "app/StartUp.h"
-#include "app/frmMain.h"
-#include "imaging/objects/AtomicFile.h"
 
 namespace {
 
@@ -79,7 +78,8 @@ double Timed(const std::function<void()>& work) {
     return Seconds(clock);
 }
 
-void DecodeWithPeer(const codecs::ByteBuffer& file, std::vector<unsigned char>& pixels, int width, int height) {
+void DecodeWithPeer(const codecs::ByteBuffer& file, std::vector<unsigned char>& pixels, int width,
+                    int height) {
     const tjhandle peer = tjInitDecompress();
     pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
     tjDecompress2(peer, file.data(), file.size(), pixels.data(), width, 0, height, TJPF_BGRA, 0);
@@ -119,8 +119,9 @@ void AnswerOpenDialog(const QString& fileName, PaintWatch& watch) {
 }
 
 void Print(const Figure& ours, const Figure& peer) {
-    std::printf("%-42s %8.0f ms  peer %8.0f ms  ratio %.2f (medians %.0f, %.0f)\n", ours.name, ours.Least() * 1e3,
-                peer.Least() * 1e3, ours.Least() / peer.Least(), ours.Median() * 1e3, peer.Median() * 1e3);
+    std::printf("%-42s %8.0f ms  peer %8.0f ms  ratio %.2f (medians %.0f, %.0f)\n", ours.name,
+                ours.Least() * 1e3, peer.Least() * 1e3, ours.Least() / peer.Least(), ours.Median() * 1e3,
+                peer.Median() * 1e3);
 }
 
 } // namespace
@@ -165,7 +166,8 @@ int main(int count, char* words[]) {
     for (int round = 0; round < kRounds; ++round) {
         window.Document().ImageModified(0) = false;
         AnswerOpenDialog(photo, watch);
-        // The first paint after the dialog closed is the picture's: the view is asked for it by the load itself.
+        // The first paint after the dialog closed is the picture's: the view is asked for it by the load
+        // itself.
         button("Cmd_Panel", 0).click();
         QApplication::processEvents();
         const int width = window.Document().ImageWidth(0);
@@ -184,11 +186,12 @@ int main(int count, char* words[]) {
                 QApplication::processEvents();
             }
             peak = MegabytesOf("VmHWM:");
-            std::printf("Picture %d x %d, peak memory with a full history %.0f MB (4 x pixels + 120 MB: %.0f MB)\n", width,
-                        height, peak, 4.0 * width * height * 4 / 1048576 + 120);
+            std::printf(
+                "Picture %d x %d, peak memory with a full history %.0f MB (4 x pixels + 120 MB: %.0f MB)\n",
+                width, height, peak, 4.0 * width * height * 4 / 1048576 + 120);
         }
-        const codecs::ByteBuffer working =
-            *ReadWholeFile((window.Document().GetTempFolder() + QStringLiteral("tmpimg_0_1.jpg")).toStdString());
+        const codecs::ByteBuffer working = *ReadWholeFile(
+            (window.Document().GetTempFolder() + QStringLiteral("tmpimg_0_1.jpg")).toStdString());
         std::vector<unsigned char> pixels;
         DecodeWithPeer(photoBytes, pixels, width, height); // warms the buffer
         peerOpen.seconds.push_back(Timed([&] { DecodeWithPeer(photoBytes, pixels, width, height); }));

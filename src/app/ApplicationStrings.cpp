@@ -1,4 +1,5 @@
-// The application's table of texts, see ApplicationStrings.h. They are readable here and enciphered by the compiler.
+// The application's table of texts, see ApplicationStrings.h. They are readable here and enciphered by the
+// compiler.
 #include "app/ApplicationStrings.h"
 
 #include <algorithm>
@@ -12,10 +13,11 @@ namespace {
 
 constexpr std::size_t kLongest = 400;
 
-// A byte stream from the entry's number (a linear congruential generator); it only keeps the texts from lying open
-// in the program file.
+// A byte stream from the entry's number (a linear congruential generator); it only keeps the texts from lying
+// open in the program file.
 constexpr std::uint8_t KeyByte(int number, std::size_t position) {
-    std::uint32_t state = static_cast<std::uint32_t>(number) * 2654435761U + static_cast<std::uint32_t>(position);
+    std::uint32_t state =
+        static_cast<std::uint32_t>(number) * 2654435761U + static_cast<std::uint32_t>(position);
     state = state * 1664525U + 1013904223U;
     return static_cast<std::uint8_t>(state >> 24U);
 }
@@ -38,8 +40,10 @@ constexpr std::array kTexts{
     EncipheredText(12, "Pictorel"),
     EncipheredText(17, "www.pictorel.example"),
     EncipheredText(19, "https://www.pictorel.example/versions?product=PRODUCTNAME&version=VERSION"),
-    EncipheredText(21, "Pictorel is provided as it is, without warranty of any kind. The picture that you open is "
-                       "never changed unless you save over it yourself."),
+    EncipheredText(
+        21,
+        "Pictorel is provided as it is, without warranty of any kind. The picture that you open is "
+        "never changed unless you save over it yourself."),
     EncipheredText(22, "https://www.pictorel.example/"),
     EncipheredText(23, "https://www.pictorel.example/download"),
     EncipheredText(24, "https://www.pictorel.example/home"),

@@ -1,13 +1,6 @@
 // Makes the main window's controls, see ControlFactory.h.
 #include "app/ControlFactory.h"
 
-#include <QWidget>
-
-#include <array>
-#include <map>
-#include <set>
-#include <string>
-
 #include "app/ControlTable.h"
 #include "app/PictureViewControl.h"
 #include "controls/ComboBox.h"
@@ -25,6 +18,13 @@
 #include "controls/Slider.h"
 #include "controls/TabControl.h"
 #include "controls/UpDown.h"
+
+#include <QWidget>
+
+#include <array>
+#include <map>
+#include <set>
+#include <string>
 
 namespace pictorel {
 namespace {
@@ -68,14 +68,16 @@ constexpr std::array kKinds{
     KindRow{ControlKind::Shape, Make<Shape>},
 };
 
-static_assert([] {
-    for (std::size_t i = 0; i < kKinds.size(); ++i) {
-        if (static_cast<std::size_t>(kKinds[i].kind) != i) {
-            return false;
+static_assert(
+    [] {
+        for (std::size_t i = 0; i < kKinds.size(); ++i) {
+            if (static_cast<std::size_t>(kKinds[i].kind) != i) {
+                return false;
+            }
         }
-    }
-    return true;
-}(), "row i makes kind i");
+        return true;
+    }(),
+    "row i makes kind i");
 
 QString FromView(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -84,9 +86,15 @@ QString FromView(std::string_view text) {
 // Names of control arrays: those with an element beyond 0, and the single-element ones that handlers index.
 bool IsArray(std::string_view name, const std::set<std::string_view>& larger) {
     static constexpr std::array kSingleControls{
-        std::string_view("Resizer_"), std::string_view("Line"),        std::string_view("ProgressBar"),
-        std::string_view("TabControl_"), std::string_view("HistoryList"), std::string_view("GroupBox_Canves"),
-        std::string_view("GroupBox_Resize"), std::string_view("Combo_"), std::string_view("Txt_"),
+        std::string_view("Resizer_"),
+        std::string_view("Line"),
+        std::string_view("ProgressBar"),
+        std::string_view("TabControl_"),
+        std::string_view("HistoryList"),
+        std::string_view("GroupBox_Canves"),
+        std::string_view("GroupBox_Resize"),
+        std::string_view("Combo_"),
+        std::string_view("Txt_"),
         std::string_view("UpDown_"),
     };
     if (larger.contains(name)) {

@@ -1,9 +1,9 @@
 // The inventory of the main window, see ControlTable.h.
 #include "app/ControlTable.h"
 
-#include <array>
-
 #include "app/SliderPages.h"
+
+#include <array>
 
 namespace pictorel {
 namespace {
@@ -62,11 +62,14 @@ constexpr std::array kFrame{
 };
 
 constexpr std::array kResizePage{
-    ControlRow{"GroupBox_Resize", 0, GroupBox, "Resizer_Resize", InPixels(12, 8, 304, 88), "Size setting summary"},
+    ControlRow{"GroupBox_Resize", 0, GroupBox, "Resizer_Resize", InPixels(12, 8, 304, 88),
+               "Size setting summary"},
     ControlRow{"lbl_Resize", 0, Label, "GroupBox_Resize", InPixels(124, 28, 172, 24), "0 x 0 pixels"},
     ControlRow{"lbl_Resize", 1, Label, "GroupBox_Resize", InPixels(124, 54, 172, 24), "0 x 0 pixels"},
-    ControlRow{"RadioButton_Resize", 0, RadioButton, "Resizer_Resize", InPixels(12, 108, 304, 22), "Original Size"},
-    ControlRow{"RadioButton_Resize", 1, RadioButton, "Resizer_Resize", InPixels(12, 134, 304, 22), "Predefined"},
+    ControlRow{"RadioButton_Resize", 0, RadioButton, "Resizer_Resize", InPixels(12, 108, 304, 22),
+               "Original Size"},
+    ControlRow{"RadioButton_Resize", 1, RadioButton, "Resizer_Resize", InPixels(12, 134, 304, 22),
+               "Predefined"},
     ControlRow{"Combo_ResizePredefined", 0, ComboBox, "Resizer_Resize", InPixels(32, 158, 284, 26)},
     ControlRow{"RadioButton_Resize", 2, RadioButton, "Resizer_Resize", InPixels(12, 192, 304, 22), "Custom"},
     ControlRow{"Txt_ImageWidth", 0, EditField, "Resizer_Resize", InPixels(32, 240, 66, 26)},

@@ -1,11 +1,11 @@
 // The inventory of the main window: every control with its kind, container, place and texts.
 #pragma once
 
+#include "controls/Twips.h"
+
 #include <span>
 #include <string_view>
 #include <vector>
-
-#include "controls/Twips.h"
 
 namespace pictorel {
 
@@ -40,8 +40,8 @@ struct ControlRow {
     bool shown = true;
 };
 
-// Parents before children, elements of an array in index order. The rows of the slider pages are computed from the
-// slider catalogue, on one grid for all pages.
+// Parents before children, elements of an array in index order. The rows of the slider pages are computed
+// from the slider catalogue, on one grid for all pages.
 std::vector<ControlRow> MainWindowControls();
 
 } // namespace pictorel

@@ -13,7 +13,8 @@ struct ElementRange {
     int last = -1; // -1: to the end of the array
 };
 
-// Open, Cmd_Panel(0), is not among them; neither are the tabs, nor the Resize page's fields, which follow its mode.
+// Open, Cmd_Panel(0), is not among them; neither are the tabs, nor the Resize page's fields, which follow its
+// mode.
 constexpr std::array kRanges{
     ElementRange{"Cmd_Panel", 1, 7},
     ElementRange{"Cmd_RotateLeft"},

@@ -1,9 +1,9 @@
 // Which controls depend on an open picture.
 #pragma once
 
-#include <vector>
-
 #include "controls/ControlArray.h"
+
+#include <vector>
 
 namespace pictorel {
 

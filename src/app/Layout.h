@@ -1,10 +1,6 @@
 // The main window's layout: where everything goes for a given outer size.
 #pragma once
 
-#include <QSize>
-
-#include <functional>
-
 #include "controls/ContainerPanel.h"
 #include "controls/ControlArray.h"
 #include "controls/GroupBox.h"
@@ -15,6 +11,10 @@
 #include "controls/TabControl.h"
 #include "document/Image_Mods.h"
 #include "view/ZoomScroll.h"
+
+#include <QSize>
+
+#include <functional>
 
 namespace pictorel {
 

@@ -8,7 +8,8 @@ namespace pictorel {
 
 class PictureViewControl : public PictureView, public Control {
   public:
-    explicit PictureViewControl(QWidget* parent) : PictureView(parent), Control(static_cast<QWidget&>(*this)) {}
+    explicit PictureViewControl(QWidget* parent)
+        : PictureView(parent), Control(static_cast<QWidget&>(*this)) {}
 };
 
 } // namespace pictorel

@@ -1,9 +1,9 @@
 // The tool pages on one grid, see SliderPages.h.
 #include "app/SliderPages.h"
 
-#include <array>
-
 #include "operations/SliderCatalogue.h"
+
+#include <array>
 
 namespace pictorel {
 namespace {
@@ -69,7 +69,8 @@ Places PlaceSliders() {
                 continue;
             }
             const bool hasIcon = kPages[p].page == SliderPage::Adjustments;
-            places.sliders[static_cast<std::size_t>(slider)] = {kPages[p].panel, top, true, hasIcon ? icon++ : -1};
+            places.sliders[static_cast<std::size_t>(slider)] = {kPages[p].panel, top, true,
+                                                                hasIcon ? icon++ : -1};
             top += kRowPitch;
         }
         places.resetTop[p] = top + kGroupGap;
@@ -92,15 +93,17 @@ void AppendSliders(std::vector<ControlRow>& rows, const Places& places) {
         rows.push_back({"lbl_SliderName", i, Label, panel,
                         InPixels(captionLeft, place.top, kSliderLeft - captionLeft - 4, kRowHeight),
                         SliderCatalogue()[static_cast<std::size_t>(i)].caption, "", place.shown});
-        rows.push_back({"Slider_Tab", i, Slider, panel, InPixels(kSliderLeft, place.top, kSliderWidth, kRowHeight), "",
-                        "", place.shown});
-        rows.push_back({"lbl_SliderTab", i, Label, panel, InPixels(kValueLeft, place.top, kValueWidth, kRowHeight), "",
-                        "", place.shown && !twoSided});
+        rows.push_back({"Slider_Tab", i, Slider, panel,
+                        InPixels(kSliderLeft, place.top, kSliderWidth, kRowHeight), "", "", place.shown});
+        rows.push_back({"lbl_SliderTab", i, Label, panel,
+                        InPixels(kValueLeft, place.top, kValueWidth, kRowHeight), "", "",
+                        place.shown && !twoSided});
         const bool hasToolTip = i == 0 || i >= kSharpenBlurSlider;
-        rows.push_back({"Cmd_ResetEffects", i, PushButton, panel, InPixels(kSliderLeft - 20, place.top + 3, 17, 17),
-                        "X", hasToolTip ? "Reset" : "", false});
-        rows.push_back({"Shape", i, Shape, panel, InPixels(kMarkerLeft, place.top + 6, 2, kRowHeight - 12), "", "",
-                        place.shown});
+        rows.push_back({"Cmd_ResetEffects", i, PushButton, panel,
+                        InPixels(kSliderLeft - 20, place.top + 3, 17, 17), "X", hasToolTip ? "Reset" : "",
+                        false});
+        rows.push_back({"Shape", i, Shape, panel, InPixels(kMarkerLeft, place.top + 6, 2, kRowHeight - 12),
+                        "", "", place.shown});
     }
 }
 
@@ -134,26 +137,31 @@ void AppendButtons(std::vector<ControlRow>& rows, const Places& places) {
     oneClick(5, "Resizer_Filters", 0, "Halftone");
     oneClick(6, "Resizer_Filters", 1, "Emboss");
     for (std::size_t p = 0; p < kPages.size(); ++p) {
-        rows.push_back({"Cmd_Reset", static_cast<int>(p), PushButton, kPages[p].panel,
-                        InPixels(kColumnRight - kResetWidth, places.resetTop[p], kResetWidth, kButtonHeight - 3),
-                        "Reset"});
+        rows.push_back(
+            {"Cmd_Reset", static_cast<int>(p), PushButton, kPages[p].panel,
+             InPixels(kColumnRight - kResetWidth, places.resetTop[p], kResetWidth, kButtonHeight - 3),
+             "Reset"});
     }
 }
 
 void AppendCaptions(std::vector<ControlRow>& rows, const Places& places) {
     const auto rightSide = [&](int element, int slider, std::string_view caption) {
         rows.push_back({"lbl_SliderNameRightSide", element, Label, "Resizer_Filters",
-                        InPixels(kValueLeft, places.sliders[static_cast<std::size_t>(slider)].top, kValueWidth,
-                                 kRowHeight),
+                        InPixels(kValueLeft, places.sliders[static_cast<std::size_t>(slider)].top,
+                                 kValueWidth, kRowHeight),
                         caption});
     };
     rightSide(0, kSharpenBlurSlider, "Blur");
     rightSide(1, kMaximalMinimalSlider, "Minimal");
-    rows.push_back({"lbl_SliderName", 34, Label, "Resizer_Resize", InPixels(32, 216, 200, 22), "Width    X    Height"});
-    rows.push_back({"lbl_SliderName", 35, Label, "Resizer_Effects", InPixels(14, 300, 60, 20), "Temp", "", false});
+    rows.push_back(
+        {"lbl_SliderName", 34, Label, "Resizer_Resize", InPixels(32, 216, 200, 22), "Width    X    Height"});
+    rows.push_back(
+        {"lbl_SliderName", 35, Label, "Resizer_Effects", InPixels(14, 300, 60, 20), "Temp", "", false});
     rows.push_back({"lbl_SliderName", 36, Label, "Resizer_Resize", InPixels(124, 302, 24, 26), "%"});
-    rows.push_back({"lbl_SliderName", 37, Label, "Resizer_Effects", InPixels(14, 300, 60, 20), "Temp", "", false});
-    rows.push_back({"lbl_SliderName", 38, Label, "GroupBox_Resize", InPixels(14, 28, 106, 24), "Original size :"});
+    rows.push_back(
+        {"lbl_SliderName", 37, Label, "Resizer_Effects", InPixels(14, 300, 60, 20), "Temp", "", false});
+    rows.push_back(
+        {"lbl_SliderName", 38, Label, "GroupBox_Resize", InPixels(14, 28, 106, 24), "Original size :"});
     rows.push_back({"lbl_SliderName", 39, Label, "GroupBox_Resize", InPixels(14, 54, 106, 24), "New size :"});
 }
 

@@ -1,9 +1,10 @@
-// The tool pages' own controls on one grid: icon, caption, slider, value, and the buttons above and below them.
+// The tool pages' own controls on one grid: icon, caption, slider, value, and the buttons above and below
+// them.
 #pragma once
 
-#include <vector>
-
 #include "app/ControlTable.h"
+
+#include <vector>
 
 namespace pictorel {
 

@@ -1,12 +1,6 @@
 // The start-up sequence, see StartUp.h.
 #include "app/StartUp.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
-#include <QFile>
-
-#include <array>
-
 #include "app/IconTable.h"
 #include "app/frmMain.h"
 #include "controls/ComboBox.h"
@@ -15,6 +9,12 @@
 #include "platform/PumpEvents.h"
 #include "resize/PredefinedSizes.h"
 
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QFile>
+
+#include <array>
+
 namespace pictorel {
 namespace {
 
@@ -22,8 +22,9 @@ constexpr int kBlinkInterval = 500; // milliseconds
 constexpr int kOpenButton = 0;
 constexpr PictureSlot kSlot = 0;
 
-constexpr std::array kFlatButtons{"Cmd_Panel",   "Cmd_Recommend",   "Cmd_ZoomIn",  "Cmd_ZoomOut",    "Cmd_FlipV",
-                                  "Cmd_FlipH",   "Cmd_RotateLeft", "Cmd_RotateRight", "Cmd_ZoomFit", "Cmd_ActualSize"};
+constexpr std::array kFlatButtons{"Cmd_Panel",   "Cmd_Recommend", "Cmd_ZoomIn",     "Cmd_ZoomOut",
+                                  "Cmd_FlipV",   "Cmd_FlipH",     "Cmd_RotateLeft", "Cmd_RotateRight",
+                                  "Cmd_ZoomFit", "Cmd_ActualSize"};
 
 struct ToolTipRow {
     const char* name;
@@ -31,10 +32,10 @@ struct ToolTipRow {
 };
 
 constexpr std::array kToolTips{
-    ToolTipRow{"Cmd_ZoomIn", "Zoom In"},          ToolTipRow{"Cmd_ZoomOut", "Zoom Out"},
-    ToolTipRow{"Cmd_FlipV", "Flip Vertical"},     ToolTipRow{"Cmd_FlipH", "Flip Horizontal"},
-    ToolTipRow{"Cmd_RotateLeft", "Rotate Left"},  ToolTipRow{"Cmd_RotateRight", "Rotate Right"},
-    ToolTipRow{"Cmd_ZoomFit", "Best Fit"},        ToolTipRow{"Cmd_ActualSize", "Actual Size"},
+    ToolTipRow{"Cmd_ZoomIn", "Zoom In"},         ToolTipRow{"Cmd_ZoomOut", "Zoom Out"},
+    ToolTipRow{"Cmd_FlipV", "Flip Vertical"},    ToolTipRow{"Cmd_FlipH", "Flip Horizontal"},
+    ToolTipRow{"Cmd_RotateLeft", "Rotate Left"}, ToolTipRow{"Cmd_RotateRight", "Rotate Right"},
+    ToolTipRow{"Cmd_ZoomFit", "Best Fit"},       ToolTipRow{"Cmd_ActualSize", "Actual Size"},
 };
 
 QString FromView(std::string_view text) {
@@ -129,7 +130,8 @@ void StartUp::GiveButtonsTheirLooks() {
         reset->SetFlat(true);
     }
     for (const ButtonImage& row : kButtonImages) {
-        controls.Array<PushButton>(std::string(row.array))(row.element).SetImage(window_.icons_.Icon(row.icon));
+        controls.Array<PushButton>(std::string(row.array))(row.element)
+            .SetImage(window_.icons_.Icon(row.icon));
     }
     for (const char* const name : kFlatButtons) {
         for (PushButton* const button : controls.Array<PushButton>(name)) {

@@ -1,9 +1,6 @@
 // The main window, see frmMain.h.
 #include "app/frmMain.h"
 
-#include <QCloseEvent>
-#include <QCoreApplication>
-
 #include "app/ControlFactory.h"
 #include "app/EditingControls.h"
 #include "app/PictureViewControl.h"
@@ -16,6 +13,9 @@
 #include "notices/frmAbout.h"
 #include "operations/SliderCatalogue.h"
 #include "platform/CarryOn.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
 
 namespace pictorel {
 namespace {
@@ -53,7 +53,8 @@ void frmMain::ArrangeControls() {
         const SliderRow& row = catalogue[static_cast<std::size_t>(i)];
         sliders(i).SetRange(row.minimum, row.maximum);
         sliders(i).SetNeutral(row.defaultValue);
-        sliders(i).setAccessibleName(QString::fromUtf8(row.caption.data(), static_cast<qsizetype>(row.caption.size())));
+        sliders(i).setAccessibleName(
+            QString::fromUtf8(row.caption.data(), static_cast<qsizetype>(row.caption.size())));
         values(i).setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
     for (Label* const label : controls_.Array<Label>("lbl_SliderNameRightSide")) {
@@ -64,8 +65,9 @@ void frmMain::ArrangeControls() {
         const char* caption;
         const char* panel;
     };
-    for (const TabRow& tab : {TabRow{"Adjustments", "Resizer_Adjustments"}, TabRow{"Filters", "Resizer_Filters"},
-                              TabRow{"Effects", "Resizer_Effects"}, TabRow{"Resize", "Resizer_Resize"}}) {
+    for (const TabRow& tab :
+         {TabRow{"Adjustments", "Resizer_Adjustments"}, TabRow{"Filters", "Resizer_Filters"},
+          TabRow{"Effects", "Resizer_Effects"}, TabRow{"Resize", "Resizer_Resize"}}) {
         auto& panel = controls_.Single<ContainerPanel>(tab.panel);
         panel.SetScrolling(true);
         tabs.AddTab(QString::fromLatin1(tab.caption), panel);
@@ -120,7 +122,9 @@ void frmMain::MakeCapabilities() {
     const auto button = [this](const char* name, int index = 0) -> PushButton& {
         return controls_.Array<PushButton>(name)(index);
     };
-    const auto page = [this](const char* name) -> ContainerPanel& { return controls_.Single<ContainerPanel>(name); };
+    const auto page = [this](const char* name) -> ContainerPanel& {
+        return controls_.Single<ContainerPanel>(name);
+    };
 
     preview_ = std::make_unique<frmPreview>(*this, [this] {
         return PreviewPlacement{livePreview_->PreviewWindowTop, livePreview_->PreviewWindowLeft,
@@ -132,25 +136,26 @@ void frmMain::MakeCapabilities() {
     history_ = std::make_unique<EditHistory>(document_, *files_, services);
     historyPanel_ = std::make_unique<HistoryPanel>(
         *history_, HistoryPanelControls{HistoryList(), UndoButton(), RedoButton()}, services);
-    dispatcher_ = std::make_unique<OperationDispatcher>(document_, controls_.Single<ProgressBar>("ProgressBar"),
-                                                        [this]() -> ImageView& { return preview_->View(); });
+    dispatcher_ =
+        std::make_unique<OperationDispatcher>(document_, controls_.Single<ProgressBar>("ProgressBar"),
+                                              [this]() -> ImageView& { return preview_->View(); });
     reducedCopy_ = std::make_unique<ReducedCopy>(document_, *files_, *imageConvert_);
     livePreview_ = std::make_unique<LivePreview>(
         document_,
-        LivePreviewControls{controls_.Array<Slider>("Slider_Tab"), controls_.Array<Label>("lbl_SliderTab"),
-                            controls_.Array<Label>("lbl_SliderName"),
-                            controls_.Single<TabControl>("TabControl_Effects"),
-                            controls_.Single<ProgressBar>("ProgressBar"), HistoryList(), UndoButton(), RedoButton()},
+        LivePreviewControls{
+            controls_.Array<Slider>("Slider_Tab"), controls_.Array<Label>("lbl_SliderTab"),
+            controls_.Array<Label>("lbl_SliderName"), controls_.Single<TabControl>("TabControl_Effects"),
+            controls_.Single<ProgressBar>("ProgressBar"), HistoryList(), UndoButton(), RedoButton()},
         *dispatcher_, *reducedCopy_, *history_, services, *preview_);
     livePreview_->WindowPosition = [this] {
         const QPoint corner = frameGeometry().topLeft();
         return std::pair{PixelsToTwips(corner.x()), PixelsToTwips(corner.y())};
     };
     toolPanels_ = std::make_unique<ToolPanels>(
-        ToolPanelControls{panel, controls_.Array<PushButton>("Cmd_Tab"), controls_.Array<PushButton>("Cmd_Reset"),
-                          controls_.Array<PushButton>("Cmd_ResetEffects"), controls_.Array<Slider>("Slider_Tab"),
-                          controls_.Array<Label>("lbl_SliderTab"), HistoryList(),
-                          PictureDependentControls(controls_)},
+        ToolPanelControls{
+            panel, controls_.Array<PushButton>("Cmd_Tab"), controls_.Array<PushButton>("Cmd_Reset"),
+            controls_.Array<PushButton>("Cmd_ResetEffects"), controls_.Array<Slider>("Slider_Tab"),
+            controls_.Array<Label>("lbl_SliderTab"), HistoryList(), PictureDependentControls(controls_)},
         *dispatcher_, *history_, *livePreview_);
     rotateFlip_ = std::make_unique<RotateFlip>(
         document_, *files_,
@@ -160,39 +165,40 @@ void frmMain::MakeCapabilities() {
         *dispatcher_, *history_, services, *livePreview_);
     zoomScroll_ = std::make_unique<ZoomScroll>(
         document_,
-        ZoomScrollControls{controls_.Array<PushButton>("Cmd_ZoomIn"), controls_.Array<PushButton>("Cmd_ZoomOut"),
-                           controls_.Array<PushButton>("Cmd_ZoomFit"), controls_.Array<PushButton>("Cmd_ActualSize"),
-                           controls_.Array<Slider>("Slider_ImageZoom"), controls_.Array<Label>("lbl_ZoomPercent"),
-                           controls_.Array<ScrollBar>("ScrollBar_ImageX"),
-                           controls_.Array<ScrollBar>("ScrollBar_ImageY")},
+        ZoomScrollControls{
+            controls_.Array<PushButton>("Cmd_ZoomIn"), controls_.Array<PushButton>("Cmd_ZoomOut"),
+            controls_.Array<PushButton>("Cmd_ZoomFit"), controls_.Array<PushButton>("Cmd_ActualSize"),
+            controls_.Array<Slider>("Slider_ImageZoom"), controls_.Array<Label>("lbl_ZoomPercent"),
+            controls_.Array<ScrollBar>("ScrollBar_ImageX"), controls_.Array<ScrollBar>("ScrollBar_ImageY")},
         PreviewCopy{[this] { UpdatePreviewImage(kSlot); },
                     [this](bool outdated) { livePreview_->PreviewOutdated = outdated; }});
-    document_.Views(kSlot).SetViewChangedHandler(Events::Guarded([this] { zoomScroll_->ImageView_Changed(kSlot); }));
+    document_.Views(kSlot).SetViewChangedHandler(
+        Events::Guarded([this] { zoomScroll_->ImageView_Changed(kSlot); }));
     layout_ = std::make_unique<Layout>(
         document_,
-        LayoutControls{page("Resizer_Main"), controls_.Single<TabControl>("TabControl_Effects"), HistoryList(),
-                       page("Resizer_Adjustments"), page("Resizer_Filters"), page("Resizer_Effects"),
-                       page("Resizer_Resize"), controls_.Array<ScrollBar>("ScrollBar_ImageX"),
-                       controls_.Array<ScrollBar>("ScrollBar_ImageY"), controls_.Array<Control>("ImageView"),
-                       controls_.Single<ProgressBar>("ProgressBar"), controls_.Single<GroupBox>("GroupBox_Canves1"),
-                       controls_.Single<GroupBox>("GroupBox_Canves2"), info(0),
-                       controls_.Array<PushButton>("Cmd_Recommend")},
+        LayoutControls{
+            page("Resizer_Main"), controls_.Single<TabControl>("TabControl_Effects"), HistoryList(),
+            page("Resizer_Adjustments"), page("Resizer_Filters"), page("Resizer_Effects"),
+            page("Resizer_Resize"), controls_.Array<ScrollBar>("ScrollBar_ImageX"),
+            controls_.Array<ScrollBar>("ScrollBar_ImageY"), controls_.Array<Control>("ImageView"),
+            controls_.Single<ProgressBar>("ProgressBar"), controls_.Single<GroupBox>("GroupBox_Canves1"),
+            controls_.Single<GroupBox>("GroupBox_Canves2"), info(0),
+            controls_.Array<PushButton>("Cmd_Recommend")},
         *zoomScroll_);
     resizePanel_ = std::make_unique<ResizePanel>(
         document_, *files_,
-        ResizePanelControls{controls_.Array<RadioButton>("RadioButton_Resize"),
-                            controls_.Single<ComboBox>("Combo_ResizePredefined"),
-                            controls_.Single<EditField>("Txt_ImageWidth"),
-                            controls_.Single<EditField>("Txt_ImageHeight"),
-                            controls_.Single<EditField>("Txt_ResizePercent"),
-                            controls_.Single<UpDown>("UpDown_ImageWidth"),
-                            controls_.Single<UpDown>("UpDown_ImageHeight"),
-                            controls_.Single<UpDown>("UpDown_ResizePercent"), button("Cmd_Tab", 3),
-                            button("Cmd_Tab", 4), controls_.Array<Label>("lbl_Resize"), info(0), UndoButton(),
-                            RedoButton(), HistoryList()},
+        ResizePanelControls{
+            controls_.Array<RadioButton>("RadioButton_Resize"),
+            controls_.Single<ComboBox>("Combo_ResizePredefined"),
+            controls_.Single<EditField>("Txt_ImageWidth"), controls_.Single<EditField>("Txt_ImageHeight"),
+            controls_.Single<EditField>("Txt_ResizePercent"), controls_.Single<UpDown>("UpDown_ImageWidth"),
+            controls_.Single<UpDown>("UpDown_ImageHeight"), controls_.Single<UpDown>("UpDown_ResizePercent"),
+            button("Cmd_Tab", 3), button("Cmd_Tab", 4), controls_.Array<Label>("lbl_Resize"), info(0),
+            UndoButton(), RedoButton(), HistoryList()},
         *dispatcher_, *history_, icons_, [this] { layout_->RefitPicture(); });
-    fileCommands_ = std::make_unique<FileCommands>(
-        document_, *files_, *history_, FileCommandControls{panel, HistoryList(), CDialog_Open_}, services, messages_);
+    fileCommands_ = std::make_unique<FileCommands>(document_, *files_, *history_,
+                                                   FileCommandControls{panel, HistoryList(), CDialog_Open_},
+                                                   services, messages_);
     popups_ = std::make_unique<Popup_Mod>(Timer_Blink_);
     shareButtons_ = std::make_unique<ShareButtons>(controls_.Array<PushButton>("Cmd_Recommend"), strings_);
 }
@@ -209,7 +215,8 @@ void frmMain::EndAttention() {
 }
 
 void frmMain::ShowAbout() {
-    frmAbout about(this, strings_, ShortVersion(), ApplicationFolder() + PlatformPath(QStringLiteral("\\pics\\")));
+    frmAbout about(this, strings_, ShortVersion(),
+                   ApplicationFolder() + PlatformPath(QStringLiteral("\\pics\\")));
     about.exec();
 }
 

@@ -1,11 +1,6 @@
 // The main window: it owns the controls and the objects that handle them, and wires them together.
 #pragma once
 
-#include <QTimer>
-#include <QWidget>
-
-#include <memory>
-
 #include "app/ApplicationStrings.h"
 #include "app/Layout.h"
 #include "controls/CommonDialog.h"
@@ -31,6 +26,11 @@
 #include "operations/ToolPanels.h"
 #include "resize/ResizePanel.h"
 #include "view/ZoomScroll.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
 
 namespace pictorel {
 

@@ -1,14 +1,14 @@
 // The process: it loads the main window, and the window's end is its end.
+#include "app/StartUp.h"
+#include "app/frmMain.h"
+#include "platform/Folders.h"
+
 #include <QApplication>
 #include <QIcon>
 #include <QStyleFactory>
 
 #include <array>
 #include <cstdlib>
-
-#include "app/StartUp.h"
-#include "app/frmMain.h"
-#include "platform/Folders.h"
 
 namespace {
 

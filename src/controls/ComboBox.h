@@ -1,9 +1,9 @@
 // A list to choose from, each entry with a data text.
 #pragma once
 
-#include <QComboBox>
-
 #include "controls/Control.h"
+
+#include <QComboBox>
 
 namespace pictorel {
 

@@ -9,8 +9,8 @@ class QWidget;
 
 namespace pictorel {
 
-// Settings are made before a dialog is shown and stay; FileName holds the choice afterwards, empty when the person
-// cancelled.
+// Settings are made before a dialog is shown and stay; FileName holds the choice afterwards, empty when the
+// person cancelled.
 class CommonDialog {
   public:
     explicit CommonDialog(QWidget* owner) : owner_(owner) {}
@@ -18,8 +18,8 @@ class CommonDialog {
     // "description|patterns|description|patterns|", patterns separated by ";".
     QString Filter;
     int FilterIndex = 1; // from 1
-    // Bits of the standard open and save dialogs: 0x2 asks before overwriting, 0x200 takes several files, 0x800
-    // and 0x1000 refuse paths and files that do not exist.
+    // Bits of the standard open and save dialogs: 0x2 asks before overwriting, 0x200 takes several files,
+    // 0x800 and 0x1000 refuse paths and files that do not exist.
     unsigned Flags = 0;
     int MaxFileSize = 260;
     bool CancelError = false; // always False here: cancelling is an empty name, not an error

@@ -1,9 +1,9 @@
 // A panel that holds other controls and scrolls when it is shorter than they need.
 #pragma once
 
-#include <QScrollArea>
-
 #include "controls/Control.h"
+
+#include <QScrollArea>
 
 namespace pictorel {
 
@@ -15,8 +15,8 @@ class ContainerPanel : public QScrollArea, public Control {
 
     QWidget& Interior() override { return *interior_; }
 
-    // A panel that scrolls shows a scroll bar as soon as its children reach below its end; one that does not is as
-    // large as its own rectangle.
+    // A panel that scrolls shows a scroll bar as soon as its children reach below its end; one that does not
+    // is as large as its own rectangle.
     void SetScrolling(bool scrolling);
 
   protected:

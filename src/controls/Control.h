@@ -1,11 +1,11 @@
 // What every control has beside being a widget: a name, a place in twips, and an enabled state of its own.
 #pragma once
 
+#include "controls/Twips.h"
+
 #include <QString>
 
 #include <stdexcept>
-
-#include "controls/Twips.h"
 
 class QWidget;
 
@@ -16,9 +16,9 @@ struct ControlError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A second base of every widget class of this folder. Lengths are kept in twips as they were set, so that formulas
-// that read them back are exact; the widget stands on the nearest pixels. A negative width or height is refused with
-// ControlError and changes nothing.
+// A second base of every widget class of this folder. Lengths are kept in twips as they were set, so that
+// formulas that read them back are exact; the widget stands on the nearest pixels. A negative width or height
+// is refused with ControlError and changes nothing.
 class Control {
   public:
     explicit Control(QWidget& widget) : widget_(widget) {}

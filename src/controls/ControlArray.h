@@ -1,12 +1,12 @@
 // Controls of one name, addressed by index: Cmd_Panel(3).
 #pragma once
 
+#include "controls/Control.h"
+
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "controls/Control.h"
 
 namespace pictorel {
 
@@ -34,7 +34,8 @@ class ControlArray {
     std::vector<T*> elements_;
 };
 
-// Finds the window's controls by name. Asking for a name or kind that the window does not have raises ControlError.
+// Finds the window's controls by name. Asking for a name or kind that the window does not have raises
+// ControlError.
 class ControlRegistry {
   public:
     void Add(std::string_view name, Control& control) { controls_[std::string(name)].push_back(&control); }

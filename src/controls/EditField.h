@@ -1,11 +1,11 @@
 // A flat field for one line of text, whose owner may refuse keys.
 #pragma once
 
+#include "controls/Control.h"
+
 #include <QLineEdit>
 
 #include <functional>
-
-#include "controls/Control.h"
 
 namespace pictorel {
 

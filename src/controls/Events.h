@@ -11,8 +11,8 @@ namespace pictorel {
 
 class Events {
   public:
-    // Runs `handler` whenever `sender` raises the signal, with its arguments or with none, as it takes them. What escapes the handler ends there:
-    // every handler that owes the person a message shows it itself.
+    // Runs `handler` whenever `sender` raises the signal, with its arguments or with none, as it takes them.
+    // What escapes the handler ends there: every handler that owes the person a message shows it itself.
     template <typename Sender, typename Signal, typename Handler>
     void On(Sender& sender, Signal signal, Handler handler) {
         QObject::connect(&sender, signal, &owner_, Guarded(std::move(handler)));

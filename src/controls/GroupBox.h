@@ -1,9 +1,9 @@
 // A frame around controls that belong together, with or without a caption.
 #pragma once
 
-#include <QWidget>
-
 #include "controls/Control.h"
+
+#include <QWidget>
 
 namespace pictorel {
 

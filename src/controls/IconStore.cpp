@@ -1,9 +1,9 @@
 // Pictures for buttons, see IconStore.h.
 #include "controls/IconStore.h"
 
-#include <QPixmap>
-
 #include "controls/Control.h"
+
+#include <QPixmap>
 
 namespace pictorel {
 

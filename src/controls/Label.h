@@ -1,9 +1,9 @@
 // A text on the window.
 #pragma once
 
-#include <QLabel>
-
 #include "controls/Control.h"
+
+#include <QLabel>
 
 namespace pictorel {
 

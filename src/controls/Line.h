@@ -1,9 +1,9 @@
 // A separator, upright or lying, as its longer side says.
 #pragma once
 
-#include <QWidget>
-
 #include "controls/Control.h"
+
+#include <QWidget>
 
 namespace pictorel {
 

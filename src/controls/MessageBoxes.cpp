@@ -27,8 +27,8 @@ void MessageBoxes::Show(const QString& text, const QString& title, MessageIcon i
 }
 
 MessageAnswer MessageBoxes::AskYesNoCancel(const QString& text, const QString& title) {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
-                    owner_);
+    QMessageBox box(QMessageBox::Question, title, text,
+                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, owner_);
     box.setTextFormat(Qt::PlainText);
     switch (box.exec()) {
         case QMessageBox::Yes:

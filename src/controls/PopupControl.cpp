@@ -1,13 +1,13 @@
 // A passive notice, see PopupControl.h.
 #include "controls/PopupControl.h"
 
+#include "controls/Control.h"
+
 #include <QLabel>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-
-#include "controls/Control.h"
 
 namespace pictorel {
 namespace {
@@ -49,8 +49,9 @@ void PopupControl::SetAnchor(double x, double y) {
 }
 
 void PopupControl::Show() {
-    auto label = std::make_unique<QLabel>(owner_, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput |
-                                                      Qt::WindowDoesNotAcceptFocus);
+    auto label =
+        std::make_unique<QLabel>(owner_, Qt::ToolTip | Qt::FramelessWindowHint |
+                                             Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus);
     label->setAttribute(Qt::WA_TranslucentBackground);
     label->setAttribute(Qt::WA_ShowWithoutActivating);
     label->setStyleSheet(QStringLiteral("background: transparent; border: none; padding: 0;"));

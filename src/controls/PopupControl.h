@@ -23,12 +23,12 @@ class PopupControl : public QObject {
     enum State { Closed = 0, Showing = 1 }; // 14
 
     void AddPicture(const QString& fileName, int id); // 18; throws ControlError where it cannot be loaded
-    void SetBackground(int pictureId) { background_ = pictureId; }           // 38
-    void SetAnimationTime(int milliseconds) { animation_ = milliseconds; }   // 5
-    void SetDisplayTime(int milliseconds) { display_ = milliseconds; }       // 6
-    void SetSize(int width, int height);                                     // 2, 3; pixels
-    void SetOpacity(int opacity) { opacity_ = opacity; }                     // 7; 0..255
-    void SetAnchor(double x, double y);                                      // 8, 9; bottom-right corner on the screen
+    void SetBackground(int pictureId) { background_ = pictureId; }         // 38
+    void SetAnimationTime(int milliseconds) { animation_ = milliseconds; } // 5
+    void SetDisplayTime(int milliseconds) { display_ = milliseconds; }     // 6
+    void SetSize(int width, int height);                                   // 2, 3; pixels
+    void SetOpacity(int opacity) { opacity_ = opacity; }                   // 7; 0..255
+    void SetAnchor(double x, double y); // 8, 9; bottom-right corner on the screen
 
     int Width() const { return width_; }
     int Height() const { return height_; }

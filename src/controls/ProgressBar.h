@@ -1,9 +1,9 @@
 // How far a long operation has come.
 #pragma once
 
-#include <QProgressBar>
-
 #include "controls/Control.h"
+
+#include <QProgressBar>
 
 namespace pictorel {
 

@@ -142,7 +142,8 @@ void PushButton::PaintContent(QPainter& painter) const {
     }
     if (!text().isEmpty()) {
         const auto group = LooksEnabled() ? QPalette::Active : QPalette::Disabled;
-        painter.setPen(palette().color(group, highlighted_ ? QPalette::HighlightedText : QPalette::ButtonText));
+        painter.setPen(
+            palette().color(group, highlighted_ ? QPalette::HighlightedText : QPalette::ButtonText));
         const int horizontal = picture.isEmpty() || above ? Qt::AlignHCenter : Qt::AlignLeft;
         painter.drawText(textArea, horizontal | Qt::AlignVCenter | Qt::TextHideMnemonic, text());
     }

@@ -1,10 +1,10 @@
 // A push button with a picture, a caption or both.
 #pragma once
 
+#include "controls/Control.h"
+
 #include <QAbstractButton>
 #include <QIcon>
-
-#include "controls/Control.h"
 
 namespace pictorel {
 
@@ -25,8 +25,8 @@ class PushButton : public QAbstractButton, public Control {
     void SetHighlighted(bool highlighted);
     bool IsHighlighted() const { return highlighted_; }
 
-    // A button that only carries a picture looks by its own enabled state, not by its container's, and takes no
-    // focus and no clicks.
+    // A button that only carries a picture looks by its own enabled state, not by its container's, and takes
+    // no focus and no clicks.
     void SetDecorative(bool decorative);
 
     void SetEnabled(bool enabled) override;

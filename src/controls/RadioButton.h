@@ -1,9 +1,9 @@
 // One choice of several; the siblings in one container exclude each other.
 #pragma once
 
-#include <QRadioButton>
-
 #include "controls/Control.h"
+
+#include <QRadioButton>
 
 namespace pictorel {
 

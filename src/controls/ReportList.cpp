@@ -23,12 +23,13 @@ ReportList::ReportList(QWidget* parent) : QTreeWidget(parent), Control(static_ca
         }
     });
     // A click on the row that is selected already picks it once more.
-    connect(this, &QTreeWidget::itemClicked, this, [this, last = static_cast<QTreeWidgetItem*>(nullptr)](auto* item) mutable {
-        if (item == last && item->isSelected()) {
-            emit RowPicked();
-        }
-        last = item;
-    });
+    connect(this, &QTreeWidget::itemClicked, this,
+            [this, last = static_cast<QTreeWidgetItem*>(nullptr)](auto* item) mutable {
+                if (item == last && item->isSelected()) {
+                    emit RowPicked();
+                }
+                last = item;
+            });
 }
 
 void ReportList::AddColumn(int position, const QString& caption, int width, bool resizable) {

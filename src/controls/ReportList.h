@@ -1,16 +1,16 @@
 // A list of records in columns, some of which may be hidden.
 #pragma once
 
+#include "controls/Control.h"
+
 #include <QTreeWidget>
 
 #include <vector>
 
-#include "controls/Control.h"
-
 namespace pictorel {
 
-// Colour numbers of an item's text, as 0x00BBGGRR. The list shows them through the skin: black is its text colour,
-// silver its disabled one, so that both can be read on any background.
+// Colour numbers of an item's text, as 0x00BBGGRR. The list shows them through the skin: black is its text
+// colour, silver its disabled one, so that both can be read on any background.
 inline constexpr unsigned kBlack = 0;
 inline constexpr unsigned kSilver = 0xC0C0C0;
 
@@ -44,7 +44,7 @@ class ReportList : public QTreeWidget, public Control {
     // Shows the records as they are now.
     void Populate();
 
-    void SelectRow(int row); // raises no RowPicked
+    void SelectRow(int row);      // raises no RowPicked
     int FirstSelectedRow() const; // -1 where none is selected
     void FocusList() { setFocus(); }
 

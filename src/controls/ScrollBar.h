@@ -1,9 +1,9 @@
 // A scroll bar.
 #pragma once
 
-#include <QScrollBar>
-
 #include "controls/Control.h"
+
+#include <QScrollBar>
 
 namespace pictorel {
 

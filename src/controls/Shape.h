@@ -1,9 +1,9 @@
 // A small marker, decoration only.
 #pragma once
 
-#include <QWidget>
-
 #include "controls/Control.h"
+
+#include <QWidget>
 
 namespace pictorel {
 

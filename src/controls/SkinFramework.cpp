@@ -1,6 +1,8 @@
 // The look of the window, see SkinFramework.h.
 #include "controls/SkinFramework.h"
 
+#include "controls/Control.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QMap>
@@ -9,8 +11,6 @@
 #include <QStyleFactory>
 #include <QToolTip>
 #include <QWidget>
-
-#include "controls/Control.h"
 
 namespace pictorel {
 namespace {
@@ -72,7 +72,8 @@ QPalette PaletteOf(const Colours& colours) {
 QString FillIn(QString style, const Colours& colours) {
     // Longer names first, so that "@MidlightText" is not taken for "@Mid".
     QStringList names = colours.keys();
-    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) { return a.size() > b.size(); });
+    std::sort(names.begin(), names.end(),
+              [](const QString& a, const QString& b) { return a.size() > b.size(); });
     for (const QString& name : names) {
         style.replace(u'@' + name, colours[name].name());
     }

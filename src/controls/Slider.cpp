@@ -143,15 +143,18 @@ void Slider::paintEvent(QPaintEvent* /*event*/) {
 
     painter.setPen(Qt::NoPen);
     painter.setBrush(colours.color(QPalette::Dark));
-    painter.drawRoundedRect(QRectF(kThumbRadius, middle - kTrackHeight / 2, width() - 2 * kThumbRadius, kTrackHeight),
-                            kTrackHeight / 2, kTrackHeight / 2);
+    painter.drawRoundedRect(
+        QRectF(kThumbRadius, middle - kTrackHeight / 2, width() - 2 * kThumbRadius, kTrackHeight),
+        kTrackHeight / 2, kTrackHeight / 2);
     painter.setBrush(colours.color(group, QPalette::Highlight));
     painter.drawRect(QRectF(QPointF(std::min(origin, thumb), middle - kTrackHeight / 2),
                             QPointF(std::max(origin, thumb), middle + kTrackHeight / 2)));
     if (tickSpacing_ > 0) {
         painter.setBrush(colours.color(QPalette::Mid));
-        const double pixelsPerTick = (width() - 2 * kThumbRadius) * tickSpacing_ / std::max(1, maximum() - minimum());
-        const int every = pixelsPerTick >= 4 ? tickSpacing_ : tickSpacing_ * static_cast<int>(4 / pixelsPerTick + 1);
+        const double pixelsPerTick =
+            (width() - 2 * kThumbRadius) * tickSpacing_ / std::max(1, maximum() - minimum());
+        const int every =
+            pixelsPerTick >= 4 ? tickSpacing_ : tickSpacing_ * static_cast<int>(4 / pixelsPerTick + 1);
         for (int tick = minimum(); tick <= maximum(); tick += every) {
             painter.drawRect(QRectF(std::round(XOf(tick)) - 0.5, middle + kTickTop, 1, kTickLength));
         }
@@ -159,7 +162,8 @@ void Slider::paintEvent(QPaintEvent* /*event*/) {
     const bool hot = isEnabled() && (underMouse() || held_);
     const double radius = held_ ? kThumbRadius : kThumbRadius - 1;
     painter.setBrush(colours.color(group, hot ? QPalette::BrightText : QPalette::Light));
-    painter.setPen(QPen(colours.color(hasFocus() ? QPalette::Highlight : QPalette::Shadow), hasFocus() ? 1.5 : 1));
+    painter.setPen(
+        QPen(colours.color(hasFocus() ? QPalette::Highlight : QPalette::Shadow), hasFocus() ? 1.5 : 1));
     painter.drawEllipse(QPointF(thumb, middle), radius, radius);
 }
 

@@ -1,9 +1,9 @@
 // A horizontal slider with tick marks that tells when it is pressed, moved and let go.
 #pragma once
 
-#include <QSlider>
-
 #include "controls/Control.h"
+
+#include <QSlider>
 
 namespace pictorel {
 
@@ -17,8 +17,8 @@ class Slider : public QSlider, public Control {
     void SetSteps(int small, int large);
     void SetTickSpacing(int spacing);
 
-    // The value at which the slider does nothing; the track is filled from there to the thumb. A slider without
-    // one fills from its minimum.
+    // The value at which the slider does nothing; the track is filled from there to the thumb. A slider
+    // without one fills from its minimum.
     void SetNeutral(int value);
 
     int Value() const { return value(); }

@@ -1,18 +1,18 @@
 // Tabs, each showing one panel.
 #pragma once
 
+#include "controls/ContainerPanel.h"
+#include "controls/Control.h"
+
 #include <QTabBar>
 #include <QWidget>
 
 #include <vector>
 
-#include "controls/ContainerPanel.h"
-#include "controls/Control.h"
-
 namespace pictorel {
 
-// Panels are children of the tab control, placed in its coordinates below the row of tabs; choosing a tab shows its
-// panel and hides the others.
+// Panels are children of the tab control, placed in its coordinates below the row of tabs; choosing a tab
+// shows its panel and hides the others.
 class TabControl : public QWidget, public Control {
     Q_OBJECT
 

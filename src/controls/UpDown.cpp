@@ -94,10 +94,12 @@ void UpDown::paintEvent(QPaintEvent* /*event*/) {
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
     painter.setPen(Qt::NoPen);
     for (const int direction : {1, -1}) {
-        painter.setBrush(colours.color(heldDirection_ == direction ? QPalette::Highlight : QPalette::ButtonText));
+        painter.setBrush(
+            colours.color(heldDirection_ == direction ? QPalette::Highlight : QPalette::ButtonText));
         const QPointF centre(width() / 2.0, height() * (direction > 0 ? 0.29 : 0.71));
-        painter.drawPolygon(QPolygonF({centre + QPointF(-3, 1.5 * direction), centre + QPointF(3, 1.5 * direction),
-                                       centre + QPointF(0, -2 * direction)}));
+        painter.drawPolygon(
+            QPolygonF({centre + QPointF(-3, 1.5 * direction), centre + QPointF(3, 1.5 * direction),
+                       centre + QPointF(0, -2 * direction)}));
     }
 }
 

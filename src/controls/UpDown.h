@@ -1,10 +1,10 @@
 // A spinner: two arrows that step a value, beside the edit field that is its buddy.
 #pragma once
 
-#include <QWidget>
-
 #include "controls/Control.h"
 #include "controls/EditField.h"
+
+#include <QWidget>
 
 namespace pictorel {
 

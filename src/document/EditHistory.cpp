@@ -132,7 +132,8 @@ bool EditHistory::RedoStep(ReportList& historyList) {
     });
 }
 
-void EditHistory::UpdateUndoRedoButtons(PushButton& undoButton, PushButton& redoButton, ReportList& historyList) {
+void EditHistory::UpdateUndoRedoButtons(PushButton& undoButton, PushButton& redoButton,
+                                        ReportList& historyList) {
     CarryOn([&] {
         if (historyList.Count() == 0) {
             undoButton.SetEnabled(false);

@@ -1,14 +1,14 @@
 // The edit history: up to 15 states of the picture, each a row of the list and a working file on disk.
 #pragma once
 
-#include <QString>
-
 #include "controls/Events.h"
 #include "controls/PushButton.h"
 #include "controls/ReportList.h"
 #include "document/EditorServices.h"
 #include "document/Image_Mods.h"
 #include "document/PictureFiles.h"
+
+#include <QString>
 
 namespace pictorel {
 
@@ -18,14 +18,14 @@ enum class HistoryColumn { Caption = 0, ImageFile = 1, Active = 2 };
 inline constexpr int kHistoryRows = 15;
 
 // The routines stop at their first error and then return False, without a message of their own; what was done
-// before the error stays done. Invariants after each: at most 15 rows; one of them is active ("1" in its Active
-// column); rows after it are silver; row p owns "tmpimg_<slot>_<p + 1>.jpg" in the temporary folder.
+// before the error stays done. Invariants after each: at most 15 rows; one of them is active ("1" in its
+// Active column); rows after it are silver; row p owns "tmpimg_<slot>_<p + 1>.jpg" in the temporary folder.
 class EditHistory {
   public:
     EditHistory(Image_Mods& document, PictureFiles& files, EditorServices& services);
 
-    // Commits the slot's working picture as a new last row and makes it the active one; rows that could have been
-    // redone go, and so does the oldest beyond 15.
+    // Commits the slot's working picture as a new last row and makes it the active one; rows that could have
+    // been redone go, and so does the oldest beyond 15.
     bool AddHistoryEntry(const QString& caption, PictureSlot slot, ReportList& historyList);
 
     // Loads the working file of row `index` into slot 0 and makes that row the active one.
@@ -34,7 +34,8 @@ class EditHistory {
     bool UndoStep(ReportList& historyList); // False on the first row
     bool RedoStep(ReportList& historyList); // False on the last row
 
-    static void UpdateUndoRedoButtons(PushButton& undoButton, PushButton& redoButton, ReportList& historyList);
+    static void UpdateUndoRedoButtons(PushButton& undoButton, PushButton& redoButton,
+                                      ReportList& historyList);
 
     // Deletes every row's working file and the preview copy, and empties the list.
     bool DeleteWorkingFiles(ReportList& historyList);

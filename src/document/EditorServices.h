@@ -10,11 +10,11 @@ class EditorServices {
     virtual ~EditorServices() = default;
 
     virtual void SetEditingEnabled(bool enabled) = 0;
-    virtual void ResetSliderGroup(int group) = 0;      // 1 Adjustments, 2 Filters, 3 Effects
-    virtual void ResetResizePanel() = 0;               // mode "Original Size"
-    virtual void CheckOriginalSize() = 0;              // marks that mode's radio button
+    virtual void ResetSliderGroup(int group) = 0;          // 1 Adjustments, 2 Filters, 3 Effects
+    virtual void ResetResizePanel() = 0;                   // mode "Original Size"
+    virtual void CheckOriginalSize() = 0;                  // marks that mode's radio button
     virtual void UpdatePreviewImage(PictureSlot slot) = 0; // rebuilds the reduced copy
-    virtual void UpdateZoomView(PictureSlot slot) = 0; // brings the zoom controls into line with the view
+    virtual void UpdateZoomView(PictureSlot slot) = 0;     // brings the zoom controls into line with the view
     virtual void RepaintWindow() = 0;
     virtual void EndAttention() = 0; // stops the blink of Open and closes the getting-started tag
     virtual void ShowAbout() = 0;

@@ -1,10 +1,10 @@
 // The tool bar's commands, see FileCommands.h.
 #include "document/FileCommands.h"
 
+#include "platform/CarryOn.h"
+
 #include <array>
 #include <utility>
-
-#include "platform/CarryOn.h"
 
 namespace pictorel {
 namespace {

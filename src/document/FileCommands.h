@@ -22,13 +22,13 @@ struct FileCommandControls {
 
 class FileCommands {
   public:
-    FileCommands(Image_Mods& document, PictureFiles& files, EditHistory& history, FileCommandControls controls,
-                 EditorServices& services, Messages& messages);
+    FileCommands(Image_Mods& document, PictureFiles& files, EditHistory& history,
+                 FileCommandControls controls, EditorServices& services, Messages& messages);
 
     void Cmd_Panel_Click(int index);
 
-    // Asks "Save Changes ?" while the picture is changed. False where the command at hand must end: the person
-    // cancelled, or chose to save and that did not happen.
+    // Asks "Save Changes ?" while the picture is changed. False where the command at hand must end: the
+    // person cancelled, or chose to save and that did not happen.
     bool OfferToSaveChanges();
 
   private:

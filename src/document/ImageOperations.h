@@ -11,10 +11,10 @@ class ImageOperations {
   public:
     virtual ~ImageOperations() = default;
 
-    // Applies operation `code` (0..35) to the last committed picture, or to the reduced copy in preview mode, and
-    // shows the result. Never throws; a failing step is skipped.
-    virtual void ApplyImageOperation(PictureSlot slot, std::int32_t code, bool previewMode, std::int32_t value1,
-                                     std::int32_t value2, std::int32_t value3) = 0;
+    // Applies operation `code` (0..35) to the last committed picture, or to the reduced copy in preview mode,
+    // and shows the result. Never throws; a failing step is skipped.
+    virtual void ApplyImageOperation(PictureSlot slot, std::int32_t code, bool previewMode,
+                                     std::int32_t value1, std::int32_t value2, std::int32_t value3) = 0;
 };
 
 } // namespace pictorel

@@ -1,14 +1,6 @@
 // The state of the open picture; one object, owned by the main window.
 #pragma once
 
-#include <QString>
-
-#include <array>
-#include <cstdint>
-#include <memory>
-#include <stdexcept>
-#include <string>
-
 #include "imaging/ImageCodec.h"
 #include "imaging/ImageTransform.h"
 #include "imaging/ImageUtility.h"
@@ -16,6 +8,14 @@
 #include "imaging/PixelArray.h"
 #include "platform/FileSystem.h"
 #include "platform/Folders.h"
+
+#include <QString>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
 
 namespace pictorel {
 
@@ -60,12 +60,12 @@ class SlotObjects {
 };
 
 struct Image_Mods {
-    PixelArray ImagePixels;   // the last committed picture: every operation starts from it
-    PixelArray PreviewPixels; // the reduced copy that slider previews start from
+    PixelArray ImagePixels;              // the last committed picture: every operation starts from it
+    PixelArray PreviewPixels;            // the reduced copy that slider previews start from
     SlotTable<std::int16_t> ImageWidth;  // pixels
     SlotTable<std::int16_t> ImageHeight; // pixels
-    SlotTable<bool> ImageModified; // changed since it was opened, scanned or saved
-    QString OpenDialogFolder;      // where the dialogs begin: a folder, or the file chosen last
+    SlotTable<bool> ImageModified;       // changed since it was opened, scanned or saved
+    QString OpenDialogFolder;            // where the dialogs begin: a folder, or the file chosen last
     QString SaveDialogFolder;
     bool LivePreviewMode = true; // False only while a slider commit runs its operation
 

@@ -1,14 +1,14 @@
 // Loading and saving the open picture, see PictureFiles.h.
 #include "document/PictureFiles.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "document/SaveFormats.h"
 #include "imaging/ImagingError.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 #include "platform/PumpEvents.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace pictorel {
 namespace {
@@ -37,10 +37,12 @@ const SaveFormat& FormatOf(const QString& formatText) {
     const auto found = std::find_if(kSaveFormats.begin(), kSaveFormats.end(),
                                     [&](const SaveFormat& format) { return format.extension == wanted; });
     if (found == kSaveFormats.end()) {
-        const std::string named = formatText.isEmpty() ? "A name without an extension" : "\"." + formatText.toStdString() + "\"";
+        const std::string named =
+            formatText.isEmpty() ? "A name without an extension" : "\"." + formatText.toStdString() + "\"";
         throw ImagingError(ImagingFailure::UnsupportedFormat,
-                           named + " does not say in which format to save. Use one of: "
-                                   "jpg, png, gif, bmp, tif, j2k, tga, ras, pcx, wmf, emf.");
+                           named +
+                               " does not say in which format to save. Use one of: "
+                               "jpg, png, gif, bmp, tif, j2k, tga, ras, pcx, wmf, emf.");
     }
     return *found;
 }
@@ -159,7 +161,8 @@ void PictureFiles::ReadImageWidth(PictureSlot slot) {
     CarryOn([&] {
         PixelArray pixels;
         document_.Transforms(slot).CopyPicture(pixels);
-        document_.ImageWidth(slot) = ToInt16(static_cast<std::int64_t>(document_.ImageUtility->Width(pixels)));
+        document_.ImageWidth(slot) =
+            ToInt16(static_cast<std::int64_t>(document_.ImageUtility->Width(pixels)));
     });
 }
 
@@ -167,7 +170,8 @@ void PictureFiles::ReadImageHeight(PictureSlot slot) {
     CarryOn([&] {
         PixelArray pixels;
         document_.Transforms(slot).CopyPicture(pixels);
-        document_.ImageHeight(slot) = ToInt16(static_cast<std::int64_t>(document_.ImageUtility->Height(pixels)));
+        document_.ImageHeight(slot) =
+            ToInt16(static_cast<std::int64_t>(document_.ImageUtility->Height(pixels)));
     });
 }
 

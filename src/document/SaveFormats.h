@@ -30,7 +30,8 @@ inline constexpr int kSaveQuality = 100;
 
 inline constexpr std::string_view kOpenFilter =
     "All Supported Picture "
-    "Files|*.bmp;*.dib;*.rle;*.gif;*.png;*.jpg;*.jpe;*.jpeg;*.tif;*.tiff;*.cpt;*.jp2;*.jpc;*.j2k;*.tga;*.pcx;*.ras;*."
+    "Files|*.bmp;*.dib;*.rle;*.gif;*.png;*.jpg;*.jpe;*.jpeg;*.tif;*.tiff;*.cpt;*.jp2;*.jpc;*.j2k;*.tga;*.pcx;"
+    "*.ras;*."
     "wmf;*.emf|"
     "BMP Windows Bitmap (*.BMP;*.DIB;*.RLE)|*.bmp;*.dib;*.rle|"
     "GIF Graphics Interchange Format (*.GIF)|*.gif|"

@@ -1,14 +1,14 @@
 // The attention devices of the main window, see Popup_Mod.h.
 #include "notices/Popup_Mod.h"
 
+#include "platform/CarryOn.h"
+#include "platform/FileSystem.h"
+#include "platform/PumpEvents.h"
+
 #include <QFile>
 #include <QGuiApplication>
 #include <QPoint>
 #include <QScreen>
-
-#include "platform/CarryOn.h"
-#include "platform/FileSystem.h"
-#include "platform/PumpEvents.h"
 
 namespace pictorel {
 namespace {
@@ -59,8 +59,8 @@ void ShowSplashPopup(PopupControl& popup, const QByteArray& splash, const QStrin
 }
 
 void ShowGettingStartedTag(PopupControl& popup, const QPoint& window, const QString& picture) {
-    constexpr int kRightOfWindow = 40;  // pixels from the window's left edge to the tag's
-    constexpr int kBelowWindow = 100;   // pixels from the window's top edge to the tag's
+    constexpr int kRightOfWindow = 40; // pixels from the window's left edge to the tag's
+    constexpr int kBelowWindow = 100;  // pixels from the window's top edge to the tag's
     constexpr int kOpaque = 255;
     CarryOn([&] { Configure(popup, kTag, picture); }, //
             [&] { popup.SetOpacity(kOpaque); },

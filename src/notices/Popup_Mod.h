@@ -1,13 +1,13 @@
 // The attention devices of the main window: splash, getting-started tag, and the blink of a button.
 #pragma once
 
-#include <QTimer>
-
-#include <cstdint>
-
 #include "controls/Events.h"
 #include "controls/PopupControl.h"
 #include "controls/PushButton.h"
+
+#include <QTimer>
+
+#include <cstdint>
 
 namespace pictorel {
 
@@ -20,7 +20,8 @@ class Popup_Mod {
   public:
     explicit Popup_Mod(QTimer& timer_Blink);
 
-    // Starts or stops the blink: the button's highlighted state alternates at each tick, three times, and ends plain.
+    // Starts or stops the blink: the button's highlighted state alternates at each tick, three times, and
+    // ends plain.
     void BlinkButton(PushButton& button, bool on, int intervalMilliseconds);
 
     void Timer_Blink_Timer();

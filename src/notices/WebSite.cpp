@@ -1,9 +1,9 @@
 // Web links, see WebSite.h.
 #include "notices/WebSite.h"
 
-#include <array>
-
 #include "platform/ShellOpen.h"
+
+#include <array>
 
 namespace pictorel {
 namespace {

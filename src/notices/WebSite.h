@@ -1,12 +1,12 @@
 // Web links, by number.
 #pragma once
 
-#include <cstdint>
-
 #include "controls/ControlArray.h"
 #include "controls/Events.h"
 #include "controls/PushButton.h"
 #include "notices/StringTable.h"
+
+#include <cstdint>
 
 namespace pictorel {
 

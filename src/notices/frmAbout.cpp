@@ -1,13 +1,13 @@
 // The About window, see frmAbout.h.
 #include "notices/frmAbout.h"
 
-#include <QLabel>
-#include <QPixmap>
-#include <QVBoxLayout>
-
 #include "controls/Events.h"
 #include "controls/PushButton.h"
 #include "notices/WebSite.h"
+
+#include <QLabel>
+#include <QPixmap>
+#include <QVBoxLayout>
 
 namespace pictorel {
 namespace {
@@ -34,7 +34,8 @@ QLabel* Picture(const QString& name, const QString& fileName) {
 
 } // namespace
 
-frmAbout::frmAbout(QWidget* owner, const StringTable& strings, const QString& version, const QString& pictures)
+frmAbout::frmAbout(QWidget* owner, const StringTable& strings, const QString& version,
+                   const QString& pictures)
     : QDialog(owner) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About"));
@@ -71,9 +72,9 @@ frmAbout::frmAbout(QWidget* owner, const StringTable& strings, const QString& ve
     names->addStretch();
 
     AddText(*texts, QStringLiteral("Label1"), QStringLiteral("Thank you for using Pictorel !"));
-    QLabel* const site = AddText(*texts, QStringLiteral("Lbl_SiteAddress"),
-                                 QStringLiteral("<a href=\"site\">%1</a>")
-                                     .arg(strings.Entry(Text::SiteAddressShown).toHtmlEscaped()));
+    QLabel* const site = AddText(
+        *texts, QStringLiteral("Lbl_SiteAddress"),
+        QStringLiteral("<a href=\"site\">%1</a>").arg(strings.Entry(Text::SiteAddressShown).toHtmlEscaped()));
     connect(site, &QLabel::linkActivated, this,
             Events::Guarded([&strings](const QString&) { OpenWebLink(kSiteLink, strings); }));
     AddText(*texts, QStringLiteral("lblDisclaimer"), strings.Entry(Text::Disclaimer));

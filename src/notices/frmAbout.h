@@ -1,9 +1,9 @@
 // The About window.
 #pragma once
 
-#include <QDialog>
-
 #include "notices/StringTable.h"
+
+#include <QDialog>
 
 namespace pictorel {
 

@@ -1,13 +1,13 @@
 // The preview window, see frmPreview.h.
 #include "notices/frmPreview.h"
 
+#include "controls/Twips.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 
 #include <algorithm>
 #include <utility>
-
-#include "controls/Twips.h"
 
 namespace pictorel {
 namespace {
@@ -37,8 +37,10 @@ QRect OnScreen(QRect place) {
     const QScreen* screen = QGuiApplication::screenAt(place.center());
     screen = screen != nullptr ? screen : QGuiApplication::primaryScreen();
     const QRect available = screen->availableGeometry();
-    place.moveLeft(std::clamp(place.left(), available.left(), std::max(available.left(), available.right() - place.width() + 1)));
-    place.moveTop(std::clamp(place.top(), available.top(), std::max(available.top(), available.bottom() - place.height() + 1)));
+    place.moveLeft(std::clamp(place.left(), available.left(),
+                              std::max(available.left(), available.right() - place.width() + 1)));
+    place.moveTop(std::clamp(place.top(), available.top(),
+                             std::max(available.top(), available.bottom() - place.height() + 1)));
     return place;
 }
 
@@ -52,8 +54,8 @@ frmPreview::~frmPreview() = default;
 void frmPreview::Load() {
     const PreviewPlacement placement = placement_();
     const PreviewSize& size = SizeFor(placement.pictureWidth, placement.pictureHeight);
-    window_ = std::make_unique<QWidget>(&owner_, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint |
-                                                     Qt::WindowDoesNotAcceptFocus);
+    window_ = std::make_unique<QWidget>(
+        &owner_, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint | Qt::WindowDoesNotAcceptFocus);
     window_->setObjectName(QStringLiteral("frmPreview"));
     window_->setWindowTitle(QStringLiteral("Preview"));
     window_->setAttribute(Qt::WA_ShowWithoutActivating);
@@ -64,8 +66,9 @@ void frmPreview::Load() {
 
     const int width = TwipsToPixels(size.windowWidth);
     const int height = TwipsToPixels(size.windowHeight);
-    const QRect place = OnScreen({TwipsToPixels(static_cast<float>(placement.left) - size.windowWidth + kOverlap),
-                                  TwipsToPixels(static_cast<float>(placement.top)), width, height});
+    const QRect place =
+        OnScreen({TwipsToPixels(static_cast<float>(placement.left) - size.windowWidth + kOverlap),
+                  TwipsToPixels(static_cast<float>(placement.top)), width, height});
     window_->setFixedSize(width, height);
     window_->move(place.topLeft());
     const int viewWidth = TwipsToPixels(size.viewWidth);

@@ -1,13 +1,13 @@
 // The floating window that shows the preview of an adjustment while its slider is held.
 #pragma once
 
+#include "imaging/desktop/PictureView.h"
+#include "operations/LivePreview.h"
+
 #include <QWidget>
 
 #include <functional>
 #include <memory>
-
-#include "imaging/desktop/PictureView.h"
-#include "operations/LivePreview.h"
 
 namespace pictorel {
 

@@ -1,12 +1,12 @@
 // The sliders' preview and commit, see LivePreview.h.
 #include "operations/LivePreview.h"
 
-#include <utility>
-
 #include "operations/SliderCatalogue.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 #include "platform/PumpEvents.h"
+
+#include <utility>
 
 namespace pictorel {
 namespace {
@@ -51,7 +51,9 @@ void LivePreview::Slider_Tab_MouseDown(int slider) {
                               controls_.Slider_Tab(slider).Top() + kBelowSlider;
             PreviewWindowTop = RoundHalfEven(top);
         },
-        [&] { PreviewWindowLeft = RoundHalfEven(WindowPosition().first + controls_.TabControl_Effects.Left()); },
+        [&] {
+            PreviewWindowLeft = RoundHalfEven(WindowPosition().first + controls_.TabControl_Effects.Left());
+        },
         [&] {
             if (PreviewOutdated) {
                 services_.UpdatePreviewImage(kSlot);
@@ -72,9 +74,10 @@ void LivePreview::Slider_Tab_Change(int slider) {
     value.RepaintNow();
     const OperationParameters parameters =
         GatherParameters(slider, [this](int i) { return controls_.Slider_Tab(i).Value(); });
-    const auto code = static_cast<std::int32_t>(SliderCatalogue()[static_cast<std::size_t>(slider)].operation);
-    dispatcher_.ApplyImageOperation(kSlot, code, document_.LivePreviewMode, parameters.value1, parameters.value2,
-                                    parameters.value3);
+    const auto code =
+        static_cast<std::int32_t>(SliderCatalogue()[static_cast<std::size_t>(slider)].operation);
+    dispatcher_.ApplyImageOperation(kSlot, code, document_.LivePreviewMode, parameters.value1,
+                                    parameters.value2, parameters.value3);
 }
 
 void LivePreview::Slider_Tab_MouseUp(int slider) {
@@ -84,14 +87,15 @@ void LivePreview::Slider_Tab_MouseUp(int slider) {
     if (document_.LivePreviewMode) {
         Commit(slider);
     }
-    CarryOn([&] { Progress(7); }, //
-            [&] { services_.UpdatePreviewImage(kSlot); },
-            [&] { Progress(8); }, //
-            [&] { controls_.ProgressBarControl.SetVisible(false); }, [&] { services_.SetEditingEnabled(true); },
+    CarryOn([&] { Progress(7); },                                               //
+            [&] { services_.UpdatePreviewImage(kSlot); }, [&] { Progress(8); }, //
+            [&] { controls_.ProgressBarControl.SetVisible(false); },
+            [&] { services_.SetEditingEnabled(true); },
             // Disabling the slider took the keyboard focus from it.
             [&] { controls_.Slider_Tab(slider).setFocus(); },
             [&] {
-                EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton, controls_.HistoryList);
+                EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton,
+                                                   controls_.HistoryList);
             });
 }
 
@@ -103,7 +107,8 @@ void LivePreview::Commit(int slider) {
             [&] { document_.LivePreviewMode = true; }, //
             [&] { Progress(5); },
             [&] {
-                history_.AddHistoryEntry(controls_.lbl_SliderName(slider).Caption(), kSlot, controls_.HistoryList);
+                history_.AddHistoryEntry(controls_.lbl_SliderName(slider).Caption(), kSlot,
+                                         controls_.HistoryList);
             },
             [&] { Progress(6); });
 }

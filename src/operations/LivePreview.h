@@ -1,8 +1,6 @@
 // The sliders: preview while one is held, commit when it is let go.
 #pragma once
 
-#include <functional>
-
 #include "controls/ControlArray.h"
 #include "controls/Events.h"
 #include "controls/Label.h"
@@ -15,6 +13,8 @@
 #include "document/EditorServices.h"
 #include "operations/OperationDispatcher.h"
 #include "operations/ReducedCopy.h"
+
+#include <functional>
 
 namespace pictorel {
 
@@ -43,7 +43,8 @@ class PreviewWindow {
 class LivePreview {
   public:
     LivePreview(Image_Mods& document, LivePreviewControls controls, OperationDispatcher& dispatcher,
-                ReducedCopy& reducedCopy, EditHistory& history, EditorServices& services, PreviewWindow& window);
+                ReducedCopy& reducedCopy, EditHistory& history, EditorServices& services,
+                PreviewWindow& window);
 
     void Slider_Tab_MouseDown(int slider);
     void Slider_Tab_Change(int slider);

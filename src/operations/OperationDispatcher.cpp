@@ -1,13 +1,14 @@
 // Runs one operation, see OperationDispatcher.h.
 #include "operations/OperationDispatcher.h"
 
-#include <utility>
-
 #include "platform/CarryOn.h"
+
+#include <utility>
 
 namespace pictorel {
 
-OperationDispatcher::OperationDispatcher(Image_Mods& document, ProgressBar& progressBar, PreviewView previewView)
+OperationDispatcher::OperationDispatcher(Image_Mods& document, ProgressBar& progressBar,
+                                         PreviewView previewView)
     : document_(document), progressBar_(progressBar), previewView_(std::move(previewView)) {}
 
 void OperationDispatcher::ApplyImageOperation(PictureSlot slot, std::int32_t code, bool previewMode,
@@ -18,14 +19,15 @@ void OperationDispatcher::ApplyImageOperation(PictureSlot slot, std::int32_t cod
     };
     CarryOn(
         [&] {
-            document_.Transforms(slot).SetPicture(previewMode ? document_.PreviewPixels : document_.ImagePixels);
+            document_.Transforms(slot).SetPicture(previewMode ? document_.PreviewPixels
+                                                              : document_.ImagePixels);
         },
         [&] { progress(2); },
         [&] {
             if (code >= 0 && code < kOperationCount) {
                 const ColourValue background = document_.Views(slot).BackgroundColour();
-                OperationTable()[static_cast<std::size_t>(code)].perform(document_.Transforms(slot),
-                                                                         {value1, value2, value3}, background);
+                OperationTable()[static_cast<std::size_t>(code)].perform(
+                    document_.Transforms(slot), {value1, value2, value3}, background);
             }
         },
         [&] { progress(3); },

@@ -1,12 +1,12 @@
 // Runs one operation on the committed picture or on the preview copy and shows the result.
 #pragma once
 
-#include <functional>
-
 #include "controls/ProgressBar.h"
 #include "document/ImageOperations.h"
 #include "document/Image_Mods.h"
 #include "operations/OperationTable.h"
+
+#include <functional>
 
 namespace pictorel {
 
@@ -17,9 +17,9 @@ class OperationDispatcher : public ImageOperations {
 
     OperationDispatcher(Image_Mods& document, ProgressBar& progressBar, PreviewView previewView);
 
-    // Starts from PreviewPixels (previewMode) or ImagePixels, so calls never pile up; leaves both as they are. A
-    // step that fails is skipped: the view is then refreshed from the unchanged picture. A code outside 0..35
-    // changes no pixels. Sets the changed mark in either mode.
+    // Starts from PreviewPixels (previewMode) or ImagePixels, so calls never pile up; leaves both as they
+    // are. A step that fails is skipped: the view is then refreshed from the unchanged picture. A code
+    // outside 0..35 changes no pixels. Sets the changed mark in either mode.
     void ApplyImageOperation(PictureSlot slot, std::int32_t code, bool previewMode, std::int32_t value1,
                              std::int32_t value2, std::int32_t value3) override;
 

@@ -1,11 +1,11 @@
 // The 36 operations: which imaging call each code makes, and with what.
 #pragma once
 
+#include "imaging/ImageTransform.h"
+
 #include <cstdint>
 #include <span>
 #include <string_view>
-
-#include "imaging/ImageTransform.h"
 
 namespace pictorel {
 
@@ -59,8 +59,8 @@ struct OperationParameters {
 struct OperationRow {
     Operation code;
     std::string_view name;
-    // Makes the call; `background` is the colour of exposed area. Throws ImagingError from the engine, NumberError
-    // where a parameter that must be a byte is none.
+    // Makes the call; `background` is the colour of exposed area. Throws ImagingError from the engine,
+    // NumberError where a parameter that must be a byte is none.
     void (*perform)(ImageTransform& transform, const OperationParameters& parameters, ColourValue background);
 };
 

@@ -38,8 +38,8 @@ void ReducedCopy::UpdatePreviewImage(PictureSlot slot) {
 void ReducedCopy::ConvertWholePicture(PictureSlot slot, const QString& intermediate) {
     CarryOn(
         [&] {
-            const PictureSize size = SplitSize(ComputeResizeSize(document_.ImageWidth(0), document_.ImageHeight(0),
-                                                                 kPreviewWidth, kDerive, false, 0));
+            const PictureSize size = SplitSize(ComputeResizeSize(
+                document_.ImageWidth(0), document_.ImageHeight(0), kPreviewWidth, kDerive, false, 0));
             convert_.SetOutputSize(size.width, size.height);
         },
         [&] { files_.SaveImageFile(slot, intermediate, QStringLiteral("JPG")); },

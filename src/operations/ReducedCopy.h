@@ -11,8 +11,8 @@ class ReducedCopy {
   public:
     ReducedCopy(Image_Mods& document, PictureFiles& files, ImageConvert& convert);
 
-    // Writes "tmp_preview.jpg" in the temporary folder from the picture of the slot as the view shows it: the whole
-    // picture, or the visible part when zoomed in beyond 100 %. A step that fails is skipped.
+    // Writes "tmp_preview.jpg" in the temporary folder from the picture of the slot as the view shows it: the
+    // whole picture, or the visible part when zoomed in beyond 100 %. A step that fails is skipped.
     void UpdatePreviewImage(PictureSlot slot);
 
     // Reads the file into PreviewPixels and shows it, fitted, in `view`. Stops at the first error.

@@ -34,11 +34,11 @@ void RotateFlip::Flip(PushButton& button, Operation operation, const char* capti
 }
 
 void RotateFlip::Turn(PushButton& button, Operation operation, const char* caption) {
-    CarryOn([&] { button.SetEnabled(false); },   //
-            [&] { Apply(operation); },           //
-            [&] { files_.ReadImageWidth(kSlot); }, //
-            [&] { files_.ReadImageHeight(kSlot); }, //
-            [&] { document_.Views(kSlot).Fit(); }, //
+    CarryOn([&] { button.SetEnabled(false); },        //
+            [&] { Apply(operation); },                //
+            [&] { files_.ReadImageWidth(kSlot); },    //
+            [&] { files_.ReadImageHeight(kSlot); },   //
+            [&] { document_.Views(kSlot).Fit(); },    //
             [&] { services_.UpdateZoomView(kSlot); }, //
             [&] { Record(caption); },
             [&] {
@@ -59,11 +59,11 @@ void RotateFlip::Apply(Operation operation) {
 }
 
 void RotateFlip::Record(const char* caption) {
-    CarryOn(
-        [&] { history_.AddHistoryEntry(QString::fromLatin1(caption), kSlot, controls_.HistoryList); },
-        [&] {
-            EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton, controls_.HistoryList);
-        });
+    CarryOn([&] { history_.AddHistoryEntry(QString::fromLatin1(caption), kSlot, controls_.HistoryList); },
+            [&] {
+                EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton,
+                                                   controls_.HistoryList);
+            });
 }
 
 } // namespace pictorel

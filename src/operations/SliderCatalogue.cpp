@@ -1,12 +1,12 @@
 // The table of the 34 adjustment sliders, see SliderCatalogue.h.
 #include "operations/SliderCatalogue.h"
 
+#include "platform/Numbers.h"
+
 #include <QLocale>
 
 #include <cmath>
 #include <cstdlib>
-
-#include "platform/Numbers.h"
 
 namespace pictorel {
 namespace {
@@ -65,7 +65,8 @@ constexpr bool RowsAreSound() {
     }
     return true;
 }
-static_assert(RowsAreSound(), "ranges hold their defaults, triples their sliders, groups are 0..14, 15..26, 27..33");
+static_assert(RowsAreSound(),
+              "ranges hold their defaults, triples their sliders, groups are 0..14, 15..26, 27..33");
 
 constexpr std::array kAdjustments{0, 1, 2, 3, 4, 5, -1, 6, 7, 8, -1, 12, 13, 14};
 constexpr std::array kFilters{15, 16, 17, 18, 19, 20, 21, 23};

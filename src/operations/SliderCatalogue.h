@@ -1,6 +1,8 @@
 // The table of the 34 adjustment sliders, and the rules for their value texts and parameters.
 #pragma once
 
+#include "operations/OperationTable.h"
+
 #include <QString>
 
 #include <array>
@@ -8,8 +10,6 @@
 #include <functional>
 #include <span>
 #include <string_view>
-
-#include "operations/OperationTable.h"
 
 namespace pictorel {
 

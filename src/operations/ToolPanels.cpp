@@ -1,12 +1,12 @@
 // The tool panels, see ToolPanels.h.
 #include "operations/ToolPanels.h"
 
+#include "operations/SliderCatalogue.h"
+#include "platform/CarryOn.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
-
-#include "operations/SliderCatalogue.h"
-#include "platform/CarryOn.h"
 
 namespace pictorel {
 namespace {
@@ -54,14 +54,14 @@ void ToolPanels::Cmd_Tab_Click(int index) {
     CarryOn([&] { button.SetEnabled(false); },
             [&] {
                 const OperationParameters& p = row->parameters;
-                dispatcher_.ApplyImageOperation(kSlot, static_cast<std::int32_t>(row->operation), false, p.value1,
-                                                p.value2, p.value3);
+                dispatcher_.ApplyImageOperation(kSlot, static_cast<std::int32_t>(row->operation), false,
+                                                p.value1, p.value2, p.value3);
             },
             [&] { livePreview_.PreviewOutdated = true; },
             [&] { history_.AddHistoryEntry(button.Caption(), kSlot, controls_.HistoryList); },
             [&] {
-                EditHistory::UpdateUndoRedoButtons(controls_.Cmd_Panel(kUndoButton), controls_.Cmd_Panel(kRedoButton),
-                                                   controls_.HistoryList);
+                EditHistory::UpdateUndoRedoButtons(controls_.Cmd_Panel(kUndoButton),
+                                                   controls_.Cmd_Panel(kRedoButton), controls_.HistoryList);
             },
             [&] { button.SetEnabled(true); });
 }

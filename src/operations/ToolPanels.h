@@ -36,8 +36,8 @@ class ToolPanels {
     void Cmd_Reset_Click(int index);
     void Cmd_ResetEffects_Click(int index);
 
-    // Sets the group's sliders and their texts to the defaults; the picture stays as it is. A group other than
-    // 1, 2 or 3 resets no slider.
+    // Sets the group's sliders and their texts to the defaults; the picture stays as it is. A group other
+    // than 1, 2 or 3 resets no slider.
     void ResetSliderGroup(int group);
 
     void SetEditingEnabled(bool enabled);

@@ -7,7 +7,8 @@
 namespace pictorel {
 
 // Runs every step in order. A step that throws is dropped where it threw and the next one runs; nothing is
-// reported, which is what the handlers that use this promise. A value that a failing step was to set stays as it was.
+// reported, which is what the handlers that use this promise. A value that a failing step was to set stays as
+// it was.
 template <typename... Steps>
 void CarryOn(Steps&&... steps) {
     const auto run = [](auto&& step) {

@@ -9,8 +9,8 @@ namespace pictorel {
 void FileSystem::Delete(const QString& fileName) const {
     QFile file(fileName);
     if (!file.remove()) {
-        throw FileError("The file " + fileName.toStdString() + " cannot be deleted: " +
-                        file.errorString().toStdString());
+        throw FileError("The file " + fileName.toStdString() +
+                        " cannot be deleted: " + file.errorString().toStdString());
     }
 }
 
@@ -20,7 +20,8 @@ void FileSystem::Move(const QString& from, const QString& to) const {
     }
     QFile file(from);
     if (!file.rename(to)) {
-        throw FileError("The file " + from.toStdString() + " cannot be renamed: " + file.errorString().toStdString());
+        throw FileError("The file " + from.toStdString() +
+                        " cannot be renamed: " + file.errorString().toStdString());
     }
 }
 

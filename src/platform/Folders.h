@@ -19,9 +19,9 @@ inline constexpr int kPicturesFolder = 39;
 // The user's folder of that number followed by one separator; empty where there is none or it does not exist.
 QString GetSpecialPath(int folderNumber);
 
-// The folder of this process's working files: inside the system's temporary folder, readable by this user only, so
-// that two running editors never touch each other's history. It is removed with the object. Folders left behind by
-// dead processes are swept when one is made; a living owner holds a lock on its own.
+// The folder of this process's working files: inside the system's temporary folder, readable by this user
+// only, so that two running editors never touch each other's history. It is removed with the object. Folders
+// left behind by dead processes are swept when one is made; a living owner holds a lock on its own.
 class WorkingFolder {
   public:
     WorkingFolder();
@@ -29,8 +29,8 @@ class WorkingFolder {
     WorkingFolder(const WorkingFolder&) = delete;
     WorkingFolder& operator=(const WorkingFolder&) = delete;
 
-    // The folder's path with its trailing separator. Asked afresh at every call: a folder that somebody deleted is
-    // made again. Empty where the system has no temporary folder whose path fits 255 characters.
+    // The folder's path with its trailing separator. Asked afresh at every call: a folder that somebody
+    // deleted is made again. Empty where the system has no temporary folder whose path fits 255 characters.
     QString GetTempFolder();
 
   private:

@@ -1,10 +1,10 @@
 // Derived picture sizes, see ResizeArithmetic.h.
 #include "resize/ResizeArithmetic.h"
 
-#include <QStringList>
-
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
+
+#include <QStringList>
 
 namespace pictorel {
 namespace {

@@ -7,9 +7,9 @@
 
 namespace pictorel {
 
-// "W,H" in decimal. By percent: both sides x percent / 100. Otherwise the side given as -1 is derived from the other
-// in the proportions of width0 x height0; with neither -1 the result is empty. Rounds to nearest, halves to even. A
-// side that cannot be computed (no picture, more than 16 bits) stays 0.
+// "W,H" in decimal. By percent: both sides x percent / 100. Otherwise the side given as -1 is derived from
+// the other in the proportions of width0 x height0; with neither -1 the result is empty. Rounds to nearest,
+// halves to even. A side that cannot be computed (no picture, more than 16 bits) stays 0.
 QString ComputeResizeSize(std::int16_t width0, std::int16_t height0, std::int16_t width, std::int16_t height,
                           bool byPercent, std::int16_t percent);
 

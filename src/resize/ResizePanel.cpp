@@ -1,12 +1,12 @@
 // The Resize page, see ResizePanel.h.
 #include "resize/ResizePanel.h"
 
-#include <utility>
-
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 #include "platform/PumpEvents.h"
 #include "resize/ResizeArithmetic.h"
+
+#include <utility>
 
 namespace pictorel {
 namespace {
@@ -39,13 +39,15 @@ ResizePanel::ResizePanel(Image_Mods& document, PictureFiles& files, ResizePanelC
       icons_(icons),
       refitView_(std::move(refitView)) {
     for (int i = 0; i < controls_.RadioButton_Resize.Count(); ++i) {
-        events_.On(controls_.RadioButton_Resize(i), &RadioButton::clicked, [this, i] { RadioButton_Resize_Click(i); });
+        events_.On(controls_.RadioButton_Resize(i), &RadioButton::clicked,
+                   [this, i] { RadioButton_Resize_Click(i); });
     }
     events_.On(controls_.Combo_ResizePredefined, &ComboBox::currentIndexChanged,
                [this](int) { Combo_ResizePredefined_Click(); });
     events_.On(controls_.UpDown_ImageWidth, &UpDown::Changed, [this](int) { UpDown_ImageWidth_Change(); });
     events_.On(controls_.UpDown_ImageHeight, &UpDown::Changed, [this](int) { UpDown_ImageHeight_Change(); });
-    events_.On(controls_.UpDown_ResizePercent, &UpDown::Changed, [this](int) { UpDown_ResizePercent_Change(); });
+    events_.On(controls_.UpDown_ResizePercent, &UpDown::Changed,
+               [this](int) { UpDown_ResizePercent_Change(); });
     events_.On(controls_.LockButton, &PushButton::clicked, [this] { Lock_Click(); });
     events_.On(controls_.ApplyButton, &PushButton::clicked, [this] { Apply_Click(); });
     BindFields();
@@ -107,7 +109,8 @@ void ResizePanel::RadioButton_Resize_Click(int mode) {
         [&] {
             if (mode == Predefined) {
                 controls_.Combo_ResizePredefined.SetEnabled(true);
-                controls_.Combo_ResizePredefined.Select(-1); // so that choosing the first row is always a change
+                controls_.Combo_ResizePredefined.Select(
+                    -1); // so that choosing the first row is always a change
                 controls_.Combo_ResizePredefined.Select(0);
             } else {
                 ClearList();
@@ -166,8 +169,8 @@ void ResizePanel::UpDown_ImageWidth_Change() {
             ShowNewSize();
             return;
         }
-        UseComputedSize(ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), width, kDerive,
-                                          false, 0));
+        UseComputedSize(ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), width,
+                                          kDerive, false, 0));
         controls_.Txt_ImageHeight.setText(QString::number(NewHeight));
     });
 }
@@ -180,8 +183,8 @@ void ResizePanel::UpDown_ImageHeight_Change() {
             ShowNewSize();
             return;
         }
-        UseComputedSize(ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), kDerive, height,
-                                          false, 0));
+        UseComputedSize(ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), kDerive,
+                                          height, false, 0));
         controls_.Txt_ImageWidth.setText(QString::number(NewWidth));
     });
 }
@@ -266,8 +269,8 @@ void ResizePanel::Lock_Click() {
 void ResizePanel::Apply_Click() {
     CarryOn([&] { controls_.ApplyButton.SetEnabled(false); },
             [&] { operations_.ApplyImageOperation(kSlot, kResizeOperation, false, NewWidth, NewHeight, 0); },
-            [] { PumpEvents(); },                   //
-            [&] { files_.ReadImageWidth(kSlot); },  //
+            [] { PumpEvents(); },                  //
+            [&] { files_.ReadImageWidth(kSlot); }, //
             [&] { files_.ReadImageHeight(kSlot); },
             [&] {
                 const int width = document_.ImageWidth(kSlot);
@@ -278,7 +281,8 @@ void ResizePanel::Apply_Click() {
             [&] { refitView_(); },
             [&] { history_.AddHistoryEntry(QStringLiteral("Resize"), kSlot, controls_.HistoryList); },
             [&] {
-                EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton, controls_.HistoryList);
+                EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton,
+                                                   controls_.HistoryList);
             },
             [&] { controls_.ApplyButton.SetEnabled(true); });
 }

@@ -1,10 +1,6 @@
 // The Resize page: four ways to choose a new size, and "Apply".
 #pragma once
 
-#include <QIcon>
-
-#include <functional>
-
 #include "controls/ComboBox.h"
 #include "controls/ControlArray.h"
 #include "controls/EditField.h"
@@ -19,6 +15,10 @@
 #include "document/ImageOperations.h"
 #include "document/PictureFiles.h"
 
+#include <QIcon>
+
+#include <functional>
+
 namespace pictorel {
 
 struct ResizePanelControls {
@@ -30,8 +30,8 @@ struct ResizePanelControls {
     UpDown& UpDown_ImageWidth;
     UpDown& UpDown_ImageHeight;
     UpDown& UpDown_ResizePercent;
-    PushButton& ApplyButton; // Cmd_Tab(3)
-    PushButton& LockButton;  // Cmd_Tab(4); its tag "1" means locked
+    PushButton& ApplyButton;        // Cmd_Tab(3)
+    PushButton& LockButton;         // Cmd_Tab(4); its tag "1" means locked
     ControlArray<Label> lbl_Resize; // 0 the original size, 1 the new one
     Label& lbl_ImageInfo;
     PushButton& UndoButton;
@@ -44,8 +44,9 @@ using RefitView = std::function<void()>;
 
 class ResizePanel {
   public:
-    ResizePanel(Image_Mods& document, PictureFiles& files, ResizePanelControls controls, ImageOperations& operations,
-                EditHistory& history, const IconStore& icons, RefitView refitView);
+    ResizePanel(Image_Mods& document, PictureFiles& files, ResizePanelControls controls,
+                ImageOperations& operations, EditHistory& history, const IconStore& icons,
+                RefitView refitView);
 
     void RadioButton_Resize_Click(int mode);
     void Combo_ResizePredefined_Click();

@@ -1,12 +1,12 @@
 // Zoom and scrolling, see ZoomScroll.h.
 #include "view/ZoomScroll.h"
 
-#include <cmath>
-#include <utility>
-
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 #include "platform/PumpEvents.h"
+
+#include <cmath>
+#include <utility>
 
 namespace pictorel {
 namespace {
@@ -32,8 +32,10 @@ ZoomScroll::ZoomScroll(Image_Mods& document, ZoomScrollControls controls, Previe
         events_.On(controls_.Cmd_ZoomOut(i), &PushButton::clicked, [this, i] { Cmd_ZoomOut_Click(i); });
         events_.On(controls_.Cmd_ZoomFit(i), &PushButton::clicked, [this, i] { Cmd_ZoomFit_Click(i); });
         events_.On(controls_.Cmd_ActualSize(i), &PushButton::clicked, [this, i] { Cmd_ActualSize_Click(i); });
-        events_.On(controls_.Slider_ImageZoom(i), &Slider::Changed, [this, i](int) { Slider_ImageZoom_Change(i); });
-        events_.On(controls_.Slider_ImageZoom(i), &Slider::Released, [this, i] { Slider_ImageZoom_MouseUp(i); });
+        events_.On(controls_.Slider_ImageZoom(i), &Slider::Changed,
+                   [this, i](int) { Slider_ImageZoom_Change(i); });
+        events_.On(controls_.Slider_ImageZoom(i), &Slider::Released,
+                   [this, i] { Slider_ImageZoom_MouseUp(i); });
         for (ScrollBar* const bar : {&controls_.ScrollBar_ImageX(i), &controls_.ScrollBar_ImageY(i)}) {
             events_.On(*bar, &ScrollBar::valueChanged, [this, i](int) { ScrollBar_Change(i); });
         }
@@ -112,7 +114,8 @@ void ZoomScroll::Slider_ImageZoom_Change(int index) {
     }
     CarryOn(
         [&] {
-            controls_.lbl_ZoomPercent(index).SetCaption(PercentText(controls_.Slider_ImageZoom(index).Value()));
+            controls_.lbl_ZoomPercent(index).SetCaption(
+                PercentText(controls_.Slider_ImageZoom(index).Value()));
             controls_.lbl_ZoomPercent(index).RepaintNow();
         },
         [&] { ScrollImageView(static_cast<PictureSlot>(index)); });

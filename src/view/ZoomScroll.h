@@ -1,8 +1,6 @@
 // Zoom and scrolling: the controls follow the view and the view follows the controls.
 #pragma once
 
-#include <functional>
-
 #include "controls/ControlArray.h"
 #include "controls/Events.h"
 #include "controls/Label.h"
@@ -10,6 +8,8 @@
 #include "controls/ScrollBar.h"
 #include "controls/Slider.h"
 #include "document/Image_Mods.h"
+
+#include <functional>
 
 namespace pictorel {
 
@@ -19,9 +19,10 @@ struct ZoomScrollControls {
     ControlArray<PushButton> Cmd_ZoomOut;
     ControlArray<PushButton> Cmd_ZoomFit;
     ControlArray<PushButton> Cmd_ActualSize;
-    ControlArray<Slider> Slider_ImageZoom;     // whole percent
+    ControlArray<Slider> Slider_ImageZoom; // whole percent
     ControlArray<Label> lbl_ZoomPercent;
-    ControlArray<ScrollBar> ScrollBar_ImageX; // offset of the view's centre from the picture's middle, picture pixels
+    ControlArray<ScrollBar>
+        ScrollBar_ImageX; // offset of the view's centre from the picture's middle, picture pixels
     ControlArray<ScrollBar> ScrollBar_ImageY;
 };
 

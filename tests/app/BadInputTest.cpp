@@ -1,10 +1,9 @@
 // Files that are no pictures, or broken ones, through the Open command.
+#include "app/Editor.h"
+
 #include <QDir>
 #include <QFile>
-
 #include <gtest/gtest.h>
-
-#include "app/Editor.h"
 
 namespace pictorel {
 namespace {
@@ -30,7 +29,8 @@ class BadInput : public testing::Test {
         editor.person.ForgetMessages();
         editor.Open(fileName);
         ASSERT_EQ(editor.person.Messages().size(), 1U) << fileName.toStdString();
-        EXPECT_EQ(editor.person.Messages().front().text, "Unsupported file format!") << fileName.toStdString();
+        EXPECT_EQ(editor.person.Messages().front().text, "Unsupported file format!")
+            << fileName.toStdString();
         EXPECT_EQ(editor.person.Messages().front().title, "Error");
         EXPECT_EQ(editor.person.Messages().front().icon, QMessageBox::Critical);
         EXPECT_EQ(LargestDifference(editor.Shown(), MakeScene(64, 48)), 0);
@@ -52,8 +52,9 @@ TEST_F(BadInput, NoPictureIsRefusedAndTheOpenOneStays) {
 
 TEST_F(BadInput, AHugeSizeInATinyFileIsRefused) {
     QByteArray header("BM", 2);
-    header += QByteArray::fromHex("360000000000000036000000280000004"
-                                  "09c0000409c0000010018000000000000000000000000000000000000000000000000000");
+    header += QByteArray::fromHex(
+        "360000000000000036000000280000004"
+        "09c0000409c0000010018000000000000000000000000000000000000000000000000000");
     ExpectRefused(WriteFile("huge.bmp", header));
 }
 
@@ -63,7 +64,8 @@ TEST_F(BadInput, TruncatedFilesShowWhatIsThereOrAreRefused) {
         const QByteArray whole = BytesOf(QString("whole.%1").arg(format));
         for (const int percent : {2, 30, 70, 99}) {
             editor.person.ForgetMessages();
-            editor.Open(WriteFile(QString("cut%1.%2").arg(percent).arg(format), whole.left(whole.size() * percent / 100)));
+            editor.Open(WriteFile(QString("cut%1.%2").arg(percent).arg(format),
+                                  whole.left(whole.size() * percent / 100)));
             const bool refused = !editor.person.Messages().empty();
             EXPECT_TRUE(refused || editor.Shown().Width() == 200) << format << " " << percent;
         }
@@ -74,7 +76,9 @@ TEST_F(BadInput, NamesWithAnyLettersOpenAndSave) {
     const QString name = QString::fromUtf8("\xC3\x84pfel \xE5\x86\x99\xE7\x9C\x9F & Co.png");
     editor.Open(editor.MakeFile(name, MakeScene(70, 50)));
     EXPECT_EQ(editor.Shown().Width(), 70);
-    const QString target = QString::fromUtf8("\xC3\xBC" "ber all.bmp");
+    const QString target = QString::fromUtf8(
+        "\xC3\xBC"
+        "ber all.bmp");
     editor.Save(editor.Path(target));
     EXPECT_EQ(LargestDifference(editor.Read(editor.Path(target)), MakeScene(70, 50)), 0);
     EXPECT_TRUE(editor.person.Messages().empty());

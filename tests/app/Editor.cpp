@@ -4,11 +4,10 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QTest>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
-
-#include <gtest/gtest.h>
 
 namespace pictorel {
 

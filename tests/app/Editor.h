@@ -1,14 +1,14 @@
 // The editor as the tests drive it: the real window, started as the process starts it.
 #pragma once
 
+#include "app/Person.h"
+#include "app/StartUp.h"
+#include "app/frmMain.h"
+
 #include <QTemporaryDir>
 
 #include <functional>
 #include <memory>
-
-#include "app/Person.h"
-#include "app/StartUp.h"
-#include "app/frmMain.h"
 
 namespace pictorel {
 

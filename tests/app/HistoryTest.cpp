@@ -1,11 +1,10 @@
 // The edit history through the window: rows, working files, undo and redo.
-#include <QDir>
-#include <QFileInfo>
-
-#include <gtest/gtest.h>
-
 #include "app/Editor.h"
 #include "controls/Label.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <gtest/gtest.h>
 
 namespace pictorel {
 namespace {
@@ -23,7 +22,8 @@ void ExpectSound(Editor& editor) {
     ASSERT_LE(editor.History().Count(), 15);
     EXPECT_EQ(WorkingFiles(editor).size(), editor.History().Count());
     for (int row = 0; row < editor.History().Count(); ++row) {
-        EXPECT_EQ(editor.History().Item(row, 1).value, editor.WorkingFile(QString("tmpimg_0_%1.jpg").arg(row + 1)));
+        EXPECT_EQ(editor.History().Item(row, 1).value,
+                  editor.WorkingFile(QString("tmpimg_0_%1.jpg").arg(row + 1)));
         EXPECT_EQ(editor.History().Item(row, 0).textColour, row > editor.ActiveRow() ? kSilver : kBlack);
     }
     EXPECT_EQ(editor.Get("Cmd_Panel", kUndo).IsEnabled(), editor.ActiveRow() > 0);
@@ -42,12 +42,14 @@ TEST(History, UndoAndRedoBringBackWhatWasThere) {
     ExpectSound(editor);
     for (int row = 3; row >= 0; --row) {
         editor.Click("Cmd_Panel", kUndo);
-        EXPECT_LE(LargestDifference(editor.Shown(), states[static_cast<std::size_t>(row)]), 2) << "undo to " << row;
+        EXPECT_LE(LargestDifference(editor.Shown(), states[static_cast<std::size_t>(row)]), 2)
+            << "undo to " << row;
         ExpectSound(editor);
     }
     for (int row = 1; row <= 4; ++row) {
         editor.Click("Cmd_Panel", kRedo);
-        EXPECT_LE(LargestDifference(editor.Shown(), states[static_cast<std::size_t>(row)]), 2) << "redo to " << row;
+        EXPECT_LE(LargestDifference(editor.Shown(), states[static_cast<std::size_t>(row)]), 2)
+            << "redo to " << row;
         ExpectSound(editor);
     }
     EXPECT_TRUE(editor.Document().ImageModified(0));

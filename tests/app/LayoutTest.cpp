@@ -1,7 +1,7 @@
 // Where the layout puts the controls for a given outer size, and which fit it chooses.
-#include <gtest/gtest.h>
-
 #include "app/Editor.h"
+
+#include <gtest/gtest.h>
 
 namespace pictorel {
 namespace {
@@ -34,8 +34,8 @@ TEST(Layout, PlacesEverythingFromTheOuterSize) {
          }) {
         const Control& control = editor.Get<Control>(c.name, c.index);
         const auto same = [&](float wanted, float have) { return wanted < 0 || wanted == have; };
-        EXPECT_TRUE(same(c.left, control.Left()) && same(c.top, control.Top()) && same(c.width, control.Width()) &&
-                    same(c.height, control.Height()))
+        EXPECT_TRUE(same(c.left, control.Left()) && same(c.top, control.Top()) &&
+                    same(c.width, control.Width()) && same(c.height, control.Height()))
             << c.name << ": " << control.Left() << " " << control.Top() << " " << control.Width() << " "
             << control.Height();
     }

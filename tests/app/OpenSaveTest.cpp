@@ -1,12 +1,11 @@
 // Opening and saving through the window, and the question about unsaved changes.
+#include "app/Editor.h"
+#include "controls/Label.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
 #include <gtest/gtest.h>
-
-#include "app/Editor.h"
-#include "controls/Label.h"
 
 namespace pictorel {
 namespace {
@@ -45,10 +44,9 @@ struct ChangedCase {
 };
 
 TEST(Open, AsksAboutUnsavedChangesAndDoesAsAnswered) {
-    for (const ChangedCase& c : {ChangedCase{QMessageBox::Cancel, false, false},
-                                 ChangedCase{QMessageBox::No, false, true},
-                                 ChangedCase{QMessageBox::Yes, true, false},
-                                 ChangedCase{QMessageBox::Yes, false, true}}) {
+    for (const ChangedCase& c :
+         {ChangedCase{QMessageBox::Cancel, false, false}, ChangedCase{QMessageBox::No, false, true},
+          ChangedCase{QMessageBox::Yes, true, false}, ChangedCase{QMessageBox::Yes, false, true}}) {
         Editor editor;
         editor.Open(editor.MakeFile("first.bmp", MakeScene(40, 30)));
         editor.Click("Cmd_Tab", 2);
@@ -82,9 +80,10 @@ TEST(Save, WritesTheFormatOfTheExtension) {
     Editor editor;
     const PixelArray scene = MakeScene(64, 48);
     editor.Open(editor.MakeFile("source.bmp", scene));
-    for (const SaveCase& c : {SaveCase{"plain.png", "plain.png", 0}, SaveCase{"Mixed.Png", "Mixed.Png", 0},
-                              SaveCase{"loud.BMP", "loud.BMP", 0}, SaveCase{"layers.tif", "layers.tif", 0},
-                              SaveCase{"photo.jpg", "photo.jpg", 6}, SaveCase{"no extension", "no extension.jpg", 6}}) {
+    for (const SaveCase& c :
+         {SaveCase{"plain.png", "plain.png", 0}, SaveCase{"Mixed.Png", "Mixed.Png", 0},
+          SaveCase{"loud.BMP", "loud.BMP", 0}, SaveCase{"layers.tif", "layers.tif", 0},
+          SaveCase{"photo.jpg", "photo.jpg", 6}, SaveCase{"no extension", "no extension.jpg", 6}}) {
         editor.Document().ImageModified(0) = true;
         editor.Save(editor.Path(c.typed));
         EXPECT_FALSE(editor.Document().ImageModified(0)) << c.typed;

@@ -1,6 +1,4 @@
 // One-click buttons, resets, rotate and flip, and the Resize page through the window.
-#include <gtest/gtest.h>
-
 #include "app/Editor.h"
 #include "controls/ComboBox.h"
 #include "controls/EditField.h"
@@ -10,6 +8,7 @@
 #include "controls/UpDown.h"
 
 #include <QTest>
+#include <gtest/gtest.h>
 
 namespace pictorel {
 namespace {
@@ -46,7 +45,8 @@ TEST(Panels, ResetSetsSlidersAndTextsAndLeavesThePicture) {
     Editor editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     const PixelArray before = editor.Shown();
-    for (const auto& [slider, value] : std::vector<std::pair<int, int>>{{0, 50}, {1, 150}, {10, 7}, {13, 3}, {20, 30}}) {
+    for (const auto& [slider, value] :
+         std::vector<std::pair<int, int>>{{0, 50}, {1, 150}, {10, 7}, {13, 3}, {20, 30}}) {
         editor.Get<Slider>("Slider_Tab", slider).SetValue(value);
     }
     editor.Click("Cmd_Reset", 0);

@@ -17,8 +17,8 @@ struct SeenMessage {
     QMessageBox::Icon icon;
 };
 
-// Answers every modal window that comes up, in the order in which the answers were given; a message without an answer
-// waiting is closed. Everything seen is recorded.
+// Answers every modal window that comes up, in the order in which the answers were given; a message without
+// an answer waiting is closed. Everything seen is recorded.
 class Person {
   public:
     Person();

@@ -1,11 +1,10 @@
 // Sliders through the window: preview while held, commit on release.
-#include <QTest>
-
-#include <gtest/gtest.h>
-
 #include "app/Editor.h"
 #include "controls/Label.h"
 #include "controls/Slider.h"
+
+#include <QTest>
+#include <gtest/gtest.h>
 
 namespace pictorel {
 namespace {

@@ -1,11 +1,10 @@
 // What the window looks like after start-up, before a picture is open.
-#include <QHeaderView>
-
-#include <gtest/gtest.h>
-
 #include "app/Editor.h"
 #include "controls/ComboBox.h"
 #include "controls/TabControl.h"
+
+#include <QHeaderView>
+#include <gtest/gtest.h>
 
 namespace pictorel {
 namespace {
@@ -19,20 +18,34 @@ struct EnabledCase {
 TEST(StartUp, EnablesOnlyWhatNeedsNoPicture) {
     Editor editor;
     for (const EnabledCase& c : {
-             EnabledCase{"Cmd_Panel", 0, true},         {"Cmd_Panel", 1, false},
-             {"Cmd_Panel", 2, false},                   {"Cmd_Panel", 3, false},
-             {"Cmd_Panel", 4, false},                   {"Cmd_Panel", 5, true},
-             {"Cmd_Panel", 6, true},                    {"Cmd_Panel", 7, true},
-             {"Cmd_Recommend", 0, true},                {"Cmd_RotateLeft", 0, false},
-             {"Cmd_FlipH", 0, false},                   {"Cmd_ZoomIn", 0, false},
-             {"Slider_ImageZoom", 0, false},            {"HistoryList", 0, false},
-             {"Slider_Tab", 0, false},                  {"Slider_Tab", 33, false},
-             {"lbl_SliderName", 39, false},             {"lbl_SliderTab", 5, false},
-             {"Cmd_Tab", 2, false},                     {"Cmd_Tab", 4, false},
-             {"Cmd_Reset", 1, false},                   {"Cmd_Icon", 11, false},
-             {"RadioButton_Resize", 3, false},          {"GroupBox_Resize", 0, false},
-             {"lbl_Resize", 1, false},                  {"Cmd_ResetEffects", 3, true},
-             {"TabControl_Effects", 0, true},           {"lbl_ImageInfo", 0, false},
+             EnabledCase{"Cmd_Panel", 0, true},
+             {"Cmd_Panel", 1, false},
+             {"Cmd_Panel", 2, false},
+             {"Cmd_Panel", 3, false},
+             {"Cmd_Panel", 4, false},
+             {"Cmd_Panel", 5, true},
+             {"Cmd_Panel", 6, true},
+             {"Cmd_Panel", 7, true},
+             {"Cmd_Recommend", 0, true},
+             {"Cmd_RotateLeft", 0, false},
+             {"Cmd_FlipH", 0, false},
+             {"Cmd_ZoomIn", 0, false},
+             {"Slider_ImageZoom", 0, false},
+             {"HistoryList", 0, false},
+             {"Slider_Tab", 0, false},
+             {"Slider_Tab", 33, false},
+             {"lbl_SliderName", 39, false},
+             {"lbl_SliderTab", 5, false},
+             {"Cmd_Tab", 2, false},
+             {"Cmd_Tab", 4, false},
+             {"Cmd_Reset", 1, false},
+             {"Cmd_Icon", 11, false},
+             {"RadioButton_Resize", 3, false},
+             {"GroupBox_Resize", 0, false},
+             {"lbl_Resize", 1, false},
+             {"Cmd_ResetEffects", 3, true},
+             {"TabControl_Effects", 0, true},
+             {"lbl_ImageInfo", 0, false},
          }) {
         EXPECT_EQ(editor.Get<Control>(c.name, c.index).IsEnabled(), c.enabled) << c.name << " " << c.index;
     }

@@ -1,7 +1,6 @@
 // Runs the window's tests with a Qt application that needs no screen.
 #include <QApplication>
 #include <QStyleFactory>
-
 #include <gtest/gtest.h>
 
 int main(int count, char** words) {

@@ -1,6 +1,12 @@
 // Reading and replacing whole files, see AtomicFile.h.
 #include "imaging/objects/AtomicFile.h"
 
+#include "imaging/ImagingError.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -8,17 +14,12 @@
 #include <new>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include "imaging/ImagingError.h"
-
 namespace pictorel {
 namespace {
 
-constexpr std::int64_t kLargestFile = std::int64_t{5} << 30; // a gigapixel of four components, and room for headers
-constexpr mode_t kNewFileMode = 0666;                        // less the process's mask
+constexpr std::int64_t kLargestFile = std::int64_t{5}
+                                      << 30; // a gigapixel of four components, and room for headers
+constexpr mode_t kNewFileMode = 0666;        // less the process's mask
 constexpr mode_t kAnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr mode_t kAccessBits = 07777;
 
@@ -42,7 +43,8 @@ class Descriptor {
 };
 
 [[noreturn]] void ThrowWriteError(const std::string& fileName, const std::string& reason) {
-    throw ImagingError(ImagingFailure::FileAccess, "The file " + fileName + " could not be written: " + reason + ".");
+    throw ImagingError(ImagingFailure::FileAccess,
+                       "The file " + fileName + " could not be written: " + reason + ".");
 }
 
 [[noreturn]] void ThrowSystemError(const std::string& fileName, int error) {

@@ -1,15 +1,15 @@
 // Reading whole files, and replacing files so that a failure half-way leaves the old one whole.
 #pragma once
 
+#include "imaging/codecs/Codec.h"
+
 #include <optional>
 #include <string>
 
-#include "imaging/codecs/Codec.h"
-
 namespace pictorel {
 
-// The bytes of a regular file; nothing where it is missing, unreadable, a folder or a device, or too large for any
-// picture within the limits. Throws ImagingError(OutOfMemory).
+// The bytes of a regular file; nothing where it is missing, unreadable, a folder or a device, or too large
+// for any picture within the limits. Throws ImagingError(OutOfMemory).
 std::optional<codecs::ByteBuffer> ReadWholeFile(const std::string& fileName);
 
 enum class Durability {
@@ -17,8 +17,9 @@ enum class Durability {
     Lasting, // on the disk before the old file goes
 };
 
-// Writes the bytes beside the file and renames them into its place, keeping the access rights of a file that was
-// there and following a link to it. Throws ImagingError(FileAccess) that says why, with nothing left behind.
+// Writes the bytes beside the file and renames them into its place, keeping the access rights of a file that
+// was there and following a link to it. Throws ImagingError(FileAccess) that says why, with nothing left
+// behind.
 void ReplaceFile(const std::string& fileName, codecs::ByteView bytes, Durability durability);
 
 } // namespace pictorel

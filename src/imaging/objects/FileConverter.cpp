@@ -1,10 +1,10 @@
 // Converts a picture file into a JPEG of another size, see FileConverter.h.
 #include "imaging/objects/FileConverter.h"
 
-#include <utility>
-
 #include "imaging/ImagingError.h"
 #include "imaging/engine/Resample.h"
+
+#include <utility>
 
 namespace pictorel {
 namespace {

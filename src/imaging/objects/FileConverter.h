@@ -1,11 +1,11 @@
 // Converts a picture file into a JPEG of another size, behind the ImageConvert interface.
 #pragma once
 
-#include <memory>
-
 #include "imaging/ImageCodec.h"
 #include "imaging/ImageConvert.h"
 #include "imaging/objects/WorkingFileMemory.h"
+
+#include <memory>
 
 namespace pictorel {
 

@@ -1,13 +1,13 @@
 // Picture files of every format, see PictureFileCodec.h.
 #include "imaging/objects/PictureFileCodec.h"
 
-#include <new>
-#include <utility>
-
 #include "imaging/BufferPool.h"
 #include "imaging/ImagingError.h"
 #include "imaging/codecs/Codec.h"
 #include "imaging/objects/AtomicFile.h"
+
+#include <new>
+#include <utility>
 
 namespace pictorel {
 
@@ -39,7 +39,8 @@ bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
     }
 }
 
-void PictureFileCodec::Write(const PixelArray& picture, const std::string& fileName, std::string_view format) {
+void PictureFileCodec::Write(const PixelArray& picture, const std::string& fileName,
+                             std::string_view format) {
     const codecs::Codec* const codec = codecs::FindCodecByExtension(format);
     if (codec == nullptr) {
         throw ImagingError(ImagingFailure::UnsupportedFormat,

@@ -1,17 +1,17 @@
 // Picture files of every format of the codec table, behind the ImageCodec interface.
 #pragma once
 
+#include "imaging/ImageCodec.h"
+#include "imaging/objects/WorkingFileMemory.h"
+
 #include <functional>
 #include <memory>
 #include <string>
 
-#include "imaging/ImageCodec.h"
-#include "imaging/objects/WorkingFileMemory.h"
-
 namespace pictorel {
 
-// Tells whether a file name is of one of this process's own working files. They carry what JPEG cannot hold in a
-// private segment, which is believed in them only.
+// Tells whether a file name is of one of this process's own working files. They carry what JPEG cannot hold
+// in a private segment, which is believed in them only.
 using IsWorkingFile = std::function<bool(const std::string& fileName)>;
 
 class PictureFileCodec : public ImageCodec {

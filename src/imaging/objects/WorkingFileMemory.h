@@ -1,15 +1,15 @@
 // Remembers which pixels the newest working file holds, so that they are neither encoded nor decoded twice.
 #pragma once
 
+#include "imaging/PixelArray.h"
+
 #include <optional>
 #include <string>
 
-#include "imaging/PixelArray.h"
-
 namespace pictorel {
 
-// Holds the pixels of one file, the one written or read last that is no reduced copy; they are shared with the open
-// picture and cost nothing.
+// Holds the pixels of one file, the one written or read last that is no reduced copy; they are shared with
+// the open picture and cost nothing.
 class WorkingFileMemory {
   public:
     void Remember(const std::string& fileName, const PixelArray& picture);

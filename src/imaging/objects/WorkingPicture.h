@@ -43,7 +43,8 @@ class WorkingPicture : public ImageTransform {
     void Halftone(std::int32_t size, double gain) override;
     void Mirror(bool topToBottom) override;
     void Rotate(double degrees, ColourValue background) override;
-    void Resize(std::int32_t width, std::int32_t height, std::int32_t method, ColourValue background) override;
+    void Resize(std::int32_t width, std::int32_t height, std::int32_t method,
+                ColourValue background) override;
     void Perspective(bool vertical, double degrees) override;
     void Skew(bool vertical, double degrees) override;
     void Twirl(double degrees) override;
