@@ -21,7 +21,8 @@ class Events {
     // The handler as a function that lets no exception out, for calls that are not signals.
     template <typename Handler>
     static auto Guarded(Handler handler) {
-        return [handler = std::move(handler)](auto&&... arguments) {
+        // The result type is written out: whoever asks only whether a call fits must not look inside.
+        return [handler = std::move(handler)](auto&&... arguments) -> void {
             try {
                 if constexpr (std::is_invocable_v<const Handler&, decltype(arguments)...>) {
                     handler(std::forward<decltype(arguments)>(arguments)...);

@@ -7,8 +7,8 @@
 namespace pictorel {
 namespace {
 
-const auto kActive = QStringLiteral("1");
-const auto kInactive = QStringLiteral("0");
+constexpr QLatin1String kActive("1");
+constexpr QLatin1String kInactive("0");
 
 ReportItem& ItemOf(ReportList& list, int row, HistoryColumn column) {
     return list.Item(row, static_cast<int>(column));

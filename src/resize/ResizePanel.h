@@ -71,7 +71,7 @@ class ResizePanel {
     void ClearList();
     void Box_Change(EditField& box, const UpDown& spinner, const SlotTable<std::int16_t>& side);
     void Box_LostFocus(EditField& box, UpDown& spinner);
-    void UseComputedSize(const QString& size);
+    void UseComputedSize(const QString& text); // "W,H"
     void UsePercent(std::int16_t percent);
     void ShowNewSize();
     bool IsLocked() const { return controls_.LockButton.Tag() == QStringLiteral("1"); }
