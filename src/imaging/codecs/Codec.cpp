@@ -16,10 +16,8 @@ namespace {
 
 // Asked from the top: those with a sure signature first.
 constexpr std::array kCodecs{
-    Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
-    Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},
-    Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},
-    Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
+    Codec{"PNG", "PNG", IsPng, ReadPng, WritePng}, Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},
+    Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif}, Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
     Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
 };
 

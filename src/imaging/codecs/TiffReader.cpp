@@ -66,7 +66,7 @@ class SampleReader {
             Refuse("The rows of the TIFF file are larger than any picture's.");
         }
         // Planes are read strip by strip; otherwise a batch may stop inside a strip or hold many.
-        const int batch = planes_ > 1 ? stripRows : std::min(layout_.height, std::max(kBatchRows, 1));
+        const int batch = planes_ > 1 ? stripRows : std::min(layout_.height, kBatchRows);
         const auto memory = TakeBuffer(static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(batch) *
                                        static_cast<std::size_t>(planes_));
         int brokenStrip = -1;

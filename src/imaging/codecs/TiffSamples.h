@@ -13,7 +13,8 @@ class TiffRowConverter {
   public:
     explicit TiffRowConverter(const TiffLayout& layout);
 
-    // `planes` are the rows of the planes that PlanesNeeded() asks for, or the one row of all samples.
+    // `planes` are the row in each plane up to the last that means anything (colours, then alpha), or the one
+    // row of all samples.
     // Const use is safe from several threads.
     void ConvertRow(std::span<const std::uint8_t* const> planes, std::uint8_t* bgra, int pixels) const;
 
