@@ -53,12 +53,19 @@ ByteBuffer MakeBmp(const Recipe& recipe) {
         .Done();
 }
 
-const ByteBuffer kRgbPalette{0,   0, 255, 0, 0,   255, 0,   0,
-                             255, 0, 0,   0, 255, 255, 255, 0}; // red green blue white
-const ByteBuffer kRgbPalette3{0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255};
-const ByteBuffer kFour24{255, 0, 0, 255, 255, 255, 0, 0, 0, 0, 255, 0, 255, 0, 0, 0}; // bottom row first
-const std::string kFourColours = "FF0000 00FF00/0000FF FFFFFF";
-const ByteBuffer kFour8{2, 3, 0, 0, 0, 1, 0, 0};
+ByteBuffer RgbPalette() {
+    return {0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 0, 255, 255, 255, 0};
+} // red green blue white
+ByteBuffer RgbPalette3() {
+    return {0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255};
+}
+ByteBuffer Four24() {
+    return {255, 0, 0, 255, 255, 255, 0, 0, 0, 0, 255, 0, 255, 0, 0, 0};
+} // bottom row first
+constexpr const char* kFourColours = "FF0000 00FF00/0000FF FFFFFF";
+ByteBuffer Four8() {
+    return {2, 3, 0, 0, 0, 1, 0, 0};
+}
 
 struct Case {
     const char* name;
@@ -68,27 +75,29 @@ struct Case {
 
 TEST(Bmp, ReadsEveryKindOfFile) {
     const std::vector<Case> cases{
-        {"OS/2 1.x", {.headerBytes = 12, .bits = 8, .palette = kRgbPalette3, .pixels = kFour8}, kFourColours},
+        {"OS/2 1.x",
+         {.headerBytes = 12, .bits = 8, .palette = RgbPalette3(), .pixels = Four8()},
+         kFourColours},
         {"OS/2 2.x, shortest",
-         {.headerBytes = 16, .bits = 8, .palette = kRgbPalette, .pixels = kFour8},
+         {.headerBytes = 16, .bits = 8, .palette = RgbPalette(), .pixels = Four8()},
          kFourColours},
         {"OS/2 2.x, longest",
-         {.headerBytes = 64, .bits = 8, .palette = kRgbPalette, .pixels = kFour8},
+         {.headerBytes = 64, .bits = 8, .palette = RgbPalette(), .pixels = Four8()},
          kFourColours},
-        {"24 bits", {.pixels = kFour24}, kFourColours},
-        {"top row first", {.height = -2, .pixels = kFour24}, "0000FF FFFFFF/FF0000 00FF00"},
-        {"version 2", {.headerBytes = 52, .pixels = kFour24}, kFourColours},
-        {"version 3", {.headerBytes = 56, .pixels = kFour24}, kFourColours},
-        {"version 4", {.headerBytes = 108, .pixels = kFour24}, kFourColours},
-        {"version 5", {.headerBytes = 124, .pixels = kFour24}, kFourColours},
+        {"24 bits", {.pixels = Four24()}, kFourColours},
+        {"top row first", {.height = -2, .pixels = Four24()}, "0000FF FFFFFF/FF0000 00FF00"},
+        {"version 2", {.headerBytes = 52, .pixels = Four24()}, kFourColours},
+        {"version 3", {.headerBytes = 56, .pixels = Four24()}, kFourColours},
+        {"version 4", {.headerBytes = 108, .pixels = Four24()}, kFourColours},
+        {"version 5", {.headerBytes = 124, .pixels = Four24()}, kFourColours},
         {"1 bit",
-         {.width = 9, .height = 1, .bits = 1, .palette = kRgbPalette, .pixels = {0x40, 0x80, 0, 0}},
+         {.width = 9, .height = 1, .bits = 1, .palette = RgbPalette(), .pixels = {0x40, 0x80, 0, 0}},
          "FF0000 00FF00 FF0000 FF0000 FF0000 FF0000 FF0000 FF0000 00FF00"},
         {"2 bits",
-         {.width = 5, .height = 1, .bits = 2, .palette = kRgbPalette, .pixels = {0x1B, 0x40, 0, 0}},
+         {.width = 5, .height = 1, .bits = 2, .palette = RgbPalette(), .pixels = {0x1B, 0x40, 0, 0}},
          "FF0000 00FF00 0000FF FFFFFF 00FF00"},
         {"4 bits",
-         {.width = 3, .height = 1, .bits = 4, .palette = kRgbPalette, .pixels = {0x12, 0x30, 0, 0}},
+         {.width = 3, .height = 1, .bits = 4, .palette = RgbPalette(), .pixels = {0x12, 0x30, 0, 0}},
          "00FF00 0000FF FFFFFF"},
         {"16 bits, five each",
          {.width = 3, .height = 1, .bits = 16, .pixels = {0x00, 0x7C, 0x10, 0x42, 0xFF, 0xFF, 0, 0}},
@@ -178,7 +187,7 @@ TEST(Bmp, DecodesRunLengths) {
         return Recipe{.width = 4,
                       .bits = bits,
                       .compression = bits == 8 ? 1 : (bits == 4 ? 2 : 4),
-                      .palette = bits == 24 ? ByteBuffer{} : kRgbPalette,
+                      .palette = bits == 24 ? ByteBuffer{} : RgbPalette(),
                       .pixels = std::move(pixels)};
     };
     const std::string red = "FF0000 FF0000 FF0000 FF0000";
@@ -210,29 +219,30 @@ TEST(Bmp, DecodesRunLengths) {
 }
 
 TEST(Bmp, MakesTheBestOfOddFiles) {
-    const ByteBuffer twoColours(kRgbPalette.begin(), kRgbPalette.begin() + 8);
-    ByteBuffer longPalette = kRgbPalette;
+    ByteBuffer twoColours = RgbPalette();
+    twoColours.resize(8);
+    ByteBuffer longPalette = RgbPalette();
     longPalette.resize(300 * 4);
     const std::vector<Case> cases{
         {"palette of two: others are black",
-         {.bits = 8, .declaredColours = 2, .palette = twoColours, .pixels = kFour8},
+         {.bits = 8, .declaredColours = 2, .palette = twoColours, .pixels = Four8()},
          "FF0000 00FF00/000000 000000"},
         {"palette shorter than declared: the pixels' offset counts",
-         {.bits = 8, .declaredColours = 256, .palette = kRgbPalette, .pixels = kFour8},
+         {.bits = 8, .declaredColours = 256, .palette = RgbPalette(), .pixels = Four8()},
          kFourColours},
         {"palette longer than pixels can use",
-         {.bits = 8, .declaredColours = 300, .palette = longPalette, .pixels = kFour8},
+         {.bits = 8, .declaredColours = 300, .palette = longPalette, .pixels = Four8()},
          kFourColours},
         {"no palette: greys", {.width = 1, .height = 1, .bits = 4, .pixels = {0x80, 0, 0, 0}}, "888888"},
-        {"gap before the pixels", {.gap = 10, .pixels = kFour24}, kFourColours},
+        {"gap before the pixels", {.gap = 10, .pixels = Four24()}, kFourColours},
         {"offset 0",
-         {.bits = 8, .declaredColours = 4, .palette = kRgbPalette, .pixelOffset = 0, .pixels = kFour8},
+         {.bits = 8, .declaredColours = 4, .palette = RgbPalette(), .pixelOffset = 0, .pixels = Four8()},
          kFourColours},
-        {"offset inside the header", {.pixelOffset = 20, .pixels = kFour24}, kFourColours},
+        {"offset inside the header", {.pixelOffset = 20, .pixels = Four24()}, kFourColours},
         {"offset without the palette",
-         {.bits = 8, .declaredColours = 4, .palette = kRgbPalette, .pixelOffset = 54, .pixels = kFour8},
+         {.bits = 8, .declaredColours = 4, .palette = RgbPalette(), .pixelOffset = 54, .pixels = Four8()},
          kFourColours},
-        {"offset beyond the file", {.pixelOffset = 1 << 30, .pixels = kFour24}, kFourColours},
+        {"offset beyond the file", {.pixelOffset = 1 << 30, .pixels = Four24()}, kFourColours},
         {"cut inside a row",
          {.pixels = {255, 0, 0, 255, 255, 255, 0, 0, 0, 0, 255}},
          "FF0000 FFFFFF/0000FF FFFFFF"},
@@ -240,16 +250,16 @@ TEST(Bmp, MakesTheBestOfOddFiles) {
          {.width = 1, .height = 3, .bits = 32, .pixels = {1, 2, 3, 0, 4, 5, 6, 0}},
          "FFFFFF/060504/030201"},
         {"nothing but headers", {}, kUnsupported},
-        {"width 0", {.width = 0, .pixels = kFour24}, kUnsupported},
-        {"negative width", {.width = -2, .pixels = kFour24}, kUnsupported},
-        {"height with no positive", {.height = -2147483648LL, .pixels = kFour24}, kTooLarge},
-        {"3 bits", {.bits = 3, .pixels = kFour24}, kUnsupported},
+        {"width 0", {.width = 0, .pixels = Four24()}, kUnsupported},
+        {"negative width", {.width = -2, .pixels = Four24()}, kUnsupported},
+        {"height with no positive", {.height = -2147483648LL, .pixels = Four24()}, kTooLarge},
+        {"3 bits", {.bits = 3, .pixels = Four24()}, kUnsupported},
         {"run lengths of 24-bit pixels by the wrong code",
-         {.compression = 1, .pixels = kFour24},
+         {.compression = 1, .pixels = Four24()},
          kUnsupported},
-        {"too large", {.width = 40000, .height = 40000, .pixels = kFour24}, kTooLarge},
+        {"too large", {.width = 40000, .height = 40000, .pixels = Four24()}, kTooLarge},
         {"large without the bytes for it",
-         {.width = 30000, .height = 30000, .pixels = kFour24},
+         {.width = 30000, .height = 30000, .pixels = Four24()},
          kUnsupported},
     };
     for (const Case& c : cases) {
@@ -257,8 +267,20 @@ TEST(Bmp, MakesTheBestOfOddFiles) {
     }
 }
 
+TEST(Bmp, ReadsEmbeddedFiles) {
+    const PixelArray picture = MakePicture(20, 10);
+    const ByteBuffer png = Write("png", picture);
+    const ByteBuffer jpeg = Write("jpg", picture);
+    const ByteBuffer bitmap = Write("bmp", picture);
+    EXPECT_TRUE(SamePixels(Read(MakeBmp({.bits = 0, .compression = 5, .pixels = png})), picture));
+    for (const int bits : {0, 24}) { // both are in use; by the letter it is 0
+        EXPECT_TRUE(SamePixels(Read(MakeBmp({.bits = bits, .compression = 4, .pixels = jpeg})), Read(jpeg)));
+    }
+    EXPECT_EQ(SpelledFile(MakeBmp({.bits = 0, .compression = 5, .pixels = bitmap})), kUnsupported);
+}
+
 TEST(Bmp, ReadsTheResolution) {
-    const PixelArray picture = Read(MakeBmp({.pixels = kFour24}));
+    const PixelArray picture = Read(MakeBmp({.pixels = Four24()}));
     EXPECT_EQ(picture.Details().dotsPerInchX, 72);
     EXPECT_EQ(picture.Details().dotsPerInchY, 150);
 }

@@ -47,8 +47,12 @@ ByteBuffer Plain(const std::vector<int>& indices) {
     return Codes(2, codes);
 }
 
-const ByteBuffer kColours{255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
-const ByteBuffer kTransparent2{0x21, 0xF9, 4, 1, 0, 0, 2, 0};
+ByteBuffer Colours() {
+    return {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
+}
+ByteBuffer Transparent2() {
+    return {0x21, 0xF9, 4, 1, 0, 0, 2, 0};
+}
 
 struct Recipe {
     int screenWidth = 2;
@@ -69,7 +73,7 @@ ByteBuffer MakeGif(const Recipe& recipe) {
         .Text("GIF89a")
         .Le16({recipe.screenWidth, recipe.screenHeight})
         .U8({recipe.screenColours ? 0x81 : 0, 0, 0})
-        .Append(recipe.screenColours ? kColours : ByteBuffer{})
+        .Append(recipe.screenColours ? Colours() : ByteBuffer{})
         .Append(recipe.blocks)
         .U8({0x2C})
         .Le16({recipe.left, recipe.top, recipe.width, recipe.height})
@@ -103,9 +107,9 @@ TEST(Gif, PlacesTheFirstFrameOnItsScreen) {
          {.screenWidth = 1, .screenHeight = 1, .left = 1, .width = 1, .height = 1},
          "00000000 FF0000FF"},
         {"no screen", {.screenWidth = 0, .screenHeight = 0}, "FF0000 00FF00/0000FF FFFFFF"},
-        {"transparent colour", {.blocks = kTransparent2}, "FF0000FF 00FF00FF/00000000 FFFFFFFF"},
+        {"transparent colour", {.blocks = Transparent2()}, "FF0000FF 00FF00FF/00000000 FFFFFFFF"},
         {"transparent colour that does not occur",
-         {.blocks = kTransparent2, .data = Plain({0, 0, 1, 1})},
+         {.blocks = Transparent2(), .data = Plain({0, 0, 1, 1})},
          "FF0000 FF0000/00FF00 00FF00"},
         {"interlaced",
          {.screenWidth = 1,

@@ -97,8 +97,8 @@ inline std::string SpelledFile(ByteView file) {
         return "error " + std::to_string(static_cast<int>(error.Kind()));
     }
 }
-inline const std::string kUnsupported = "error 0";
-inline const std::string kTooLarge = "error 1";
+inline constexpr const char* kUnsupported = "error 0";
+inline constexpr const char* kTooLarge = "error 1";
 
 inline ByteBuffer Write(std::string_view extension, const PixelArray& picture) {
     return FindCodecByExtension(extension)->write(picture, {});

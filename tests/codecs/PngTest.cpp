@@ -70,7 +70,9 @@ void ExpectAll(const std::vector<Case>& cases) {
     }
 }
 
-const ByteBuffer kPalette = Chunk("PLTE", {255, 0, 0, 0, 255, 0, 0, 0, 255});
+ByteBuffer Palette() {
+    return Chunk("PLTE", {255, 0, 0, 0, 255, 0, 0, 0, 255});
+}
 
 TEST(Png, ReadsEveryColourTypeAndDepth) {
     ExpectAll({
@@ -83,10 +85,12 @@ TEST(Png, ReadsEveryColourTypeAndDepth) {
          "7F7F7F 010101"},
         {"RGB 8", {.rows = {0, 1, 2, 3, 4, 5, 6}}, "010203 040506"},
         {"RGB 16", {.width = 1, .bits = 16, .rows = {0, 1, 0x80, 2, 0x82, 2, 0x83}}, "010203"},
-        {"palette 1", {.bits = 1, .colourType = 3, .extra = kPalette, .rows = {0, 0x40}}, "FF0000 00FF00"},
-        {"palette 2", {.bits = 2, .colourType = 3, .extra = kPalette, .rows = {0, 0x90}}, "0000FF 00FF00"},
-        {"palette 8", {.colourType = 3, .extra = kPalette, .rows = {0, 2, 0}}, "0000FF FF0000"},
-        {"palette index too large", {.colourType = 3, .extra = kPalette, .rows = {0, 2, 9}}, "0000FF 000000"},
+        {"palette 1", {.bits = 1, .colourType = 3, .extra = Palette(), .rows = {0, 0x40}}, "FF0000 00FF00"},
+        {"palette 2", {.bits = 2, .colourType = 3, .extra = Palette(), .rows = {0, 0x90}}, "0000FF 00FF00"},
+        {"palette 8", {.colourType = 3, .extra = Palette(), .rows = {0, 2, 0}}, "0000FF FF0000"},
+        {"palette index too large",
+         {.colourType = 3, .extra = Palette(), .rows = {0, 2, 9}},
+         "0000FF 000000"},
         {"grey and alpha", {.colourType = 4, .rows = {0, 9, 255, 8, 1}}, "090909FF 08080801"},
         {"RGB and alpha", {.width = 1, .colourType = 6, .rows = {0, 1, 2, 3, 4}}, "01020304"},
         {"alpha that is opaque", {.width = 1, .colourType = 6, .rows = {0, 1, 2, 3, 255}}, "010203"},
@@ -110,7 +114,7 @@ TEST(Png, ReadsTransparentColours) {
     ExpectAll({
         {"palette",
          {.colourType = 3,
-          .extra = Bytes().Append(kPalette).Append(Chunk("tRNS", {0, 128})).Done(),
+          .extra = Bytes().Append(Palette()).Append(Chunk("tRNS", {0, 128})).Done(),
           .rows = {0, 1, 2}},
          "00FF0080 0000FFFF"},
         {"grey",
@@ -225,7 +229,7 @@ TEST(Png, ShowsWhatADamagedFileHolds) {
 TEST(Png, SkipsDamagedExtrasAndRefusesDamagedEssentials) {
     ByteBuffer badExtra = GammaChunk(100000);
     badExtra.back() ^= 1;
-    ByteBuffer badPalette = kPalette;
+    ByteBuffer badPalette = Palette();
     badPalette.back() ^= 1;
     ExpectAll({
         {"gamma with a wrong checksum",

@@ -145,7 +145,8 @@ class HeaderReader {
     // use, or missing; the offset of the pixels may be wrong.
     void ReadPalette() {
         const std::size_t entryBytes = isCore_ ? 3 : 4;
-        const std::size_t usable = header_.bits <= 8 ? std::size_t{1} << header_.bits : 0;
+        const bool isIndexed = header_.compression != BmpCompression::EmbeddedFile && header_.bits <= 8;
+        const std::size_t usable = isIndexed ? std::size_t{1} << header_.bits : 0;
         const std::uint32_t declared = isCore_ ? 0 : Field32(32);
         const std::size_t entries = declared == 0 ? usable : std::min<std::size_t>(declared, 1U << 16);
         const std::size_t paletteStart = kFileHeaderBytes + paletteAt_;
@@ -164,7 +165,7 @@ class HeaderReader {
                         header_.palette[i].begin());
         }
         for (std::size_t i = 0; present == 0 && i < usable; ++i) { // no palette at all: greys
-            const auto grey = static_cast<std::uint8_t>(i * 255 / (usable - 1));
+            const auto grey = static_cast<std::uint8_t>(i * 255 / std::max<std::size_t>(usable - 1, 1));
             header_.palette[i] = {grey, grey, grey, 255};
         }
     }
