@@ -5,6 +5,9 @@
 
 #include <tiffio.h>
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -46,6 +49,13 @@ using TiffValue = std::function<int(int x, int y, int sample)>;
 ByteBuffer MadeTiff(const TiffRecipe& recipe, const TiffValue& level);
 inline ByteBuffer MadeTiff(const TiffRecipe& recipe) {
     return MadeTiff(recipe, [&](int x, int y, int sample) { return TiffLevel(recipe, x, y, sample); });
+}
+
+using Pixel = std::array<int, 4>; // red, green, blue, alpha
+
+inline Pixel PixelAt(const PixelArray& picture, int x, int y) {
+    const std::uint8_t* const p = picture.Row(y) + std::ptrdiff_t{4} * x;
+    return {p[2], p[1], p[0], p[3]};
 }
 
 struct TiffMemory {

@@ -191,6 +191,7 @@ TEST(TiffDamage, ClaimsAreCheckedBeforeMemoryIsTaken) {
               with(Grey(30000, 30000),
                    {{322, 4, 1, 1}, {323, 4, 1, 1}, {324, 4, 1, 8}, {325, 4, 1, 64}, {259, 3, 1, 8}})},
           Row{"samples without end", with(Grey(1000, 1000), {{277, 3, 1, 65535}, {259, 3, 1, 5}})},
+          Row{"a blank fax of gigabytes", with(Grey(32767, 32766), {{258, 3, 1, 1}, {259, 3, 1, 4}})},
           Row{"no strips", with(Grey(1000, 1000), {{273, 4, 0, 0}, {279, 4, 0, 0}})},
           Row{"unknown compression", with(Grey(10, 10), {{259, 3, 1, 777}})},
           Row{"unknown colour", with(Grey(10, 10), {{262, 3, 1, 777}})}}) {

@@ -18,6 +18,8 @@
 namespace pictorel::codecs {
 namespace {
 
+constexpr std::size_t kWorkPerByte = 4; // decoding is worth dividing before copying is
+
 // Handles of the library, of which each thread needs its own; opened as they are asked for.
 class HandlePool {
   public:
@@ -85,22 +87,37 @@ class BlockDecoder {
             std::uint8_t* const out = decoded_.get() + i * layout_.BlockBytes();
             good = std::min(good, good == 0 ? 0 : reader_.Decode(block, planes_[i], place.height, out));
         }
-        for (int y = 0; y < place.height; ++y) {
-            std::uint8_t* const row = bgra + y * stride;
-            if (y >= good) {
-                std::memset(row, 0xFF, static_cast<std::size_t>(place.width) * PixelArray::kComponents);
-            } else if (samples_.Narrow()) {
-                ColourRow(y, narrow_, row, place.width);
+        const auto colour = [&](int first, int end) {
+            if (samples_.Narrow()) {
+                ColourRows<std::uint8_t>(first, std::min(end, good), bgra, stride, place.width);
             } else {
-                ColourRow(y, wide_, row, place.width);
+                ColourRows<std::uint16_t>(first, std::min(end, good), bgra, stride, place.width);
             }
+            for (int y = std::max(first, good); y < end; ++y) {
+                std::memset(bgra + y * stride, 0xFF,
+                            static_cast<std::size_t>(place.width) * PixelArray::kComponents);
+            }
+        };
+        constexpr int kEnoughBlocks = 4; // to keep the cores busy by themselves
+        if (layout_.Blocks() < kEnoughBlocks) {
+            ForEachBand(place.height, static_cast<std::size_t>(stride) * kWorkPerByte, colour);
+        } else {
+            colour(0, place.height);
         }
         return good;
     }
 
   private:
     template <class Sample>
-    void ColourRow(int y, std::vector<Sample>& unpacked, std::uint8_t* bgra, int pixels) {
+    void ColourRows(int first, int end, std::uint8_t* bgra, std::ptrdiff_t stride, int pixels) const {
+        std::vector<Sample> unpacked;
+        for (int y = first; y < end; ++y) {
+            ColourRow(y, unpacked, bgra + y * stride, pixels);
+        }
+    }
+
+    template <class Sample>
+    void ColourRow(int y, std::vector<Sample>& unpacked, std::uint8_t* bgra, int pixels) const {
         const std::uint8_t* const row = decoded_.get() + static_cast<std::size_t>(y) * layout_.blockRowBytes;
         if (!layout_.separatePlanes) {
             const int step = layout_.samples;
@@ -127,8 +144,6 @@ class BlockDecoder {
     TiffBlockReader reader_;
     std::vector<int> planes_;
     std::shared_ptr<std::uint8_t> decoded_;
-    std::vector<std::uint8_t> narrow_;
-    std::vector<std::uint16_t> wide_;
 };
 
 // A channel of which the file does not say that it is alpha, and in which all is transparent, is none.
@@ -154,7 +169,6 @@ PixelArray DecodeTiff(TiffFile tiff, std::uint64_t directoryOffset, const TiffLa
     HandlePool handles(std::move(tiff), file, directoryOffset);
     std::uint8_t* const rows = picture.WritableRows();
     std::atomic<bool> anything = false;
-    constexpr std::size_t kWorkPerByte = 4; // decoding is worth dividing before copying is
     ForEachBand(layout.Blocks(), layout.BlockBytes() * kWorkPerByte, [&](int first, int end) {
         TiffFile own = handles.Take();
         {

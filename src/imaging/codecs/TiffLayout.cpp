@@ -12,18 +12,19 @@
 namespace pictorel::codecs {
 namespace {
 
-// Bytes that a byte of each compression can stand for at the very most, in files that anyone writes.
+// Bytes that a byte of each compression can stand for at the very most, in files that anyone writes. Plain
+// samples get some room too: a file that was cut off shows what it still has.
 struct Packing {
     std::uint16_t compression;
     std::size_t ratio;
 };
-constexpr std::array<Packing, 6> kPackings{{{COMPRESSION_NONE, 1},
+constexpr std::array<Packing, 6> kPackings{{{COMPRESSION_NONE, 64},
                                             {COMPRESSION_PACKBITS, 64},
                                             {COMPRESSION_DEFLATE, 1032},
                                             {COMPRESSION_ADOBE_DEFLATE, 1032},
                                             {COMPRESSION_LZW, 2800},
                                             {COMPRESSION_JPEG, 2000}}};
-constexpr std::size_t kOtherRatio = 16384;
+constexpr std::size_t kOtherRatio = 32768;                      // a blank row of a fax is one bit
 constexpr std::size_t kAlwaysPlausible = std::size_t{64} << 20; // decoded bytes
 constexpr int kMostSamples = 1024;                              // a pixel
 
@@ -207,6 +208,11 @@ void CheckClaims(const TiffLayout& layout, std::size_t fileBytes) {
         (blockPixels > kSmall && blockPixels / kPlausibleWaste > pixels)) {
         Refuse("The TIFF file is far too short for the picture it claims to hold.");
     }
+    // A pixel of one bit takes four bytes in memory.
+    const std::size_t pixelBits = static_cast<std::size_t>(layout.bits) * layout.Planes().size() *
+                                  static_cast<std::size_t>(layout.separatePlanes ? 1 : layout.samples);
+    CheckClaimedSize(layout.width, layout.height, fileBytes,
+                     std::max<std::int64_t>(1, static_cast<std::int64_t>(ratio * 8 / pixelBits)));
 }
 
 } // namespace
