@@ -31,7 +31,7 @@ Session& SessionOf(j_common_ptr library) noexcept {
 
 // One decoding. Plain data with a destructor: what steps under Guarded() work on.
 struct Session {
-    jpeg_decompress_struct library{};
+    jpeg_decompress_struct jpeg{};
     JpegErrors errors{};
     jpeg_source_mgr source{};
     jpeg_progress_mgr progress{};
@@ -44,7 +44,7 @@ struct Session {
     bool tooManyScans = false;
 
     Session(const JpegStream& stream, const JpegTarget* rows);
-    ~Session() { jpeg_destroy_decompress(&library); }
+    ~Session() { jpeg_destroy_decompress(&jpeg); }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
@@ -98,16 +98,16 @@ void NoteLoss(j_common_ptr common, int level) {
     ++common->err->num_warnings;
     Session& session = SessionOf(common);
     if (common->err->msg_code == JWRN_HIT_MARKER && session.lostRow < 0 &&
-        CarriesThePicture(session.library)) {
-        session.lostRow = static_cast<int>(session.library.input_iMCU_row);
-        session.lostScan = session.library.input_scan_number;
+        CarriesThePicture(session.jpeg)) {
+        session.lostRow = static_cast<int>(session.jpeg.input_iMCU_row);
+        session.lostScan = session.jpeg.input_scan_number;
     }
 }
 
 // Called by the library for every row of MCUs that it reads or gives out.
 void Watch(j_common_ptr common) {
     Session& session = SessionOf(common);
-    jpeg_decompress_struct& library = session.library;
+    jpeg_decompress_struct& library = session.jpeg;
     // The decoder found its way again at a restart marker.
     if (session.lostRow >= 0 && session.lostScan == library.input_scan_number && library.unread_marker == 0 &&
         jpeg_input_complete(&library) == FALSE) {
@@ -139,7 +139,7 @@ Session::Session(const JpegStream& stream, const JpegTarget* rows)
 }
 
 void ReadHeader(Session& session) {
-    jpeg_decompress_struct& library = session.library;
+    jpeg_decompress_struct& library = session.jpeg;
     library.err = &session.errors.base;
     library.client_data = &session;
     jpeg_create_decompress(&library);
@@ -150,7 +150,7 @@ void ReadHeader(Session& session) {
 }
 
 void ReadRows(Session& session) {
-    jpeg_decompress_struct& library = session.library;
+    jpeg_decompress_struct& library = session.jpeg;
     const JpegTarget& target = *session.target;
     const bool ink = library.jpeg_color_space == JCS_CMYK || library.jpeg_color_space == JCS_YCCK;
     library.out_color_space = ink ? JCS_CMYK : JCS_EXT_BGRA;
@@ -180,7 +180,7 @@ std::size_t SegmentBefore(ByteView file, std::size_t position) noexcept {
 }
 
 int GoodRows(const Session& session) noexcept {
-    const jpeg_decompress_struct& library = session.library;
+    const jpeg_decompress_struct& library = session.jpeg;
     const int height = static_cast<int>(library.output_scanline);
     if (session.lostRow < 0) {
         return height;
@@ -213,8 +213,8 @@ Attempt DecodeOnce(const JpegStream& stream, const JpegTarget& target) {
     Session session(stream, &target);
     const std::size_t allBytes = stream.head.size();
     if (!Guarded(session.errors, ReadHeader, session) ||
-        static_cast<int>(session.library.image_width) != target.width ||
-        static_cast<int>(session.library.image_height) != target.height) {
+        static_cast<int>(session.jpeg.image_width) != target.width ||
+        static_cast<int>(session.jpeg.image_height) != target.height) {
         return {{0, false}, allBytes};
     }
     if (Guarded(session.errors, ReadRows, session)) {
@@ -227,7 +227,7 @@ Attempt DecodeOnce(const JpegStream& stream, const JpegTarget& target) {
     if (failure.Kind() != ImagingFailure::UnsupportedFormat) {
         throw failure;
     }
-    const bool betweenScans = session.library.output_scanline == 0 && session.library.input_scan_number > 1;
+    const bool betweenScans = session.jpeg.output_scanline == 0 && session.jpeg.input_scan_number > 1;
     return {{GoodRows(session), false},
             betweenScans ? SegmentBefore(stream.head, session.Position()) : allBytes};
 }
@@ -239,7 +239,7 @@ JpegInfo ReadJpegInfo(ByteView file) {
     if (!Guarded(session.errors, ReadHeader, session)) {
         throw JpegFailure(session.errors);
     }
-    const jpeg_decompress_struct& library = session.library;
+    const jpeg_decompress_struct& library = session.jpeg;
     CheckPictureSize(library.image_width, library.image_height);
     RefuseAbsurdSize(library, file.size());
     JpegColour colour = JpegColour::Rgb;

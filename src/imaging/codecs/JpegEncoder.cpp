@@ -44,7 +44,7 @@ struct Job {
 };
 
 struct Session {
-    jpeg_compress_struct library{};
+    jpeg_compress_struct jpeg{};
     JpegErrors errors{};
     jpeg_destination_mgr destination{};
     const Job& job;
@@ -53,7 +53,7 @@ struct Session {
     int firstRow;
     int rows;
 
-    ~Session() { jpeg_destroy_compress(&library); }
+    ~Session() { jpeg_destroy_compress(&jpeg); }
 };
 
 template <class Table>
@@ -79,7 +79,7 @@ const WorkingTables& TablesFor(const PixelArray& picture) noexcept {
 }
 
 void SetUp(Session& session) {
-    jpeg_compress_struct& library = session.library;
+    jpeg_compress_struct& library = session.jpeg;
     library.image_width = static_cast<JDIMENSION>(session.job.picture.Width());
     library.image_height = static_cast<JDIMENSION>(session.rows);
     library.input_components = PixelArray::kComponents;
@@ -118,7 +118,7 @@ void LayOverWhite(const std::uint8_t* from, std::uint8_t* to, int pixels) noexce
 }
 
 void EncodeStrip(Session& session) {
-    jpeg_compress_struct& library = session.library;
+    jpeg_compress_struct& library = session.jpeg;
     library.err = &session.errors.base;
     jpeg_create_compress(&library);
     library.dest = &session.destination;
