@@ -33,9 +33,6 @@ QString ShortVersion() {
 frmMain::frmMain() {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Pictorel"));
-    QFont font(QStringLiteral("Arial"));
-    font.setPointSize(9);
-    setFont(font);
     CreateControls(*this, controls_);
     resize(TwipsToPixels(15570), TwipsToPixels(12570));
     ArrangeControls();

@@ -4,6 +4,7 @@
 #include "platform/Folders.h"
 
 #include <QApplication>
+#include <QFont>
 #include <QIcon>
 #include <QStyleFactory>
 
@@ -32,6 +33,7 @@ int main(int argumentCount, char* arguments[]) {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setQuitOnLastWindowClosed(false); // notices come and go while the main window stays
     QApplication::setWindowIcon(ApplicationIcon());
+    QApplication::setFont(QFont(QStringLiteral("Arial"), 9)); // points
 
     pictorel::frmMain window;
     pictorel::StartUp startUp(window);

@@ -18,6 +18,9 @@ class ComboBox : public QComboBox, public Control {
     QString SelectedText() const { return currentText(); }
     QString SelectedData() const { return currentData().toString(); }
     void Select(int row) { setCurrentIndex(row); } // -1: none
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
 };
 
 } // namespace pictorel
