@@ -18,6 +18,7 @@
 #include "controls/Slider.h"
 #include "controls/TabControl.h"
 #include "controls/UpDown.h"
+#include "controls/WebBrowser.h"
 
 #include <QWidget>
 
@@ -66,6 +67,7 @@ constexpr std::array kKinds{
     KindRow{ControlKind::UpDown, Make<UpDown>},
     KindRow{ControlKind::ReportList, Make<ReportList>},
     KindRow{ControlKind::Shape, Make<Shape>},
+    KindRow{ControlKind::WebBrowser, Make<WebBrowser>},
 };
 
 static_assert(
@@ -96,6 +98,7 @@ bool IsArray(std::string_view name, const std::set<std::string_view>& larger) {
         std::string_view("Combo_"),
         std::string_view("Txt_"),
         std::string_view("UpDown_"),
+        std::string_view("WebBrowser1"),
     };
     if (larger.contains(name)) {
         return true;

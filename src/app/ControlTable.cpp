@@ -61,6 +61,10 @@ constexpr std::array kFrame{
     ControlRow{"lbl_ZoomPercent", 0, Label, "GroupBox_Canves2", {6450, 120, 645, 375}, "100%"},
 };
 
+constexpr std::array kHidden{
+    ControlRow{"WebBrowser1", 0, WebBrowser, "Resizer_Main", {0, 0, 15, 15}, "", "", false},
+};
+
 constexpr std::array kResizePage{
     ControlRow{"GroupBox_Resize", 0, GroupBox, "Resizer_Resize", InPixels(12, 8, 304, 88),
                "Size setting summary"},
@@ -86,6 +90,7 @@ constexpr std::array kResizePage{
 
 std::vector<ControlRow> MainWindowControls() {
     std::vector<ControlRow> rows(kFrame.begin(), kFrame.end());
+    rows.insert(rows.end(), kHidden.begin(), kHidden.end());
     rows.insert(rows.end(), kResizePage.begin(), kResizePage.end());
     AppendSliderPages(rows);
     return rows;

@@ -27,6 +27,7 @@ enum class ControlKind {
     UpDown,
     ReportList,
     Shape,
+    WebBrowser,
 };
 
 struct ControlRow {

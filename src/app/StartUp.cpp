@@ -4,6 +4,7 @@
 #include "app/IconTable.h"
 #include "app/frmMain.h"
 #include "controls/ComboBox.h"
+#include "controls/WebBrowser.h"
 #include "operations/SliderCatalogue.h"
 #include "platform/CarryOn.h"
 #include "platform/PumpEvents.h"
@@ -67,6 +68,7 @@ void StartUp::RunSequence() {
     PumpEvents();
     window_.setWindowTitle(window_.strings_.Entry(Text::Title));
     PumpEvents();
+    window_.UpdateAvailable_ = CheckForUpdate(window_.controls_.Single<WebBrowser>("WebBrowser1"));
     window_.zoomScroll_->ZoomControlsSyncing = false;
     LoadSkin();
     PumpEvents();
@@ -83,14 +85,28 @@ void StartUp::RunSequence() {
         panel(index).SetEnabled(true);
     }
     panel(kOpenButton).SetEnabled(false);
-    window_.Timer_StartUp_.setSingleShot(true);
-    window_.Timer_StartUp_.setInterval(300);
-    window_.Timer_Tags_.setSingleShot(true);
-    window_.Timer_Tags_.setInterval(500);
+    SetTimers();
     window_.events_.On(window_.Timer_StartUp_, &QTimer::timeout, [this] { Timer_StartUp_Timer(); });
     window_.events_.On(window_.Timer_Tags_, &QTimer::timeout, [this] { Timer_Tags_Timer(); });
     window_.Timer_StartUp_.start();
     window_.showMaximized();
+}
+
+void StartUp::SetTimers() {
+    struct TimerRow {
+        QTimer& timer;
+        const char* name;
+        int interval; // milliseconds
+        bool once;
+    };
+    for (const TimerRow& row : {TimerRow{window_.Timer_StartUp_, "Timer_StartUp", 300, true},
+                                TimerRow{window_.Timer_Blink_, "Timer_Blink", kBlinkInterval, false},
+                                TimerRow{window_.Timer_Tags_, "Timer_Tags", 500, true},
+                                TimerRow{window_.Timer_Scanner_, "Timer_Scanner", 100, false}}) {
+        row.timer.setObjectName(QString::fromLatin1(row.name));
+        row.timer.setInterval(row.interval);
+        row.timer.setSingleShot(row.once);
+    }
 }
 
 void StartUp::LoadSkin() {

@@ -28,6 +28,7 @@ class StartUp {
 
   private:
     void RunSequence();
+    void SetTimers();
     void LoadSkin();
     void ShowSplash();
     void LoadIcons();

@@ -84,9 +84,12 @@ class frmMain : public QWidget, private EditorServices {
     CommonDialog CDialog_Open_{this};
     PopupControl PopupControl_Splash_{this, QStringLiteral("PopupControl_Splash")};
     PopupControl PopupControl_Tag_{this, QStringLiteral("PopupControl_Tag")};
+    PopupControl PopupControl_{this, QStringLiteral("PopupControl")}; // no notice of ours uses it
     QTimer Timer_StartUp_;
     QTimer Timer_Blink_;
     QTimer Timer_Tags_;
+    QTimer Timer_Scanner_;
+    bool UpdateAvailable_ = false; // a newer version is published
 
     std::unique_ptr<ImageTransform> imageTransform_;
     std::unique_ptr<ImageConvert> imageConvert_;
