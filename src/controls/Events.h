@@ -9,6 +9,27 @@
 
 namespace pictorel {
 
+// A handler that lets no exception out, callable with the arguments that it takes or with any it does not
+// look at.
+template <typename Handler>
+struct Guard {
+    Handler handler;
+
+    template <typename... Arguments>
+    requires std::is_invocable_v<Handler&, Arguments...> || std::is_invocable_v<Handler&>
+    void operator()(Arguments&&... arguments) {
+        try {
+            if constexpr (std::is_invocable_v<Handler&, Arguments...>) {
+                handler(std::forward<Arguments>(arguments)...);
+            } else {
+                handler();
+            }
+        } catch (const std::exception& error) {
+            qWarning("A handler failed: %s", error.what());
+        }
+    }
+};
+
 class Events {
   public:
     // Runs `handler` whenever `sender` raises the signal, with its arguments or with none, as it takes them.
@@ -21,18 +42,7 @@ class Events {
     // The handler as a function that lets no exception out, for calls that are not signals.
     template <typename Handler>
     static auto Guarded(Handler handler) {
-        // The result type is written out: whoever asks only whether a call fits must not look inside.
-        return [handler = std::move(handler)](auto&&... arguments) -> void {
-            try {
-                if constexpr (std::is_invocable_v<const Handler&, decltype(arguments)...>) {
-                    handler(std::forward<decltype(arguments)>(arguments)...);
-                } else {
-                    handler();
-                }
-            } catch (const std::exception& error) {
-                qWarning("A handler failed: %s", error.what());
-            }
-        };
+        return Guard<Handler>{std::move(handler)};
     }
 
   private:
