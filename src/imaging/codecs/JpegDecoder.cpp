@@ -97,8 +97,7 @@ void NoteLoss(j_common_ptr common, int level) {
     }
     ++common->err->num_warnings;
     Session& session = SessionOf(common);
-    if (common->err->msg_code == JWRN_HIT_MARKER && session.lostRow < 0 &&
-        CarriesThePicture(session.jpeg)) {
+    if (common->err->msg_code == JWRN_HIT_MARKER && session.lostRow < 0 && CarriesThePicture(session.jpeg)) {
         session.lostRow = static_cast<int>(session.jpeg.input_iMCU_row);
         session.lostScan = session.jpeg.input_scan_number;
     }
