@@ -73,7 +73,7 @@ void Editor::Save(const QString& fileName) {
 }
 
 QString Editor::MakeFile(const QString& name, const PixelArray& picture) {
-    const QString path = Path(name);
+    QString path = Path(name);
     Document().ImageCodec->Write(picture, path.toStdString(), QFileInfo(name).suffix().toStdString());
     return path;
 }

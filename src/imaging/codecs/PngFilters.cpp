@@ -1,4 +1,4 @@
-// The row filters of PNG, see PngFilters.h. Formulas: PNG specification, section 9.
+// The row filters of PNG, see PngFilters.h. Formulas: ISO/IEC 15948 (PNG), section 9.
 #include "imaging/codecs/PngFilters.h"
 
 #include <array>
