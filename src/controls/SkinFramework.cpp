@@ -7,10 +7,10 @@
 #include <QFile>
 #include <QMap>
 #include <QMetaEnum>
-#include <QRegularExpression>
-#include <QStyleFactory>
 #include <QToolTip>
 #include <QWidget>
+
+#include <algorithm>
 
 namespace pictorel {
 namespace {

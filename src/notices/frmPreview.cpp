@@ -61,6 +61,7 @@ void frmPreview::Load() {
     window_->setAttribute(Qt::WA_ShowWithoutActivating);
     view_ = new PictureView(window_.get());
     view_->setObjectName(QStringLiteral("ImageView_Preview"));
+    view_->SetHint(QString()); // an empty preview invites to nothing
     view_->SetBorderStyle(0);
     view_->SetBackgroundColour(placement.background);
 

@@ -61,7 +61,7 @@ PixelArray WithAlphaOf(PixelArray picture, const PixelArray& plane) {
 
 } // namespace
 
-PictureView::PictureView(QWidget* parent) : QWidget(parent), hint_(tr("Open a picture, or drop one here")) {
+PictureView::PictureView(QWidget* parent) : QWidget(parent), hint_(tr("Open a picture to begin")) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAccessibleName(tr("Picture"));
