@@ -72,6 +72,7 @@ void Slider::mousePressEvent(QMouseEvent* event) {
         return; // a second button while one is held changes nothing
     }
     held_ = true;
+    valueAtPress_ = value();
     emit Pressed();
     const double x = event->position().x();
     const double thumb = XOf(value());
@@ -101,7 +102,42 @@ void Slider::mouseReleaseEvent(QMouseEvent* event) {
     emit Released();
 }
 
+void Slider::Cancel() {
+    if (!held_) {
+        return;
+    }
+    held_ = dragging_ = false;
+    SetValue(valueAtPress_);
+    update();
+    emit Cancelled();
+}
+
+// Whether this event takes the mouse away from a slider that is held.
+bool Slider::LosesMouse(const QEvent& event) const {
+    switch (event.type()) {
+        case QEvent::Hide:
+        case QEvent::WindowBlocked: // a modal window came up
+        case QEvent::WindowDeactivate:
+            return true;
+        case QEvent::EnabledChange:
+            return !isEnabled();
+        default:
+            return false;
+    }
+}
+
+bool Slider::event(QEvent* event) {
+    if (held_ && LosesMouse(*event)) {
+        Cancel();
+    }
+    return QSlider::event(event);
+}
+
 void Slider::keyPressEvent(QKeyEvent* event) {
+    if (held_ && event->key() == Qt::Key_Escape) {
+        Cancel();
+        return;
+    }
     const int before = value();
     QSlider::keyPressEvent(event);
     if (value() != before) {

@@ -1,4 +1,4 @@
-// A horizontal slider with tick marks that tells when it is pressed, moved and let go.
+// A horizontal slider with tick marks that tells when it is pressed, moved, let go and given up.
 #pragma once
 
 #include "controls/Control.h"
@@ -7,6 +7,8 @@
 
 namespace pictorel {
 
+// Each Pressed is followed by one Released, or by one Cancelled where the person presses Escape or the slider
+// loses the mouse (its window is closed, another becomes active, the slider is hidden or disabled).
 class Slider : public QSlider, public Control {
     Q_OBJECT
 
@@ -29,8 +31,10 @@ class Slider : public QSlider, public Control {
     void Pressed();
     void Changed(int value);
     void Released();
+    void Cancelled(); // the slider stands where it stood when it was pressed, without a Changed
 
   protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -45,12 +49,15 @@ class Slider : public QSlider, public Control {
     double XOf(int value) const;
     int ValueAt(double x) const;
     void ChangeTo(int value);
+    bool LosesMouse(const QEvent& event) const;
+    void Cancel();
 
     int tickSpacing_ = 0;
     int neutral_ = 0;
     bool hasNeutral_ = false;
     bool held_ = false;
     bool dragging_ = false;
+    int valueAtPress_ = 0;
     double grabOffset_ = 0;
 };
 

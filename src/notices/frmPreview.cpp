@@ -94,6 +94,16 @@ void frmPreview::ShowModeless() {
     window_->show();
 }
 
+bool frmPreview::IsShown() const {
+    return window_ != nullptr && window_->isVisible();
+}
+
+void frmPreview::RepaintNow() {
+    if (IsShown()) {
+        view_->repaint();
+    }
+}
+
 void frmPreview::Unload() {
     view_ = nullptr;
     window_.reset();

@@ -28,9 +28,9 @@ class frmPreview : public PreviewWindow {
     ImageView& View() override;
     void SetTitle(const QString& title) override;
     void ShowModeless() override;
+    bool IsShown() const override;
+    void RepaintNow() override;
     void Unload() override;
-
-    bool IsLoaded() const { return window_ != nullptr; }
 
   private:
     void Load();

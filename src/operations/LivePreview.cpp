@@ -38,6 +38,7 @@ LivePreview::LivePreview(Image_Mods& document, LivePreviewControls controls, Ope
         events_.On(slider, &Slider::Pressed, [this, i] { Slider_Tab_MouseDown(i); });
         events_.On(slider, &Slider::Changed, [this, i] { Slider_Tab_Change(i); });
         events_.On(slider, &Slider::Released, [this, i] { Slider_Tab_MouseUp(i); });
+        events_.On(slider, &Slider::Cancelled, [this, i] { Slider_Tab_Cancelled(i); });
     }
 }
 
@@ -60,6 +61,11 @@ void LivePreview::Slider_Tab_MouseDown(int slider) {
                 PreviewOutdated = false;
             }
         },
+        [&] {
+            if (!window_.IsShown()) {
+                window_.Unload(); // keyboard steps may have loaded it for another slider or picture
+            }
+        },
         [&] { reducedCopy_.ShowImagePreview(reducedCopy_.FileName(), window_.View()); },
         [&] { window_.SetTitle(PreviewTitle(slider, controls_.lbl_SliderName(slider).Caption())); },
         [&] { window_.ShowModeless(); });
@@ -69,15 +75,27 @@ void LivePreview::Slider_Tab_Change(int slider) {
     if (slider < 0 || slider >= kSliderCount) {
         return;
     }
-    Label& value = controls_.lbl_SliderTab(slider);
-    value.SetCaption(SliderValueText(slider, controls_.Slider_Tab(slider).Value()));
-    value.RepaintNow();
+    WriteValueText(slider);
     const OperationParameters parameters =
         GatherParameters(slider, [this](int i) { return controls_.Slider_Tab(i).Value(); });
     const auto code =
         static_cast<std::int32_t>(SliderCatalogue()[static_cast<std::size_t>(slider)].operation);
     dispatcher_.ApplyImageOperation(kSlot, code, document_.LivePreviewMode, parameters.value1,
                                     parameters.value2, parameters.value3);
+    if (document_.LivePreviewMode) {
+        window_.RepaintNow(); // each value is seen before the next one is handled
+    }
+}
+
+void LivePreview::WriteValueText(int slider) {
+    Label& value = controls_.lbl_SliderTab(slider);
+    value.SetCaption(SliderValueText(slider, controls_.Slider_Tab(slider).Value()));
+    value.RepaintNow();
+}
+
+// The slider has gone back to where it was pressed: nothing of the press remains.
+void LivePreview::Slider_Tab_Cancelled(int slider) {
+    CarryOn([&] { window_.Unload(); }, [&] { WriteValueText(slider); });
 }
 
 void LivePreview::Slider_Tab_MouseUp(int slider) {

@@ -1,4 +1,4 @@
-// The sliders: preview while one is held, commit when it is let go.
+// The sliders: preview while one is held, commit when it is let go, nothing when it is given up.
 #pragma once
 
 #include "controls/ControlArray.h"
@@ -37,6 +37,8 @@ class PreviewWindow {
     virtual ImageView& View() = 0; // loads the window where it is not loaded, without showing it
     virtual void SetTitle(const QString& title) = 0;
     virtual void ShowModeless() = 0;
+    virtual bool IsShown() const = 0;
+    virtual void RepaintNow() = 0;
     virtual void Unload() = 0;
 };
 
@@ -49,6 +51,7 @@ class LivePreview {
     void Slider_Tab_MouseDown(int slider);
     void Slider_Tab_Change(int slider);
     void Slider_Tab_MouseUp(int slider);
+    void Slider_Tab_Cancelled(int slider);
 
     // The reduced copy no longer matches what the view shows and is rebuilt before the next preview.
     bool PreviewOutdated = false;
@@ -61,6 +64,7 @@ class LivePreview {
     std::function<std::pair<float, float>()> WindowPosition;
 
   private:
+    void WriteValueText(int slider);
     void Commit(int slider);
     void Progress(int value);
 

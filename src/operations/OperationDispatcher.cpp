@@ -41,6 +41,12 @@ void OperationDispatcher::ApplyImageOperation(PictureSlot slot, std::int32_t cod
                 ShowResult(transform, document_.Views(slot));
             }
         },
+        [&] {
+            // The working picture is what gets saved: a preview must not stay there in its place.
+            if (previewMode) {
+                document_.Transforms(slot).SetPicture(document_.ImagePixels);
+            }
+        },
         [&] { document_.ImageModified(slot) = true; }, //
         [&] { progress(4); });
 }

@@ -36,6 +36,10 @@ ZoomScroll::ZoomScroll(Image_Mods& document, ZoomScrollControls controls, Previe
                    [this, i](int) { Slider_ImageZoom_Change(i); });
         events_.On(controls_.Slider_ImageZoom(i), &Slider::Released,
                    [this, i] { Slider_ImageZoom_MouseUp(i); });
+        events_.On(controls_.Slider_ImageZoom(i), &Slider::Cancelled, [this, i] {
+            Slider_ImageZoom_Change(i);
+            Slider_ImageZoom_MouseUp(i);
+        });
         for (ScrollBar* const bar : {&controls_.ScrollBar_ImageX(i), &controls_.ScrollBar_ImageY(i)}) {
             events_.On(*bar, &ScrollBar::valueChanged, [this, i](int) { ScrollBar_Change(i); });
         }
