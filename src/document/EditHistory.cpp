@@ -63,6 +63,7 @@ void EditHistory::Renumber(PictureSlot slot, ReportList& historyList) {
         QString& file = ItemOf(historyList, row, HistoryColumn::ImageFile).value;
         const QString wanted = WorkingFile(slot, row + 1);
         document_.FileSystem.Move(file, wanted);
+        document_.ImageCodec->FileRenamed(file.toStdString(), wanted.toStdString());
         file = wanted;
     }
     historyList.Populate();

@@ -24,6 +24,9 @@ class ImageCodec {
     // unknown format).
     virtual void Write(const PixelArray& picture, const std::string& fileName, std::string_view format) = 0;
 
+    // A file that this codec wrote or read has another name now, so that what is known of it is not lost.
+    virtual void FileRenamed(const std::string& from, const std::string& to) = 0;
+
     virtual void SetQuality(int quality) = 0; // 27; 1..100, of JPEG and JPEG 2000
 };
 

@@ -1,6 +1,7 @@
 // The vector kernels against the plain loops, bit for bit, on every kind of vectors that this processor has.
 #include "engine/TestPictures.h"
 #include "imaging/engine/Convolution.h"
+#include "imaging/engine/NoiseSums.h"
 #include "imaging/engine/PointRows.h"
 
 #include <hwy/targets.h>
@@ -87,6 +88,29 @@ TEST(Simd, LumaEqualsPlainLoops) {
             scalar::LumaRow(colours.Row(y), plain.data(), colours.Width());
             simd::LumaRow(colours.Row(y), vectors.data(), colours.Width());
             ASSERT_EQ(vectors, plain) << target << " row " << y;
+        }
+    });
+}
+
+TEST(Simd, NoiseSumsEqualPlainLoops) {
+    ForEachTarget([](const char* target) {
+        for (const int width : {1, 15, 64, 131}) {
+            for (const int rows : {1, 6, 25}) {
+                constexpr std::size_t kRoom = 256;
+                std::vector<std::int32_t> plain(3 * kRoom);
+                std::vector<std::int32_t> vectors(3 * kRoom);
+                for (const bool simd : {false, true}) {
+                    auto& sums = simd ? vectors : plain;
+                    (simd ? simd::SumNoise : scalar::SumNoise)(
+                        40, 40 + rows, width, {sums.data(), sums.data() + kRoom, sums.data() + 2 * kRoom});
+                }
+                for (std::size_t channel = 0; channel < 3; ++channel) {
+                    const auto first = static_cast<std::ptrdiff_t>(channel * kRoom);
+                    EXPECT_TRUE(std::equal(plain.begin() + first, plain.begin() + first + width,
+                                           vectors.begin() + first))
+                        << target << " width " << width << " rows " << rows;
+                }
+            }
         }
     });
 }

@@ -25,6 +25,7 @@ class RecordingCodec : public ImageCodec {
     void Write(const PixelArray& picture, const std::string& fileName, std::string_view format) override {
         written.push_back({picture, fileName, std::string(format), quality_});
     }
+    void FileRenamed(const std::string& /*from*/, const std::string& /*to*/) override {}
     void SetQuality(int quality) override { quality_ = quality; }
 
     struct Written {

@@ -218,7 +218,7 @@ void ApplyWorkingBlock(const ByteBuffer& block, PixelArray& picture) {
         Damaged();
     }
     const double reduction = reader.Real();
-    if (!(reduction > 0 && reduction <= 1)) {
+    if (!(reduction > 0 && reduction <= kMaximumSide)) {
         Damaged();
     }
     picture.SetReduction(reduction);

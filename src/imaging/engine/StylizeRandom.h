@@ -5,13 +5,17 @@
 
 namespace pictorel::engine {
 
+inline constexpr std::uint32_t kFirstMixer = 0x9E3779B1U;
+inline constexpr std::uint32_t kSecondMixer = 0xA24BAED5U;
+inline constexpr std::uint32_t kColumnStride = 0xB5297A4DU;
+
 // A mixing of 32 bits in which every bit of the input reaches every bit of the result: multiplications by odd
 // numbers and shifts, so that different inputs give different results.
 constexpr std::uint32_t MixBits(std::uint32_t bits) noexcept {
     bits ^= bits >> 16;
-    bits *= 0x9E3779B1U;
+    bits *= kFirstMixer;
     bits ^= bits >> 15;
-    bits *= 0xA24BAED5U;
+    bits *= kSecondMixer;
     bits ^= bits >> 16;
     return bits;
 }
@@ -22,7 +26,7 @@ constexpr std::uint32_t RandomRow(int y) noexcept {
 }
 
 constexpr std::uint32_t RandomAt(std::uint32_t row, int x) noexcept {
-    return MixBits(row + static_cast<std::uint32_t>(x) * 0xB5297A4DU);
+    return MixBits(row + static_cast<std::uint32_t>(x) * kColumnStride);
 }
 
 } // namespace pictorel::engine

@@ -3,6 +3,7 @@
 
 #include "imaging/ImagingError.h"
 #include "imaging/engine/Resample.h"
+#include "imaging/objects/FinerCopies.h"
 
 #include <utility>
 
@@ -29,8 +30,10 @@ void FileConverter::Convert(const std::string& source, const std::string& target
     if (picture.IsEmpty() && !codec_.Read(source, picture)) {
         throw ImagingError(ImagingFailure::UnsupportedFormat, "The file " + source + " is no picture.");
     }
+    const auto finer = std::make_shared<const FinerCopies>(picture);
     PixelArray reduced = engine::Resize(picture, width_, height_);
     reduced.SetReduction(picture.Reduction() * width_ / picture.Width());
+    reduced.SetFiner(finer);
     codec_.SetQuality(kQuality);
     codec_.Write(reduced, target, "JPG");
 }

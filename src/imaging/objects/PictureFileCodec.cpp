@@ -25,6 +25,7 @@ bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
         const bool working = isWorkingFile_(fileName);
         picture = codec->read(*bytes, {working});
         if (working) {
+            picture.SetFiner(memory_->FinerOf(fileName));
             memory_->Remember(fileName, picture);
         }
         return true;

@@ -20,6 +20,9 @@ class PictureFileCodec : public ImageCodec {
 
     bool Read(const std::string& fileName, PixelArray& picture) override;
     void Write(const PixelArray& picture, const std::string& fileName, std::string_view format) override;
+    void FileRenamed(const std::string& from, const std::string& to) override {
+        memory_->FileRenamed(from, to);
+    }
     void SetQuality(int quality) override { quality_ = quality; }
 
   private:

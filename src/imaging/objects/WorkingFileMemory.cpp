@@ -1,6 +1,8 @@
 // Remembers which pixels the newest working file holds, see WorkingFileMemory.h.
 #include "imaging/objects/WorkingFileMemory.h"
 
+#include "imaging/objects/FinerCopies.h"
+
 #include <filesystem>
 
 namespace pictorel {
@@ -8,19 +10,40 @@ namespace pictorel {
 void WorkingFileMemory::Remember(const std::string& fileName, const PixelArray& picture) {
     if (picture.Reduction() != 1.0) {
         Forget(fileName); // a reduced copy must not push out the picture that it was made from
+        reducedName_ = fileName;
+        finer_ = picture.Finer();
         return;
+    }
+    if (finer_ && !finer_->Picture().SharesPixelsWith(picture)) {
+        finer_.reset(); // the reduced copy is outdated, and a second picture would be kept for it
     }
     fileName_ = fileName;
     linkedName_.clear();
     picture_ = picture;
 }
 
+void WorkingFileMemory::FileRenamed(const std::string& from, const std::string& to) {
+    if (from == fileName_) {
+        fileName_ = to;
+    } else if (from == linkedName_) {
+        linkedName_ = to;
+    } else {
+        Forget(to); // another file has taken its place
+    }
+}
+
 void WorkingFileMemory::Forget(const std::string& fileName) {
     if (fileName == fileName_) {
-        *this = WorkingFileMemory();
+        fileName_.clear();
+        linkedName_.clear();
+        picture_ = PixelArray();
     } else if (fileName == linkedName_) {
         linkedName_.clear();
     }
+}
+
+std::shared_ptr<const FinerCopies> WorkingFileMemory::FinerOf(const std::string& fileName) const {
+    return fileName == reducedName_ ? finer_ : nullptr;
 }
 
 std::optional<std::string> WorkingFileMemory::FileOf(const PixelArray& picture) const {

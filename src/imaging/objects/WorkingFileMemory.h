@@ -1,8 +1,10 @@
-// Remembers which pixels the newest working file holds, so that they are neither encoded nor decoded twice.
+// Remembers which pixels the newest working file holds, so that they are neither encoded nor decoded twice,
+// and what the reduced copy was made from.
 #pragma once
 
 #include "imaging/PixelArray.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -13,6 +15,12 @@ namespace pictorel {
 class WorkingFileMemory {
   public:
     void Remember(const std::string& fileName, const PixelArray& picture);
+
+    // What the reduced copy in the file was made from; null for other files, and as soon as another picture
+    // is remembered. Only this memory keeps it alive.
+    std::shared_ptr<const FinerCopies> FinerOf(const std::string& fileName) const;
+
+    void FileRenamed(const std::string& from, const std::string& to);
 
     // The file that holds exactly this picture, if it is the one remembered and still there.
     std::optional<std::string> FileOf(const PixelArray& picture) const;
@@ -30,6 +38,9 @@ class WorkingFileMemory {
     std::string fileName_;
     std::string linkedName_;
     PixelArray picture_;
+
+    std::string reducedName_;
+    std::shared_ptr<const FinerCopies> finer_;
 };
 
 } // namespace pictorel

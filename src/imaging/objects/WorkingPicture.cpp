@@ -8,6 +8,7 @@
 #include "imaging/engine/PointOperations.h"
 #include "imaging/engine/Resample.h"
 #include "imaging/engine/Stylize.h"
+#include "imaging/objects/FinerCopies.h"
 
 namespace pictorel {
 namespace {
@@ -17,19 +18,55 @@ constexpr double kSharpenUnit = 25.0; // strength of amount 1
 
 } // namespace
 
+void WorkingPicture::SetPicture(const PixelArray& picture) {
+    asSet_ = picture;
+    picture_ = picture;
+    finer_ = picture.Finer();
+    reduced_ = reducedFrom_ = PixelArray();
+}
+
+bool WorkingPicture::IsUntouched() const noexcept {
+    return picture_.SharesPixelsWith(asSet_) || (finer_ && finer_->Holds(picture_));
+}
+
 const PixelArray& WorkingPicture::Source() const {
     if (picture_.IsEmpty()) {
         throw ImagingError(ImagingFailure::InvalidValue, "There is no picture.");
     }
+    return finer_ && IsUntouched() ? finer_->Ordinary() : picture_;
+}
+
+const PixelArray& WorkingPicture::SourceForExtremes() const {
+    return finer_ && IsUntouched() ? finer_->ForExtremes() : Source();
+}
+
+const PixelArray& WorkingPicture::SourceOfItsSize() {
+    picture_ = Result();
+    finer_.reset();
     return picture_;
 }
 
+const PixelArray& WorkingPicture::Result() const {
+    if (picture_.IsEmpty()) {
+        throw ImagingError(ImagingFailure::InvalidValue, "There is no picture.");
+    }
+    if (!finer_ || IsUntouched()) {
+        return finer_ ? asSet_ : picture_;
+    }
+    if (!reducedFrom_.SharesPixelsWith(picture_)) {
+        reduced_ = engine::Resize(picture_, asSet_.Width(), asSet_.Height());
+        reduced_.SetReduction(asSet_.Reduction());
+        reducedFrom_ = picture_;
+    }
+    return reduced_;
+}
+
 void WorkingPicture::CopyPicture(PixelArray& picture) const {
-    picture = Source();
+    picture = Result();
 }
 
 void WorkingPicture::CopySecondPlane(PixelArray& plane) const {
-    plane = Source(); // the alpha lies in the fourth component of the same array
+    plane = Result(); // the alpha lies in the fourth component of the same array
 }
 
 void WorkingPicture::AutoContrast() {
@@ -97,11 +134,11 @@ void WorkingPicture::Posterize(std::int32_t levels) {
 }
 
 void WorkingPicture::MinimalFilter(std::int32_t radius) {
-    picture_ = engine::MinimumFilter(Source(), radius);
+    picture_ = engine::MinimumFilter(SourceForExtremes(), radius);
 }
 
 void WorkingPicture::MaximalFilter(std::int32_t radius) {
-    picture_ = engine::MaximumFilter(Source(), radius);
+    picture_ = engine::MaximumFilter(SourceForExtremes(), radius);
 }
 
 void WorkingPicture::Blur(double strength) {
@@ -154,7 +191,7 @@ void WorkingPicture::Rotate(double degrees, ColourValue background) {
 
 void WorkingPicture::Resize(std::int32_t width, std::int32_t height, std::int32_t /*method*/,
                             ColourValue /*background*/) {
-    picture_ = engine::Resize(Source(), width, height);
+    picture_ = engine::Resize(SourceOfItsSize(), width, height);
 }
 
 void WorkingPicture::Perspective(bool vertical, double degrees) {
@@ -174,7 +211,8 @@ void WorkingPicture::Reproduce(std::int32_t count) {
 }
 
 void WorkingPicture::QuarterTurn(std::int32_t direction) {
-    picture_ = direction < 0 ? engine::QuarterTurnLeft(Source()) : engine::QuarterTurnRight(Source());
+    picture_ = direction < 0 ? engine::QuarterTurnLeft(SourceOfItsSize())
+                             : engine::QuarterTurnRight(SourceOfItsSize());
 }
 
 } // namespace pictorel

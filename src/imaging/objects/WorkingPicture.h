@@ -6,9 +6,10 @@
 
 namespace pictorel {
 
+// A reduced copy that has finer ones is worked on in those, and the result is reduced to its size.
 class WorkingPicture : public ImageTransform {
   public:
-    void SetPicture(const PixelArray& picture) override { picture_ = picture; }
+    void SetPicture(const PixelArray& picture) override;
     void CopyPicture(PixelArray& picture) const override;
     void CopySecondPlane(PixelArray& plane) const override;
     bool HasSecondPlane() const override { return picture_.HasAlpha(); }
@@ -54,10 +55,23 @@ class WorkingPicture : public ImageTransform {
     void SetBackgroundColour(ColourValue background) override { background_ = background; }
 
   private:
-    // The working picture; throws ImagingError(InvalidValue) where there is none.
+    // What the next operation starts from; throws ImagingError(InvalidValue) where there is no picture.
     const PixelArray& Source() const;
+    const PixelArray& SourceForExtremes() const; // for the brightest and the darkest of a square
+    const PixelArray& SourceOfItsSize();         // for what changes the size: never a finer copy
 
+    // Whether no operation has changed a pixel of what was set.
+    bool IsUntouched() const noexcept;
+
+    // The working picture in the size of what was set.
+    const PixelArray& Result() const;
+
+    PixelArray asSet_;
     PixelArray picture_;
+    std::shared_ptr<const FinerCopies> finer_; // of asSet_, or null
+
+    mutable PixelArray reduced_; // made from ...
+    mutable PixelArray reducedFrom_;
     ColourValue background_ = 0;
 };
 
