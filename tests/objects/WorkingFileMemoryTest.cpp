@@ -1,6 +1,7 @@
 // Which picture is known to be in which working file, and when that knowledge ends.
 #include "engine/TestPictures.h"
 #include "imaging/MadeDetails.h"
+#include "imaging/objects/FinerCopies.h"
 #include "imaging/objects/WorkingFileMemory.h"
 #include "objects/TemporaryFolder.h"
 
@@ -50,6 +51,31 @@ TEST_F(WorkingFileMemoryTest, KnowsThePixelsUnderBothNames) {
     EXPECT_TRUE(memory_.PixelsOf(folder_.Path("3.jpg")).IsEmpty());
     EXPECT_TRUE(memory_.PixelsOf("").IsEmpty());
     EXPECT_TRUE(WorkingFileMemory().PixelsOf("").IsEmpty());
+}
+
+TEST_F(WorkingFileMemoryTest, FollowsRenamedFiles) {
+    const std::string renamed = folder_.Make("3.jpg", "one");
+    memory_.FileRenamed(file_, renamed);
+    EXPECT_EQ(memory_.FileOf(picture_), renamed);
+    const std::string other = folder_.Make("4.jpg", "four");
+    memory_.FileRenamed(other, renamed); // takes the place of the remembered one
+    EXPECT_FALSE(memory_.FileOf(picture_));
+}
+
+TEST_F(WorkingFileMemoryTest, KeepsTheFinerCopiesUntilAnotherPictureComes) {
+    PixelArray copy = Random({3, 3});
+    copy.SetReduction(1.0 / 3);
+    copy.SetFiner(std::make_shared<FinerCopies>(picture_));
+    EXPECT_FALSE(copy.Finer()); // nobody keeps them
+    const auto finer = std::make_shared<FinerCopies>(picture_);
+    copy.SetFiner(finer);
+    memory_.Remember(folder_.Path("copy.jpg"), copy);
+    EXPECT_EQ(memory_.FinerOf(folder_.Path("copy.jpg")), finer);
+    EXPECT_FALSE(memory_.FinerOf(file_));
+    memory_.Remember(file_, picture_);
+    EXPECT_TRUE(memory_.FinerOf(folder_.Path("copy.jpg")));
+    memory_.Remember(folder_.Path("2.jpg"), Random({9, 9}));
+    EXPECT_FALSE(memory_.FinerOf(folder_.Path("copy.jpg")));
 }
 
 TEST_F(WorkingFileMemoryTest, ALinkTakesThePlaceOfAnOlderFile) {

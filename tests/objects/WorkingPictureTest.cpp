@@ -2,6 +2,9 @@
 #include "engine/TestPictures.h"
 #include "imaging/ImagingError.h"
 #include "imaging/engine/Filters.h"
+#include "imaging/engine/PointOperations.h"
+#include "imaging/engine/Resample.h"
+#include "imaging/objects/FinerCopies.h"
 #include "imaging/objects/WorkingPicture.h"
 
 #include <gtest/gtest.h>
@@ -32,6 +35,25 @@ PixelArray FourPixels() {
         const auto v = static_cast<std::uint8_t>(10 * (1 + x + 2 * y));
         return Pixel{v, static_cast<std::uint8_t>(v + 1), static_cast<std::uint8_t>(v + 2), 255};
     });
+}
+
+TEST(WorkingPicture, WorksOnTheFinerCopiesAndKeepsTheSize) {
+    const PixelArray picture = Random({60, 40});
+    const auto finer = std::make_shared<FinerCopies>(picture);
+    PixelArray copy = engine::Resize(picture, 15, 10);
+    copy.SetReduction(0.25);
+    copy.SetFiner(finer);
+    for (const auto& [call, wanted] :
+         {std::pair<Call, PixelArray>{[](ImageTransform& t) { t.Brightness(90); },
+                                      engine::Brightness(picture, 90)},
+          {[](ImageTransform& t) { t.MaximalFilter(2); }, engine::MaximumFilter(picture, 2)}}) {
+        const PixelArray result = After(copy, call);
+        EXPECT_TRUE(SamePixels(result, engine::Resize(wanted, 15, 10)));
+        EXPECT_EQ(result.Reduction(), 0.25);
+    }
+    EXPECT_TRUE(SamePixels(After(copy, [](ImageTransform& t) { t.Brightness(0); }), copy));
+    EXPECT_TRUE(SamePixels(After(copy, [](ImageTransform& t) { t.MinimalFilter(0); }), copy));
+    EXPECT_EQ(After(copy, [](ImageTransform& t) { t.QuarterTurn(1); }).Width(), 10);
 }
 
 TEST(WorkingPicture, TurnsAndMirrorsTheRightWay) {
