@@ -52,7 +52,7 @@ TEST_F(AtomicFile, WritesANewFileUnderTheProcesssMask) {
         fs::remove(name);
     }
     EXPECT_EQ(::umask(before), mode_t{027}) << "the mask itself stays";
-    ReplaceFile(name, {}, Durability::Lasting);
+    ReplaceFile(name, codecs::ByteView(), Durability::Lasting);
     EXPECT_EQ(fs::file_size(name), 0U);
 }
 

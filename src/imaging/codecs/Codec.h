@@ -4,6 +4,7 @@
 #include "imaging/PixelArray.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@ namespace pictorel::codecs {
 
 using ByteView = std::span<const std::uint8_t>;
 using ByteBuffer = std::vector<std::uint8_t>;
+using ByteSink = std::function<void(ByteView)>; // takes the parts of a file, in their order
 
 struct ReadOptions {
     // The file is one of our own working files: its private segment (alpha, metadata, reduction) is believed.

@@ -159,12 +159,22 @@ PixelArray ReadJpeg(ByteView file, const ReadOptions& options) try {
     NoMemory();
 }
 
+void WriteWorkingJpeg(const PixelArray& picture, const ByteSink& sink) try {
+    EncodeJpeg(picture, {100, JpegPixels::AsTheyAre}, WorkingMarkers(picture), sink);
+} catch (const std::bad_alloc&) {
+    NoMemory();
+}
+
 ByteBuffer WriteJpeg(const PixelArray& picture, const WriteOptions& options) try {
+    ByteBuffer file;
+    const auto gather = [&file](ByteView part) { file.insert(file.end(), part.begin(), part.end()); };
     if (options.workingFile) {
-        return EncodeJpeg(picture, {100, JpegPixels::AsTheyAre}, WorkingMarkers(picture));
+        WriteWorkingJpeg(picture, gather);
+    } else {
+        EncodeJpeg(picture, {std::clamp(options.quality, 1, 100), JpegPixels::OverWhite},
+                   MetadataMarkers(picture.Details()), gather);
     }
-    return EncodeJpeg(picture, {std::clamp(options.quality, 1, 100), JpegPixels::OverWhite},
-                      MetadataMarkers(picture.Details()));
+    return file;
 } catch (const std::bad_alloc&) {
     NoMemory();
 }

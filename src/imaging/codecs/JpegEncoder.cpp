@@ -6,8 +6,6 @@
 #include "imaging/codecs/JpegLibrary.h"
 #include "imaging/codecs/JpegWorkingTables.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -154,64 +152,65 @@ struct EncodedStrip {
     std::size_t bytes = 0;
 };
 
-// Faults of small pages cost a tenth of the time of encoding a large picture.
-void AdviseHugePages(std::uint8_t* memory, std::size_t bytes) noexcept {
-    constexpr std::size_t kHugePage = std::size_t{2} << 20;
-    void* start = memory;
-    std::size_t room = bytes;
-    if (std::align(kHugePage, kHugePage, start, room) != nullptr) {
-        madvise(start, room / kHugePage * kHugePage, MADV_HUGEPAGE); // a hint: failing costs nothing
-    }
-}
-
 // Puts strips together in their order, whatever the order in which they come.
 class StripJoiner {
   public:
-    StripJoiner(int height, std::size_t expectedBytes) : height_(height) {
-        joined_.reserve(expectedBytes);
-        AdviseHugePages(joined_.data(), expectedBytes);
-    }
+    StripJoiner(int height, const ByteSink& sink) : height_(height), sink_(sink) {}
 
+    // Hands on all strips whose turn it is. A thread that finds another one doing so leaves its strip to it.
     void Add(int index, EncodedStrip strip) {
-        const std::lock_guard lock(mutex_);
+        std::unique_lock lock(mutex_);
         waiting_.emplace(index, std::move(strip));
+        if (handingOn_) {
+            return;
+        }
+        handingOn_ = true;
         while (!waiting_.empty() && waiting_.begin()->first == next_) {
-            Append(ByteView(waiting_.begin()->second.memory.get(), waiting_.begin()->second.bytes));
+            const EncodedStrip first = std::move(waiting_.begin()->second);
             waiting_.erase(waiting_.begin());
+            lock.unlock();
+            HandOn(first);
+            lock.lock();
             ++next_;
         }
+        handingOn_ = false;
     }
 
-    ByteBuffer Finish() {
-        joined_.insert(joined_.end(), {0xFF, jpeg::kEndOfImage});
-        return std::move(joined_);
+    void Finish() {
+        constexpr std::array<std::uint8_t, 2> kEnd{0xFF, jpeg::kEndOfImage};
+        sink_(kEnd);
     }
 
   private:
     // The first strip gives the header, for the height of the whole picture; others give their scan.
-    void Append(ByteView strip) {
-        const std::vector<JpegSegment> segments = JpegSegments(strip);
-        ByteView wanted = strip.first(strip.size() - jpeg::kMarkerBytes); // without the end of the image
+    void HandOn(const EncodedStrip& strip) {
+        std::uint8_t* const bytes = strip.memory.get();
+        const std::vector<JpegSegment> segments = JpegSegments(ByteView(bytes, strip.bytes));
+        // Without the end of the image.
+        const ByteView wanted(bytes, strip.bytes - jpeg::kMarkerBytes);
         if (next_ > 0) {
-            wanted = wanted.subspan(segments.back().end());
-            joined_.insert(joined_.end(), {0xFF, jpeg::kRestart0 + 7});
+            constexpr std::array<std::uint8_t, 2> kJoint{0xFF, jpeg::kRestart0 + 7};
+            sink_(kJoint);
+            sink_(wanted.subspan(segments.back().end()));
+            return;
         }
-        joined_.insert(joined_.end(), wanted.begin(), wanted.end());
         const auto frame = std::find_if(segments.begin(), segments.end(), [](const JpegSegment& s) {
             return s.marker == jpeg::kBaseline || s.marker == jpeg::kExtendedSequential;
         });
-        if (next_ == 0 && frame != segments.end()) {
+        if (frame != segments.end()) {
             const std::size_t heightOffset = frame->offset + jpeg::kMarkerBytes + jpeg::kLengthBytes + 1;
-            joined_[heightOffset] = static_cast<std::uint8_t>(height_ >> 8);
-            joined_[heightOffset + 1] = static_cast<std::uint8_t>(height_ & 0xFF);
+            bytes[heightOffset] = static_cast<std::uint8_t>(height_ >> 8);
+            bytes[heightOffset + 1] = static_cast<std::uint8_t>(height_ & 0xFF);
         }
+        sink_(wanted);
     }
 
     const int height_;
+    const ByteSink& sink_;
     std::mutex mutex_;
     std::map<int, EncodedStrip> waiting_;
     int next_ = 0;
-    ByteBuffer joined_;
+    bool handingOn_ = false;
 };
 
 EncodedStrip Encode(const Job& job, std::span<const JpegMarker> markers, int firstRow) {
@@ -246,17 +245,13 @@ EncodedStrip Encode(const Job& job, std::span<const JpegMarker> markers, int fir
 
 } // namespace
 
-ByteBuffer EncodeJpeg(const PixelArray& picture, const JpegSettings& settings,
-                      const std::vector<JpegMarker>& markers) {
+void EncodeJpeg(const PixelArray& picture, const JpegSettings& settings,
+                const std::vector<JpegMarker>& markers, const ByteSink& sink) {
     CheckPictureSize(picture.Width(), picture.Height());
     const int strips = (picture.Height() + kStripRows - 1) / kStripRows;
-    std::size_t expectedBytes = 2 * static_cast<std::size_t>(picture.Width()) * picture.Height();
-    for (const JpegMarker& marker : markers) {
-        expectedBytes += marker.payload.size();
-    }
     const Job job{picture, settings,
                   settings.pixels == JpegPixels::AsTheyAre ? &TablesFor(picture) : nullptr};
-    StripJoiner joiner(picture.Height(), expectedBytes);
+    StripJoiner joiner(picture.Height(), sink);
     // Strips are taken from the top down whatever band a thread is given, so that few wait for their turn.
     std::atomic<int> next = 0;
     ForEachBand(strips, kStripRows * picture.RowBytes(), [&](int first, int end) {
@@ -266,7 +261,7 @@ ByteBuffer EncodeJpeg(const PixelArray& picture, const JpegSettings& settings,
             joiner.Add(strip, Encode(job, own, strip * kStripRows));
         }
     });
-    return joiner.Finish();
+    joiner.Finish();
 }
 
 } // namespace pictorel::codecs

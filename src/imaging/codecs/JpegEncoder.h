@@ -18,8 +18,9 @@ struct JpegSettings {
     JpegPixels pixels = JpegPixels::OverWhite;
 };
 
-// A complete file with these segments after its own first ones. Throws ImagingError.
-ByteBuffer EncodeJpeg(const PixelArray& picture, const JpegSettings& settings,
-                      const std::vector<JpegMarker>& markers);
+// Gives `sink` a complete file with these segments after its own first ones; calls come from several threads,
+// one at a time. Throws ImagingError, and what the sink throws.
+void EncodeJpeg(const PixelArray& picture, const JpegSettings& settings,
+                const std::vector<JpegMarker>& markers, const ByteSink& sink);
 
 } // namespace pictorel::codecs

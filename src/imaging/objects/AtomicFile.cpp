@@ -154,9 +154,15 @@ std::optional<codecs::ByteBuffer> ReadWholeFile(const std::string& fileName) {
 }
 
 void ReplaceFile(const std::string& fileName, codecs::ByteView bytes, Durability durability) {
+    ReplaceFile(
+        fileName, [bytes](const codecs::ByteSink& sink) { sink(bytes); }, durability);
+}
+
+void ReplaceFile(const std::string& fileName, const std::function<void(const codecs::ByteSink& sink)>& write,
+                 Durability durability) {
     const std::string target = LinkTarget(fileName);
     FileBeside beside(target, fileName, RightsOfExisting(target, fileName));
-    WriteAll(beside.Number(), bytes, fileName);
+    write([&](codecs::ByteView part) { WriteAll(beside.Number(), part, fileName); });
     if (durability == Durability::Lasting && ::fsync(beside.Number()) != 0) {
         ThrowSystemError(fileName, errno);
     }

@@ -3,6 +3,7 @@
 
 #include "imaging/codecs/Codec.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -21,5 +22,9 @@ enum class Durability {
 // was there and following a link to it. Throws ImagingError(FileAccess) that says why, with nothing left
 // behind.
 void ReplaceFile(const std::string& fileName, codecs::ByteView bytes, Durability durability);
+
+// The same with the bytes that `write` gives its sink. What it throws goes on, with the old file in place.
+void ReplaceFile(const std::string& fileName, const std::function<void(const codecs::ByteSink& sink)>& write,
+                 Durability durability);
 
 } // namespace pictorel

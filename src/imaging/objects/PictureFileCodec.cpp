@@ -4,7 +4,9 @@
 #include "imaging/BufferPool.h"
 #include "imaging/ImagingError.h"
 #include "imaging/codecs/Codec.h"
+#include "imaging/codecs/JpegCodec.h"
 #include "imaging/objects/AtomicFile.h"
+#include "imaging/objects/FinerCopies.h"
 
 #include <new>
 #include <utility>
@@ -25,7 +27,10 @@ bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
         const bool working = isWorkingFile_(fileName);
         picture = codec->read(*bytes, {working});
         if (working) {
-            picture.SetFiner(memory_->FinerOf(fileName));
+            if (const auto finer = memory_->FinerOf(fileName)) {
+                finer->Ordinary(); // so that the first change of a slider need not wait for it
+                picture.SetFiner(finer);
+            }
             memory_->Remember(fileName, picture);
         }
         return true;
@@ -52,8 +57,14 @@ void PictureFileCodec::Write(const PixelArray& picture, const std::string& fileN
         return;
     }
     try {
-        const codecs::ByteBuffer bytes = codec->write(picture, {quality_, working});
-        ReplaceFile(fileName, bytes, working ? Durability::Working : Durability::Lasting);
+        if (working && codec->write == codecs::WriteJpeg) {
+            ReplaceFile(
+                fileName, [&](const codecs::ByteSink& sink) { codecs::WriteWorkingJpeg(picture, sink); },
+                Durability::Working);
+        } else {
+            ReplaceFile(fileName, codec->write(picture, {quality_, working}),
+                        working ? Durability::Working : Durability::Lasting);
+        }
     } catch (const std::bad_alloc&) {
         TrimBufferPool();
         throw ImagingError(ImagingFailure::OutOfMemory, "There is not enough memory to save this picture.");
