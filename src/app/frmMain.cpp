@@ -98,6 +98,7 @@ void frmMain::ArrangeControls() {
 }
 
 void frmMain::MakeImagingObjects() {
+    auto& view = controls_.Array<PictureViewControl>("ImageView")(0);
     auto memory = std::make_shared<WorkingFileMemory>();
     const auto isWorkingFile = [this](const std::string& fileName) {
         const std::string folder = document_.GetTempFolder().toStdString();
@@ -105,10 +106,12 @@ void frmMain::MakeImagingObjects() {
     };
     document_.ImageUtility = std::make_unique<PictureMeasure>();
     document_.ImageCodec = std::make_unique<PictureFileCodec>(isWorkingFile, memory);
-    imageConvert_ = std::make_unique<FileConverter>(*document_.ImageCodec, memory);
+    auto pyramids = std::make_shared<SharedPyramids>();
+    view.SharePyramids(pyramids);
+    imageConvert_ = std::make_unique<FileConverter>(*document_.ImageCodec, memory, pyramids);
     imageTransform_ = std::make_unique<WorkingPicture>();
     document_.Transforms.Set(kSlot, *imageTransform_);
-    document_.Views.Set(kSlot, controls_.Array<PictureViewControl>("ImageView")(0));
+    document_.Views.Set(kSlot, view);
     imageTransform_->SetBackgroundColour(document_.Views(kSlot).BackgroundColour());
 }
 

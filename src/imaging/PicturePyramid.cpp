@@ -1,8 +1,8 @@
 // A picture and its halved copies, see PicturePyramid.h.
-#include "imaging/desktop/PicturePyramid.h"
+#include "imaging/PicturePyramid.h"
 
 #include "imaging/ForEachBand.h"
-#include "imaging/desktop/PixelMath.h"
+#include "imaging/PixelMath.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -111,6 +111,17 @@ const PixelArray& PicturePyramid::Level(int level) {
         wanted = Halved(source, finer == 0 && picture_.HasAlpha(), level - finer);
     }
     return wanted;
+}
+
+std::shared_ptr<PicturePyramid> SharedPyramids::Of(const PixelArray& picture) {
+    auto pyramid = newest_.lock();
+    const bool same = pyramid && pyramid->Picture().SharesPixelsWith(picture) &&
+                      pyramid->Picture().HasAlpha() == picture.HasAlpha();
+    if (!same) {
+        pyramid = std::make_shared<PicturePyramid>(picture);
+        newest_ = pyramid;
+    }
+    return pyramid;
 }
 
 } // namespace pictorel

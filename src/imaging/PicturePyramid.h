@@ -4,6 +4,7 @@
 #include "imaging/PixelArray.h"
 
 #include <array>
+#include <memory>
 #include <utility>
 
 namespace pictorel {
@@ -31,6 +32,15 @@ class PicturePyramid {
   private:
     PixelArray picture_;
     std::array<PixelArray, kDeepestLevel + 1> halved_; // by level, empty until asked for
+};
+
+// Gives everyone who asks for the pyramid of one picture the same one, so that its pixels are read once.
+class SharedPyramids {
+  public:
+    std::shared_ptr<PicturePyramid> Of(const PixelArray& picture);
+
+  private:
+    std::weak_ptr<PicturePyramid> newest_;
 };
 
 } // namespace pictorel

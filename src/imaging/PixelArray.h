@@ -50,8 +50,8 @@ class PixelArray {
     void SetHasAlpha(bool hasAlpha) noexcept { hasAlpha_ = hasAlpha; }
 
     // Width of this array / width of the part of the picture that it shows: 1 for a picture, less for a
-    // reduced copy (more for the copy of a part that is smaller than it). Spatial parameters (radii, lengths, block sizes) are pixels of the picture and are
-    // multiplied by it.
+    // reduced copy (more for the copy of a part that is smaller than it). Spatial parameters (radii, lengths,
+    // block sizes) are pixels of the picture and are multiplied by it.
     double Reduction() const noexcept { return reduction_; }
     void SetReduction(double reduction) noexcept { reduction_ = reduction; }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "imaging/PixelArray.h"
-#include "imaging/desktop/PixelMath.h"
+#include "imaging/PixelMath.h"
 
 #include <random>
 

@@ -13,6 +13,10 @@ namespace {
 namespace fs = std::filesystem;
 using engine::test::Random;
 
+std::shared_ptr<FinerCopies> Finer(const PixelArray& picture) {
+    return std::make_shared<FinerCopies>(std::make_shared<PicturePyramid>(picture));
+}
+
 class WorkingFileMemoryTest : public ::testing::Test {
   protected:
     void SetUp() override { memory_.Remember(file_, picture_); }
@@ -65,9 +69,9 @@ TEST_F(WorkingFileMemoryTest, FollowsRenamedFiles) {
 TEST_F(WorkingFileMemoryTest, KeepsTheFinerCopiesUntilAnotherPictureComes) {
     PixelArray copy = Random({3, 3});
     copy.SetReduction(1.0 / 3);
-    copy.SetFiner(std::make_shared<FinerCopies>(picture_));
+    copy.SetFiner(Finer(picture_));
     EXPECT_FALSE(copy.Finer()); // nobody keeps them
-    const auto finer = std::make_shared<FinerCopies>(picture_);
+    const auto finer = Finer(picture_);
     copy.SetFiner(finer);
     memory_.Remember(folder_.Path("copy.jpg"), copy);
     EXPECT_EQ(memory_.FinerOf(folder_.Path("copy.jpg")), finer);

@@ -39,7 +39,7 @@ PixelArray FourPixels() {
 
 TEST(WorkingPicture, WorksOnTheFinerCopiesAndKeepsTheSize) {
     const PixelArray picture = Random({60, 40});
-    const auto finer = std::make_shared<FinerCopies>(picture);
+    const auto finer = std::make_shared<FinerCopies>(std::make_shared<PicturePyramid>(picture));
     PixelArray copy = engine::Resize(picture, 15, 10);
     copy.SetReduction(0.25);
     copy.SetFiner(finer);

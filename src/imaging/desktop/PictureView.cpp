@@ -73,7 +73,7 @@ PictureView::PictureView(QWidget* parent) : QWidget(parent), hint_(tr("Open a pi
 void PictureView::Show(const PixelArray& picture) {
     const int widthBefore = Picture().Width();
     const int heightBefore = Picture().Height();
-    pyramid_ = PicturePyramid(picture);
+    pyramid_ = pyramids_->Of(picture);
     if (widthBefore != picture.Width() || heightBefore != picture.Height()) {
         drag_.active = false;
     }
@@ -97,7 +97,7 @@ void PictureView::ShowSecondPlane(const PixelArray& plane) {
     if (sameAlpha) {
         return;
     }
-    pyramid_ = PicturePyramid(WithAlphaOf(Picture(), plane));
+    pyramid_ = pyramids_->Of(WithAlphaOf(Picture(), plane));
     frameStale_ = true;
     ViewChanged();
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "imaging/ImageView.h"
-#include "imaging/desktop/PicturePyramid.h"
+#include "imaging/PicturePyramid.h"
 #include "imaging/desktop/ViewRenderer.h"
 
 #include <QImage>
@@ -11,6 +11,8 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
+#include <utility>
 
 namespace pictorel {
 
@@ -54,6 +56,9 @@ class PictureView : public QWidget, public ImageView {
     void FitNew() override;
     void SetViewChangedHandler(std::function<void()> handler) override;
 
+    // Where others have use for the halved copies of what is shown.
+    void SharePyramids(std::shared_ptr<SharedPyramids> pyramids) { pyramids_ = std::move(pyramids); }
+
     // The text in the middle of a view without a picture.
     void SetHint(const QString& hint);
 
@@ -77,7 +82,7 @@ class PictureView : public QWidget, public ImageView {
         double centreY = 0.0;
     };
 
-    const PixelArray& Picture() const noexcept { return pyramid_.Picture(); }
+    const PixelArray& Picture() const noexcept { return pyramid_->Picture(); }
     int BorderWidth() const; // device pixels
     ViewAxis Across() const;
     ViewAxis Down() const;
@@ -97,7 +102,8 @@ class PictureView : public QWidget, public ImageView {
     void DrawBorder(QPainter& painter) const;
     QColor Muted() const;
 
-    PicturePyramid pyramid_;
+    std::shared_ptr<SharedPyramids> pyramids_ = std::make_shared<SharedPyramids>();
+    std::shared_ptr<PicturePyramid> pyramid_ = std::make_shared<PicturePyramid>();
     double zoom_ = 1.0;
     double centreX_ = 0.0;
     double centreY_ = 0.0;

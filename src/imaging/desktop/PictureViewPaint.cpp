@@ -59,7 +59,7 @@ void PictureView::RenewFrame() {
 
 bool PictureView::Draw(const ViewScene& scene, const Canvas& canvas) {
     try {
-        DrawScene(pyramid_, scene, canvas);
+        DrawScene(*pyramid_, scene, canvas);
         return true;
     } catch (const std::exception&) {
         return false; // nothing may leave a paint event

@@ -1,6 +1,6 @@
 // The row loops of the view's filters, compiled for each vector unit and chosen at run time, see
 // ViewFilters.h.
-#include "imaging/desktop/PixelMath.h"
+#include "imaging/PixelMath.h"
 #include "imaging/desktop/ViewFilters.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #include "imaging/desktop/ViewRenderer.h"
 
 #include "imaging/ForEachBand.h"
-#include "imaging/desktop/PixelMath.h"
+#include "imaging/PixelMath.h"
 #include "imaging/desktop/ViewFilters.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "imaging/ImageView.h"
-#include "imaging/desktop/PicturePyramid.h"
+#include "imaging/PicturePyramid.h"
 #include "imaging/desktop/ViewAxis.h"
 
 #include <cstddef>

@@ -2,7 +2,6 @@
 #include "imaging/objects/FileConverter.h"
 
 #include "imaging/ImagingError.h"
-#include "imaging/engine/Resample.h"
 #include "imaging/objects/FinerCopies.h"
 
 #include <utility>
@@ -14,8 +13,9 @@ constexpr int kQuality = 100;
 
 } // namespace
 
-FileConverter::FileConverter(ImageCodec& codec, std::shared_ptr<const WorkingFileMemory> memory)
-    : codec_(codec), memory_(std::move(memory)) {}
+FileConverter::FileConverter(ImageCodec& codec, std::shared_ptr<const WorkingFileMemory> memory,
+                             std::shared_ptr<SharedPyramids> pyramids)
+    : codec_(codec), memory_(std::move(memory)), pyramids_(std::move(pyramids)) {}
 
 void FileConverter::SetOutputSize(std::int32_t width, std::int32_t height) {
     width_ = width;
@@ -30,9 +30,8 @@ void FileConverter::Convert(const std::string& source, const std::string& target
     if (picture.IsEmpty() && !codec_.Read(source, picture)) {
         throw ImagingError(ImagingFailure::UnsupportedFormat, "The file " + source + " is no picture.");
     }
-    const auto finer = std::make_shared<const FinerCopies>(picture);
-    PixelArray reduced = engine::Resize(picture, width_, height_);
-    reduced.SetReduction(picture.Reduction() * width_ / picture.Width());
+    const auto finer = std::make_shared<const FinerCopies>(pyramids_->Of(picture));
+    PixelArray reduced = finer->Copy(width_, height_);
     reduced.SetFiner(finer);
     codec_.SetQuality(kQuality);
     codec_.Write(reduced, target, "JPG");

@@ -3,6 +3,7 @@
 
 #include "imaging/ImageCodec.h"
 #include "imaging/ImageConvert.h"
+#include "imaging/PicturePyramid.h"
 #include "imaging/objects/WorkingFileMemory.h"
 
 #include <memory>
@@ -12,7 +13,9 @@ namespace pictorel {
 // The result carries its Reduction: its width / the width of the source.
 class FileConverter : public ImageConvert {
   public:
-    FileConverter(ImageCodec& codec, std::shared_ptr<const WorkingFileMemory> memory);
+    // `pyramids` are shared with the view of the picture that is converted.
+    FileConverter(ImageCodec& codec, std::shared_ptr<const WorkingFileMemory> memory,
+                  std::shared_ptr<SharedPyramids> pyramids = std::make_shared<SharedPyramids>());
 
     void SetOutputSize(std::int32_t width, std::int32_t height) override;
     void UseWholePicture() override {} // a file that shows a part is converted whole like any other
@@ -21,6 +24,7 @@ class FileConverter : public ImageConvert {
   private:
     ImageCodec& codec_;
     std::shared_ptr<const WorkingFileMemory> memory_;
+    std::shared_ptr<SharedPyramids> pyramids_;
     std::int32_t width_ = 0;
     std::int32_t height_ = 0;
 };

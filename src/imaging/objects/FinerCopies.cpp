@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
+#include <functional>
 
 namespace pictorel {
 namespace {
@@ -13,7 +13,31 @@ namespace {
 constexpr double kOrdinary = 1000.0 * 667; // pixels
 constexpr double kForExtremes = 2400.0 * 1600;
 
-PixelArray ReducedTo(double pixels, const PixelArray& picture) {
+const PixelArray& MadeOnce(PixelArray& copy, const std::function<PixelArray()>& make) {
+    if (copy.IsEmpty()) {
+        copy = make();
+    }
+    return copy;
+}
+
+} // namespace
+
+// Halving as often as leaves twice the size reads a large picture in half the time of the better filter that
+// goes the rest of the way, and the view has often done it already.
+PixelArray FinerCopies::Copy(int width, int height) const {
+    const PixelArray& picture = Picture();
+    const double scale = std::max(static_cast<double>(width) / picture.Width(),
+                                  static_cast<double>(height) / picture.Height());
+    const bool halve = !picture.HasAlpha() && 2 * scale < 1; // the pyramid's colours would be premultiplied
+    PixelArray copy =
+        engine::Resize(halve ? pyramid_->Level(PicturePyramid::LevelFor(2 * scale)) : picture, width, height);
+    copy.SetDetails(picture.Details());
+    copy.SetReduction(picture.Reduction() * width / picture.Width());
+    return copy;
+}
+
+PixelArray FinerCopies::CopyOf(double pixels) const {
+    const PixelArray& picture = Picture();
     const double whole = static_cast<double>(picture.Width()) * picture.Height();
     if (whole <= pixels) {
         return picture;
@@ -22,28 +46,15 @@ PixelArray ReducedTo(double pixels, const PixelArray& picture) {
     const auto side = [scale](int length) {
         return std::max(1, static_cast<int>(std::lround(length * scale)));
     };
-    PixelArray copy = engine::Resize(picture, side(picture.Width()), side(picture.Height()));
-    copy.SetReduction(picture.Reduction() * copy.Width() / picture.Width());
-    return copy;
+    return Copy(side(picture.Width()), side(picture.Height()));
 }
-
-const PixelArray& MadeOnce(PixelArray& copy, double pixels, const PixelArray& picture) {
-    if (copy.IsEmpty()) {
-        copy = ReducedTo(pixels, picture);
-    }
-    return copy;
-}
-
-} // namespace
-
-FinerCopies::FinerCopies(PixelArray picture) : picture_(std::move(picture)) {}
 
 const PixelArray& FinerCopies::Ordinary() const {
-    return MadeOnce(ordinary_, kOrdinary, picture_);
+    return MadeOnce(ordinary_, [this] { return CopyOf(kOrdinary); });
 }
 
 const PixelArray& FinerCopies::ForExtremes() const {
-    return MadeOnce(forExtremes_, kForExtremes, picture_);
+    return MadeOnce(forExtremes_, [this] { return CopyOf(kForExtremes); });
 }
 
 bool FinerCopies::Holds(const PixelArray& array) const noexcept {

@@ -1,7 +1,7 @@
 // Finer copies of the picture that a reduced copy was made from, for previews that 250 pixels cannot tell.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "imaging/PicturePyramid.h"
 
 namespace pictorel {
 
@@ -11,9 +11,12 @@ namespace pictorel {
 // larger.
 class FinerCopies {
   public:
-    explicit FinerCopies(PixelArray picture);
+    explicit FinerCopies(std::shared_ptr<PicturePyramid> pyramid) : pyramid_(std::move(pyramid)) {}
 
-    const PixelArray& Picture() const noexcept { return picture_; }
+    const PixelArray& Picture() const noexcept { return pyramid_->Picture(); }
+
+    // A copy of this size, with its Reduction. Throws ImagingError.
+    PixelArray Copy(int width, int height) const;
 
     // Enough for all operations but those below: structural similarity of preview and result above 0.98.
     const PixelArray& Ordinary() const;
@@ -25,7 +28,9 @@ class FinerCopies {
     bool Holds(const PixelArray& array) const noexcept;
 
   private:
-    PixelArray picture_;
+    PixelArray CopyOf(double pixels) const;
+
+    std::shared_ptr<PicturePyramid> pyramid_;
     mutable PixelArray ordinary_;
     mutable PixelArray forExtremes_;
 };
