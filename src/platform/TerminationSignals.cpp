@@ -38,7 +38,7 @@ TerminationSignals::TerminationSignals() {
     action.sa_flags = SA_RESTART;
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
         ::sigaction(kSignals[i], nullptr, &before_[i]);
-        if (before_[i].sa_handler != SIG_IGN) {
+        if (kSignals[i] != SIGHUP || before_[i].sa_handler != SIG_IGN) {
             ::sigaction(kSignals[i], &action, nullptr);
         }
     }

@@ -12,8 +12,7 @@ namespace pictorel {
 
 // From its making on, SIGTERM, SIGINT and SIGHUP no longer end the process: the event loop, also one of a
 // dialog, calls the handler, once for any number that came meanwhile. Signals that came before there was a
-// handler are kept for it. One that was ignored at the start (SIGHUP under nohup) stays ignored. One object a
-// process.
+// handler are kept for it. Under nohup SIGHUP stays ignored. One object a process.
 class TerminationSignals {
   public:
     TerminationSignals();

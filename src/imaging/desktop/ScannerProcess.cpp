@@ -5,6 +5,7 @@
 #include "imaging/scanner/ScannerLines.h"
 
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <utility>
@@ -24,13 +25,24 @@ bool TakeWord(const QByteArray& line, const char* word, QByteArray& rest) {
     return true;
 }
 
+// Ends the program together with whatever its driver started.
+void Kill(QProcess& process) {
+    if (process.state() != QProcess::NotRunning) {
+        ::kill(-static_cast<pid_t>(process.processId()), SIGKILL);
+        process.kill();
+        process.waitForFinished();
+    }
+}
+
 } // namespace
 
 ScannerProcess::ScannerProcess(QString program, std::chrono::milliseconds patience)
     : program_(std::move(program)) {
     silence_.setSingleShot(true);
     silence_.setInterval(patience);
-    QObject::connect(&silence_, &QTimer::timeout, &owner_, [this] { GiveUp(); });
+    QObject::connect(&silence_, &QTimer::timeout, &owner_, [this] {
+        BreakOff(QStringLiteral("The scanner does not answer. It may have been switched off."));
+    });
 }
 
 ScannerProcess::~ScannerProcess() {
@@ -40,11 +52,13 @@ ScannerProcess::~ScannerProcess() {
             process_->terminate();
             process_->waitForFinished(kParkingTime);
         }
-        Kill();
     }
     for (QProcess* const leaving : owner_.findChildren<QProcess*>()) {
         leaving->disconnect();
-        leaving->waitForFinished(kParkingTime); // no time at all but for a driver that hangs
+        if (leaving != process_) {
+            leaving->waitForFinished(kParkingTime); // no time at all but for a driver that hangs
+        }
+        Kill(*leaving);
     }
 }
 
@@ -66,6 +80,9 @@ void ScannerProcess::OpenSourceManager() {
             EndedByItself();
         }
     });
+    // A process group of its own: Ctrl+C in the editor's terminal asks the editor alone, and what a driver
+    // starts can be ended with it.
+    process_->setChildProcessModifier([] { ::setpgid(0, 0); });
     silence_.start();
     process_->start(program_, QStringList());
 }
@@ -165,8 +182,7 @@ void ScannerProcess::BeginPage(const QByteArray& sizes) {
         incoming_.SetDetails(std::move(details));
         rowsReceived_ = 0;
     } catch (const ImagingError& error) {
-        EndAcquisition(QString::fromUtf8(error.what()));
-        GiveUp(); // the rows that follow have no place
+        BreakOff(QString::fromUtf8(error.what())); // the rows that follow have no place
     }
 }
 
@@ -213,11 +229,11 @@ void ScannerProcess::EndedByItself() {
     ProgramEnded(QStringLiteral("The scanner's driver ended unexpectedly. Nothing was scanned."));
 }
 
-void ScannerProcess::GiveUp() {
+void ScannerProcess::BreakOff(const QString& failure) {
     if (process_ != nullptr) {
         process_->disconnect();
-        Kill();
-        ProgramEnded(QStringLiteral("The scanner does not answer. It may have been switched off."));
+        Kill(*process_);
+        ProgramEnded(failure);
     }
 }
 
@@ -252,16 +268,6 @@ void ScannerProcess::Retire() {
     } else {
         process->closeWriteChannel();
     }
-}
-
-void ScannerProcess::Kill() {
-    if (process_ == nullptr || process_->state() == QProcess::NotRunning) {
-        return;
-    }
-    // With whatever its driver started: the program leads a process group of its own.
-    ::kill(-static_cast<pid_t>(process_->processId()), SIGKILL);
-    process_->kill();
-    process_->waitForFinished();
 }
 
 } // namespace pictorel

@@ -43,10 +43,9 @@ class ScannerProcess : public ImageTwain {
     void SourcesAreKnown();
     void EndAcquisition(const QString& failure); // empty: the page is whole
     void EndedByItself();
-    void GiveUp();
+    void BreakOff(const QString& failure);
     void ProgramEnded(const QString& failure);
     void Retire(); // lets go of the program, which ends by itself
-    void Kill();
 
     QString program_;
     std::function<void()> sourcesKnown_;

@@ -29,13 +29,11 @@ extern "C" void AskToStop(int) {
     ::alarm(kSecondsToStop); // a driver that hangs is not waited for
 }
 
-// A group of its own, so that Ctrl+C in the editor's terminal asks the editor alone; and an end with the
-// editor, also when that is killed. Being stopped sends the lamp home first.
-void LiveAndDieWithTheEditor() {
+// This program ends with the editor, also when that is killed. Being stopped sends the lamp home first.
+void EndWithTheEditor() {
     struct sigaction action {};
     action.sa_handler = AskToStop;
     ::sigaction(SIGTERM, &action, nullptr);
-    ::setpgid(0, 0);
 #ifdef __linux__
     const pid_t editor = ::getppid();
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -97,7 +95,7 @@ void Converse() {
 } // namespace
 
 int main() {
-    LiveAndDieWithTheEditor();
+    EndWithTheEditor();
     try {
         Converse();
         return EXIT_SUCCESS;
