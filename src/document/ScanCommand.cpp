@@ -64,7 +64,8 @@ void ScanCommand::SourcesKnown() {
 }
 
 void ScanCommand::Acquire() {
-    CarryOn([&] { controls_.ScanButton.SetEnabled(false); }, //
+    CarryOn([&] { services_.EndAttention(); }, // the notice that says how to begin would lie over the page
+            [&] { controls_.ScanButton.SetEnabled(false); }, //
             [&] { controls_.Timer_Scanner.start(); },        //
             [&] { imageTwain_.SelectSource(0); },            //
             [&] { imageTwain_.Acquire(false); },             //
