@@ -13,7 +13,7 @@
 namespace pictorel {
 namespace {
 
-// The number of nested event loops while no handler runs one of its own.
+// The number of nested event loops while no handler runs one of its own, once the window is on the screen.
 constexpr int kMainLoopOnly = 1;
 
 // Closes what lies over the window and is waited for; false where nothing does.
@@ -78,7 +78,7 @@ void ShutDown::GoOn() {
         parts_.splash.Close();
     } else if (CloseTopmostOverlay()) {
         QAbstractEventDispatcher::instance()->wakeUp(); // and look again when its handler has ended
-    } else if (QThread::currentThread()->loopLevel() == kMainLoopOnly) {
+    } else if (window_.isVisible() && QThread::currentThread()->loopLevel() == kMainLoopOnly) {
         endRequested_ = false;
         isMoment_ = true;
         window_.close();

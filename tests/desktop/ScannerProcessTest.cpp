@@ -140,6 +140,15 @@ TEST(ScannerProcess, ProgramsThatOfferNothingAreNoSource) {
     EXPECT_EQ(missing.object->SourceCount(), 0);
 }
 
+TEST(ScannerProcess, AProgramThatDiesBeforeTheScanIsSaid) {
+    const FalseProgram program("echo source a\necho ready\nsleep 0.2; exit 1");
+    Scanner scanner(program.Path());
+    ASSERT_TRUE(scanner.Open());
+    ASSERT_TRUE(WaitUntil([&] { return !scanner.object->IsSourceManagerOpen(); }));
+    EXPECT_THROW(scanner.object->Acquire(false), ImagingError);
+    EXPECT_NE(scanner.object->TakeFailure().find("unexpectedly"), std::string::npos);
+}
+
 struct MisbehaviourCase {
     const char* afterScan;
     const char* saying;

@@ -48,7 +48,7 @@ ScannerProcess::ScannerProcess(QString program, std::chrono::milliseconds patien
 ScannerProcess::~ScannerProcess() {
     if (process_ != nullptr) {
         process_->disconnect();
-        if (IsAcquiring()) {
+        if (phase_ == Phase::Acquiring) {
             process_->terminate();
             process_->waitForFinished(kParkingTime);
         }
@@ -246,8 +246,8 @@ void ScannerProcess::ProgramEnded(const QString& failure) {
     if (phase == Phase::Looking) {
         sourceCount_ = 0;
         SourcesAreKnown();
-    } else if (phase == Phase::Acquiring) {
-        EndAcquisition(failure);
+    } else {
+        EndAcquisition(failure); // also before it began: the next one finds no scanner
     }
 }
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -141,8 +140,9 @@ void SetMode(SANE_Handle device, const std::string& wish) {
     if (mode != nullptr) {
         // The library wants a buffer of the option's full size.
         const auto size = static_cast<std::size_t>(std::max<SANE_Int>(option->description->size, 0));
-        std::vector<char> value(std::max(size, std::strlen(mode) + 1));
-        std::strcpy(value.data(), mode);
+        const std::string_view text(mode);
+        std::vector<char> value(std::max(size, text.size() + 1)); // all zero
+        std::copy(text.begin(), text.end(), value.begin());
         sane_control_option(device, option->index, SANE_ACTION_SET_VALUE, value.data(), nullptr);
     }
 }
