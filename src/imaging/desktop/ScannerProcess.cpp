@@ -4,6 +4,7 @@
 #include "imaging/ImagingError.h"
 #include "imaging/scanner/ScannerLines.h"
 
+#include <QDir>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -83,6 +84,8 @@ void ScannerProcess::OpenSourceManager() {
     // A process group of its own: Ctrl+C in the editor's terminal asks the editor alone, and what a driver
     // starts can be ended with it.
     process_->setChildProcessModifier([] { ::setpgid(0, 0); });
+    // The library looks for its settings in the current folder too, which may be one of somebody's pictures.
+    process_->setWorkingDirectory(QDir::rootPath());
     silence_.start();
     process_->start(program_, QStringList());
 }
