@@ -7,6 +7,7 @@
 #include "controls/ComboBox.h"
 #include "controls/RadioButton.h"
 #include "controls/UpDown.h"
+#include "imaging/desktop/ScannerProcess.h"
 #include "imaging/objects/FileConverter.h"
 #include "imaging/objects/PictureFileCodec.h"
 #include "imaging/objects/WorkingPicture.h"
@@ -21,6 +22,7 @@ namespace pictorel {
 namespace {
 
 constexpr PictureSlot kSlot = 0;
+constexpr int kScanButton = 5;
 
 constexpr int kSplitVersion = 2; // "major.minor" of "major.minor.revision"
 
@@ -110,6 +112,7 @@ void frmMain::MakeImagingObjects() {
     view.SharePyramids(pyramids);
     imageConvert_ = std::make_unique<FileConverter>(*document_.ImageCodec, memory, pyramids);
     imageTransform_ = std::make_unique<WorkingPicture>();
+    imageTwain_ = std::make_unique<ScannerProcess>(ApplicationFolder() + QStringLiteral("/pictorel_scanner"));
     document_.Transforms.Set(kSlot, *imageTransform_);
     document_.Views.Set(kSlot, view);
     imageTransform_->SetBackgroundColour(document_.Views(kSlot).BackgroundColour());
@@ -199,12 +202,38 @@ void frmMain::MakeCapabilities() {
     fileCommands_ = std::make_unique<FileCommands>(document_, *files_, *history_,
                                                    FileCommandControls{panel, HistoryList(), CDialog_Open_},
                                                    services, messages_);
+    scanCommand_ = std::make_unique<ScanCommand>(
+        document_, *files_, *fileCommands_, *imageTwain_,
+        ScanCommandControls{panel(kScanButton), Timer_Scanner_, controls_.Single<ProgressBar>("ProgressBar")},
+        services, messages_);
     popups_ = std::make_unique<Popup_Mod>(Timer_Blink_);
     shareButtons_ = std::make_unique<ShareButtons>(controls_.Array<PushButton>("Cmd_Recommend"), strings_);
+    shutDown_ = std::make_unique<ShutDown>(
+        *this, ShutDownParts{document_, *fileCommands_, *history_, HistoryList(), *scanCommand_, *imageTwain_,
+                             *preview_, *popups_, PopupControl_Splash_});
 }
 
 void frmMain::CheckOriginalSize() {
     controls_.Array<RadioButton>("RadioButton_Resize")(0).setChecked(true);
+}
+
+// The container of all controls goes off and on, so that each keeps its own state.
+void frmMain::SetCommandsEnabled(bool enabled) {
+    auto& container = controls_.Single<ContainerPanel>("Resizer_Main");
+    if (enabled == container.IsEnabled()) {
+        return;
+    }
+    if (enabled) {
+        container.SetEnabled(true);
+        unsetCursor();
+        if (focusBefore_ != nullptr) {
+            focusBefore_->setFocus();
+        }
+        return;
+    }
+    focusBefore_ = focusWidget();
+    container.SetEnabled(false);
+    setCursor(Qt::BusyCursor);
 }
 
 void frmMain::EndAttention() {
@@ -247,24 +276,7 @@ void frmMain::showEvent(QShowEvent* event) {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-    bool close = true;
-    CarryOn([&] { close = Form_QueryUnload(); });
-    if (!close) {
-        event->ignore();
-        return;
-    }
-    Form_Unload();
-    event->accept();
-    QCoreApplication::quit();
-}
-
-bool frmMain::Form_QueryUnload() {
-    return fileCommands_->OfferToSaveChanges();
-}
-
-void frmMain::Form_Unload() {
-    CarryOn([&] { popups_->BlinkTarget = nullptr; }, //
-            [&] { history_->DeleteWorkingFiles(HistoryList()); }, [&] { preview_->Unload(); });
+    shutDown_->Form_Close(*event);
 }
 
 } // namespace pictorel

@@ -3,6 +3,7 @@
 
 #include "app/ApplicationStrings.h"
 #include "app/Layout.h"
+#include "app/ShutDown.h"
 #include "controls/CommonDialog.h"
 #include "controls/ControlArray.h"
 #include "controls/Events.h"
@@ -15,7 +16,9 @@
 #include "document/FileCommands.h"
 #include "document/Image_Mods.h"
 #include "document/PictureFiles.h"
+#include "document/ScanCommand.h"
 #include "imaging/ImageConvert.h"
+#include "imaging/ImageTwain.h"
 #include "notices/Popup_Mod.h"
 #include "notices/WebSite.h"
 #include "notices/frmPreview.h"
@@ -27,6 +30,7 @@
 #include "resize/ResizePanel.h"
 #include "view/ZoomScroll.h"
 
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -43,6 +47,7 @@ class frmMain : public QWidget, private EditorServices {
 
     const ControlRegistry& Controls() const { return controls_; }
     Image_Mods& Document() { return document_; }
+    ShutDown& End() { return *shutDown_; }
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -57,8 +62,6 @@ class frmMain : public QWidget, private EditorServices {
     void MakeCapabilities();
     void ArrangeControls();
     void RunLayout();
-    bool Form_QueryUnload(); // false keeps the window open
-    void Form_Unload();
 
     void SetEditingEnabled(bool enabled) override { toolPanels_->SetEditingEnabled(enabled); }
     void ResetSliderGroup(int group) override { toolPanels_->ResetSliderGroup(group); }
@@ -66,6 +69,7 @@ class frmMain : public QWidget, private EditorServices {
     void CheckOriginalSize() override;
     void UpdatePreviewImage(PictureSlot slot) override { reducedCopy_->UpdatePreviewImage(slot); }
     void UpdateZoomView(PictureSlot slot) override { zoomScroll_->UpdateZoomView(slot); }
+    void SetCommandsEnabled(bool enabled) override;
     void RepaintWindow() override { repaint(); }
     void EndAttention() override;
     void ShowAbout() override;
@@ -93,6 +97,7 @@ class frmMain : public QWidget, private EditorServices {
 
     std::unique_ptr<ImageTransform> imageTransform_;
     std::unique_ptr<ImageConvert> imageConvert_;
+    std::unique_ptr<ImageTwain> imageTwain_;
     std::unique_ptr<frmPreview> preview_;
     std::unique_ptr<PictureFiles> files_;
     std::unique_ptr<EditHistory> history_;
@@ -106,8 +111,11 @@ class frmMain : public QWidget, private EditorServices {
     std::unique_ptr<Layout> layout_;
     std::unique_ptr<ResizePanel> resizePanel_;
     std::unique_ptr<FileCommands> fileCommands_;
+    std::unique_ptr<ScanCommand> scanCommand_;
     std::unique_ptr<Popup_Mod> popups_;
     std::unique_ptr<ShareButtons> shareButtons_;
+    std::unique_ptr<ShutDown> shutDown_;
+    QPointer<QWidget> focusBefore_; // while the commands are off
     Events events_;
 };
 

@@ -2,6 +2,7 @@
 #include "app/StartUp.h"
 #include "app/frmMain.h"
 #include "platform/Folders.h"
+#include "platform/TerminationSignals.h"
 
 #include <QApplication>
 #include <QFont>
@@ -10,6 +11,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <memory>
 
 namespace {
 
@@ -24,6 +26,11 @@ QIcon ApplicationIcon() {
     return icon;
 }
 
+struct RemovedAtExit {
+    std::shared_ptr<pictorel::WorkingFolder> folder;
+    ~RemovedAtExit() { folder->Remove(); }
+};
+
 } // namespace
 
 int main(int argumentCount, char* arguments[]) {
@@ -35,7 +42,11 @@ int main(int argumentCount, char* arguments[]) {
     QApplication::setWindowIcon(ApplicationIcon());
     QApplication::setFont(QFont(QStringLiteral("Arial"), 9)); // points
 
+    pictorel::TerminationSignals termination; // before there are files that a signal could leave behind
     pictorel::frmMain window;
+    termination.SetHandler([&window] { window.End().RequestEnd(); });
+    // Where the display is lost, the process ends inside Qt by std::exit, past the window; statics still go.
+    static const RemovedAtExit workingFiles{window.Document().WorkingFolder};
     pictorel::StartUp startUp(window);
     const QString commandLine = QApplication::arguments().mid(1).join(u' ');
     switch (startUp.Form_Load(commandLine)) {

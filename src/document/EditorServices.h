@@ -15,6 +15,8 @@ class EditorServices {
     virtual void CheckOriginalSize() = 0;                  // marks that mode's radio button
     virtual void UpdatePreviewImage(PictureSlot slot) = 0; // rebuilds the reduced copy
     virtual void UpdateZoomView(PictureSlot slot) = 0;     // brings the zoom controls into line with the view
+    // While off, no control of the window takes input, whatever its own state; each keeps that.
+    virtual void SetCommandsEnabled(bool enabled) = 0;
     virtual void RepaintWindow() = 0;
     virtual void EndAttention() = 0; // stops the blink of Open and closes the getting-started tag
     virtual void ShowAbout() = 0;

@@ -31,12 +31,14 @@ class FileCommands {
     // person cancelled, or chose to save and that did not happen.
     bool OfferToSaveChanges();
 
+    // After another picture was loaded: every panel at its defaults, and a history of one row, "Open".
+    void ShowAsFreshlyOpened();
+
   private:
     void Open();
     void Save();
     void Undo();
     void Redo();
-    void ShowAsFreshlyOpened();
     void UpdateUndoRedo();
 
     Image_Mods& document_;

@@ -74,9 +74,10 @@ struct Image_Mods {
     std::unique_ptr<pictorel::ImageCodec> ImageCodec;
     std::unique_ptr<pictorel::ImageUtility> ImageUtility;
     pictorel::FileSystem FileSystem;
-    pictorel::WorkingFolder WorkingFolder;
+    // Shared with the process, which removes it also where it ends past this object.
+    std::shared_ptr<pictorel::WorkingFolder> WorkingFolder = std::make_shared<pictorel::WorkingFolder>();
 
-    QString GetTempFolder() { return WorkingFolder.GetTempFolder(); }
+    QString GetTempFolder() { return WorkingFolder->GetTempFolder(); }
 };
 
 } // namespace pictorel

@@ -24,10 +24,22 @@ constexpr int kLongestPath = 254; // a buffer of 255 characters with its closing
 constexpr int kSecondsToSettle = 60;
 constexpr QLatin1String kFolderPattern("pictorel-??????"); // as mkdtemp fills in the template below
 constexpr QLatin1String kLockName("lock");
+constexpr QLatin1String kUnbornLockName("lock.new");
 
-int OpenLock(const QString& folder, int flags) {
-    const QByteArray name = QFile::encodeName(folder + u'/' + kLockName);
-    return ::open(name.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | flags, S_IRUSR | S_IWUSR);
+int OpenLock(const QString& folder, const QString& name, int flags) {
+    return ::open(QFile::encodeName(folder + u'/' + name).constData(),
+                  O_RDWR | O_CLOEXEC | O_NOFOLLOW | flags, S_IRUSR | S_IWUSR);
+}
+
+// Holds the folder's lock from the moment the lock can be seen: it takes its name only when it is held, so
+// nobody who sweeps finds it free. -1 where the folder cannot be locked.
+int MakeLock(const QString& folder) {
+    const int lock = OpenLock(folder, kUnbornLockName, O_CREAT);
+    if (lock >= 0) {
+        ::flock(lock, LOCK_EX | LOCK_NB);
+        QFile::rename(folder + u'/' + kUnbornLockName, folder + u'/' + kLockName);
+    }
+    return lock;
 }
 
 // The system's temporary folder. Qt gives an empty path where TMPDIR names a folder that does not exist;
@@ -38,16 +50,19 @@ QString TemporaryRoot() {
 }
 
 // Whether the folder is ours and nobody alive holds its lock. One without a lock may be a second old; if it
-// is not, only an empty one is surely no folder of the person's own that happens to have such a name.
+// is not, only an empty one, or one whose owner died while locking it, is surely no folder of the person's
+// own that happens to have such a name.
 bool IsAbandoned(const QFileInfo& folder) {
     if (folder.isSymLink() || folder.ownerId() != ::getuid()) {
         return false;
     }
-    const int lock = OpenLock(folder.filePath(), 0);
+    const int lock = OpenLock(folder.filePath(), kLockName, 0);
     if (lock < 0) {
+        const QStringList content =
+            QDir(folder.filePath())
+                .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
         return folder.lastModified().secsTo(QDateTime::currentDateTime()) > kSecondsToSettle &&
-               QDir(folder.filePath())
-                   .isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+               (content.isEmpty() || content == QStringList(kUnbornLockName));
     }
     const bool free = ::flock(lock, LOCK_EX | LOCK_NB) == 0;
     ::close(lock);
@@ -116,10 +131,7 @@ void WorkingFolder::Create() {
         return;
     }
     path_ = QFile::decodeName(name);
-    lock_ = OpenLock(path_, O_CREAT);
-    if (lock_ >= 0) {
-        ::flock(lock_, LOCK_EX | LOCK_NB);
-    }
+    lock_ = MakeLock(path_);
 }
 
 void WorkingFolder::Remove() noexcept {

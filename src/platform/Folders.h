@@ -33,9 +33,11 @@ class WorkingFolder {
     // deleted is made again. Empty where the system has no temporary folder whose path fits 255 characters.
     QString GetTempFolder();
 
+    // Removes the folder before its time, for a process that ends past its objects.
+    void Remove() noexcept;
+
   private:
     void Create();
-    void Remove() noexcept;
 
     QString path_;
     int lock_ = -1; // descriptor of the lock file inside, held for the life of the process

@@ -112,9 +112,38 @@ TEST_F(WorkingFolderTest, AFolderWithoutALockMayBeJustBorn) {
     const QString old = Path(QStringLiteral("pictorel-oldone"));
     ASSERT_TRUE(QDir().mkdir(young) && QDir().mkdir(old));
     MakeOld(old, 600);
+    Touch(young + QStringLiteral("/lock.new"));
+    const QString broken = Path(QStringLiteral("pictorel-broken")); // its owner died between two steps
+    ASSERT_TRUE(QDir().mkdir(broken));
+    Touch(broken + QStringLiteral("/lock.new"));
+    MakeOld(broken, 600);
     const WorkingFolder next;
     EXPECT_TRUE(QFileInfo::exists(young));
     EXPECT_FALSE(QFileInfo::exists(old));
+    EXPECT_FALSE(QFileInfo::exists(broken));
+}
+
+TEST_F(WorkingFolderTest, ManyThatStartAtOnceSweepNobody) {
+    constexpr int kProcesses = 8;
+    constexpr int kRounds = 250;
+    for (int i = 0; i < kProcesses; ++i) {
+        if (::fork() == 0) {
+            bool whole = true;
+            for (int round = 0; round < kRounds; ++round) {
+                WorkingFolder folder; // sweeps, while others are being made
+                const QString path = folder.GetTempFolder();
+                ::usleep(200);
+                whole = whole && QFile::exists(path + QStringLiteral("lock"));
+            }
+            ::_exit(whole ? 0 : 1);
+        }
+    }
+    for (int i = 0; i < kProcesses; ++i) {
+        int status = -1;
+        ASSERT_GT(::wait(&status), 0);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_TRUE(QDir(temporary_.path()).isEmpty());
 }
 
 TEST_F(WorkingFolderTest, PlantedLinksLeadNowhere) {

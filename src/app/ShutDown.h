@@ -1,0 +1,67 @@
+// Every road out of the editor: the question about unsaved changes, the clearing up, the end.
+#pragma once
+
+#include "controls/Events.h"
+#include "controls/PopupControl.h"
+#include "controls/ReportList.h"
+#include "document/EditHistory.h"
+#include "document/FileCommands.h"
+#include "document/Image_Mods.h"
+#include "document/ScanCommand.h"
+#include "imaging/ImageTwain.h"
+#include "notices/Popup_Mod.h"
+#include "operations/LivePreview.h"
+
+#include <QWidget>
+
+class QCloseEvent;
+class QSessionManager;
+
+namespace pictorel {
+
+// What the window is made of and has to be brought to its end.
+struct ShutDownParts {
+    Image_Mods& document;
+    FileCommands& fileCommands;
+    EditHistory& history;
+    ReportList& HistoryList;
+    ScanCommand& scanCommand;
+    ImageTwain& imageTwain;
+    PreviewWindow& preview;
+    Popup_Mod& popups;
+    PopupControl& splash;
+};
+
+// The window ends at a moment when no handler runs: a close or a signal that comes in the middle of one, or
+// while a dialog is open, waits. Dialogs are closed for it as if they were cancelled.
+class ShutDown {
+  public:
+    ShutDown(QWidget& window, ShutDownParts parts);
+
+    // The window's close event: put off to its moment, unless no event loop runs that could bring one.
+    void Form_Close(QCloseEvent& event);
+
+    // Ends the editor as its close box does, as soon as that can be. Asked again meanwhile, it is the same
+    // request.
+    void RequestEnd();
+
+    // The session ends. False keeps it. The answer holds for the close that follows, unless the picture is
+    // edited in between; where nobody may be asked, the session ends.
+    bool SessionMayEnd(bool mayAsk);
+
+  private:
+    bool Form_QueryUnload(); // false keeps the window
+    void Form_Unload();
+    void GoOn();
+    void CommitSession(QSessionManager& manager);
+
+    QWidget& window_;
+    ShutDownParts parts_;
+    bool endRequested_ = false;
+    bool isMoment_ = false;         // the window may close now
+    bool asking_ = false;           // the question, or its Save dialog, is open
+    PixelArray answeredForSession_; // the picture for which the session's question was answered
+    Events events_;
+};
+
+} // namespace pictorel
