@@ -3,19 +3,26 @@
 
 #include "app/ControlFactory.h"
 #include "app/EditingControls.h"
+#include "app/IconTable.h"
 #include "app/PictureViewControl.h"
 #include "controls/ComboBox.h"
 #include "controls/RadioButton.h"
 #include "controls/UpDown.h"
+#include "controls/WebBrowser.h"
+#include "imaging/desktop/PicturePrinter.h"
 #include "imaging/objects/FileConverter.h"
 #include "imaging/objects/PictureFileCodec.h"
 #include "imaging/objects/WorkingPicture.h"
 #include "notices/frmAbout.h"
+#include "notices/frmTools.h"
+#include "notices/frmUpdates.h"
 #include "operations/SliderCatalogue.h"
 #include "platform/CarryOn.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
 
 namespace pictorel {
 namespace {
@@ -23,6 +30,10 @@ namespace {
 constexpr PictureSlot kSlot = 0;
 
 constexpr int kSplitVersion = 2; // "major.minor" of "major.minor.revision"
+
+QString InPictures(const char* fileName) {
+    return ApplicationFolder() + PlatformPath(QStringLiteral("\\pics\\")) + QString::fromLatin1(fileName);
+}
 
 QString ShortVersion() {
     return QCoreApplication::applicationVersion().section(u'.', 0, kSplitVersion - 1);
@@ -107,6 +118,8 @@ void frmMain::MakeImagingObjects() {
     document_.ImageCodec = std::make_unique<PictureFileCodec>(isWorkingFile, memory);
     imageConvert_ = std::make_unique<FileConverter>(*document_.ImageCodec, memory);
     imageTransform_ = std::make_unique<WorkingPicture>();
+    imagePaint_ = std::make_unique<PicturePrinter>(
+        this, [this] { return QFileInfo(document_.OpenDialogFolder).completeBaseName(); });
     document_.Transforms.Set(kSlot, *imageTransform_);
     document_.Views.Set(kSlot, controls_.Array<PictureViewControl>("ImageView")(0));
     imageTransform_->SetBackgroundColour(document_.Views(kSlot).BackgroundColour());
@@ -196,8 +209,10 @@ void frmMain::MakeCapabilities() {
     fileCommands_ = std::make_unique<FileCommands>(document_, *files_, *history_,
                                                    FileCommandControls{panel, HistoryList(), CDialog_Open_},
                                                    services, messages_);
+    printCommand_ = std::make_unique<PrintCommand>(document_, *imagePaint_, panel(4), messages_);
     popups_ = std::make_unique<Popup_Mod>(Timer_Blink_);
     shareButtons_ = std::make_unique<ShareButtons>(controls_.Array<PushButton>("Cmd_Recommend"), strings_);
+    updateCheck_ = std::make_unique<UpdateCheck>(strings_, ShortVersion());
 }
 
 void frmMain::CheckOriginalSize() {
@@ -212,9 +227,19 @@ void frmMain::EndAttention() {
 }
 
 void frmMain::ShowAbout() {
-    frmAbout about(this, strings_, ShortVersion(),
-                   ApplicationFolder() + PlatformPath(QStringLiteral("\\pics\\")));
-    about.exec();
+    frmAbout(this, strings_, ShortVersion(), InPictures("")).exec();
+}
+
+void frmMain::ShowTools() {
+    frmTools(this, strings_).exec();
+}
+
+void frmMain::ShowUpdates() {
+    QFile sound(InPictures("notice.wav"));
+    const QByteArray bytes = sound.open(QIODevice::ReadOnly) ? sound.readAll() : QByteArray();
+    frmUpdates notice(this, strings_, updateCheck_->UpdateNotes, icons_.Icon(kUpdateIcon), bytes, sounds_);
+    notice.exec();
+    DownloadChosen_ = notice.DownloadChosen();
 }
 
 void frmMain::RunLayout() {
@@ -261,6 +286,7 @@ bool frmMain::Form_QueryUnload() {
 
 void frmMain::Form_Unload() {
     CarryOn([&] { popups_->BlinkTarget = nullptr; }, //
+            [&] { controls_.Single<WebBrowser>("WebBrowser1").Stop(); },
             [&] { history_->DeleteWorkingFiles(HistoryList()); }, [&] { preview_->Unload(); });
 }
 
