@@ -25,10 +25,10 @@ using ReplyPointer = std::unique_ptr<Reply, Free>;
 
 bool HasCompositor() {
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (x11 == nullptr) {
+    xcb_connection_t* const server = x11 != nullptr ? x11->connection() : nullptr;
+    if (server == nullptr) { // no X11 desktop, or none to be seen
         return true;
     }
-    xcb_connection_t* const server = x11->connection();
     const auto asked = xcb_intern_atom(server, 0, kManagerSelection.size(), kManagerSelection.data());
     const ReplyPointer<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(server, asked, nullptr));
     if (atom == nullptr) {

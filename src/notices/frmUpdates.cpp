@@ -82,6 +82,7 @@ frmUpdates::frmUpdates(QWidget* owner, const StringTable& strings, const QString
         connect(button, &PushButton::clicked, this,
                 Events::Guarded([this, index = index] { Cmd_Msg_Click(index); }));
     }
+    now->SetHighlighted(true); // what most people want
     now->setFocus();
 }
 

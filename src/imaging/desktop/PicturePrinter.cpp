@@ -65,8 +65,8 @@ class WaitCursor {
 bool IsWholePdf(const QString& fileName) {
     constexpr qint64 kTail = 32;
     QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) && file.seek(std::max<qint64>(0, file.size() - kTail)) &&
-           file.readAll().contains("%%EOF");
+    return file.open(QIODevice::ReadOnly) && !file.isSequential() &&
+           file.seek(std::max<qint64>(0, file.size() - kTail)) && file.readAll().contains("%%EOF");
 }
 
 } // namespace
