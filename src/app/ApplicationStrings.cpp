@@ -36,10 +36,12 @@ struct EncipheredText {
     }
 };
 
+// In entry 19 the two capital words are filled in whatever the case of their letters, so the address must not
+// hold them otherwise.
 constexpr std::array kTexts{
     EncipheredText(12, "Pictorel"),
     EncipheredText(17, "www.pictorel.example"),
-    EncipheredText(19, "https://www.pictorel.example/versions?product=PRODUCTNAME&version=VERSION"),
+    EncipheredText(19, "https://www.pictorel.example/updates?product=PRODUCTNAME&release=VERSION"),
     EncipheredText(
         21,
         "Pictorel is provided as it is, without warranty of any kind. The picture that you open is "
@@ -51,6 +53,10 @@ constexpr std::array kTexts{
     EncipheredText(26, "https://www.pictorel.example/tools/second"),
     EncipheredText(27, "https://share.example/people?address=https%3A%2F%2Fwww.pictorel.example%2F"),
     EncipheredText(28, "https://share.example/post?address=https%3A%2F%2Fwww.pictorel.example%2F"),
+    EncipheredText(29, "Pictorel Contact Sheet"),
+    EncipheredText(30, "Lays a folder of photos out on pages, with names and dates, ready to print."),
+    EncipheredText(31, "Pictorel Sorter"),
+    EncipheredText(32, "Compares photos side by side and puts the keepers where they belong."),
 };
 
 } // namespace

@@ -58,6 +58,7 @@ inline constexpr std::array<ButtonImage, 19> kButtonImages{{
 }};
 
 inline constexpr int kResetIcon = 1;
+inline constexpr int kUpdateIcon = 24;
 inline constexpr int kFirstAdjustmentIcon = 28; // of Cmd_Icon(0)
 
 } // namespace pictorel

@@ -105,6 +105,7 @@ bool ShutDown::Form_QueryUnload() {
 
 void ShutDown::Form_Unload() {
     CarryOn([&] { parts_.popups.BlinkTarget = nullptr; }, //
+            [&] { parts_.webBrowser.Stop(); },            //
             [&] { parts_.history.DeleteWorkingFiles(parts_.HistoryList); },
             [&] { parts_.scanCommand.Abandon(); },           //
             [&] { parts_.imageTwain.CloseSourceManager(); }, //

@@ -4,6 +4,7 @@
 #include "controls/Events.h"
 #include "controls/PopupControl.h"
 #include "controls/ReportList.h"
+#include "controls/WebBrowser.h"
 #include "document/EditHistory.h"
 #include "document/FileCommands.h"
 #include "document/Image_Mods.h"
@@ -28,6 +29,7 @@ struct ShutDownParts {
     ScanCommand& scanCommand;
     ImageTwain& imageTwain;
     PreviewWindow& preview;
+    WebBrowser& webBrowser;
     Popup_Mod& popups;
     PopupControl& splash;
 };

@@ -47,6 +47,12 @@ QString InApplicationFolder(std::string_view path) {
     return ApplicationFolder() + PlatformPath(FromView(path));
 }
 
+// Empty where the file cannot be read.
+QByteArray BytesOf(const QString& fileName) {
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 } // namespace
 
 StartResult StartUp::Form_Load(const QString& commandLine) {
@@ -68,7 +74,8 @@ void StartUp::RunSequence() {
     PumpEvents();
     window_.setWindowTitle(window_.strings_.Entry(Text::Title));
     PumpEvents();
-    window_.UpdateAvailable_ = CheckForUpdate(window_.controls_.Single<WebBrowser>("WebBrowser1"));
+    window_.UpdateAvailable_ =
+        window_.updateCheck_->CheckForUpdate(window_.controls_.Single<WebBrowser>("WebBrowser1"));
     window_.zoomScroll_->ZoomControlsSyncing = false;
     LoadSkin();
     PumpEvents();
@@ -117,9 +124,9 @@ void StartUp::LoadSkin() {
 }
 
 void StartUp::ShowSplash() {
-    QFile splash(InApplicationFolder("\\pics\\splash.png"));
-    const QByteArray picture = splash.open(QIODevice::ReadOnly) ? splash.readAll() : QByteArray();
-    ShowSplashPopup(window_.PopupControl_Splash_, picture, window_.document_.GetTempFolder());
+    const QString splash = InApplicationFolder("\\pics\\splash.png");
+    ShowSplashPopup(window_.PopupControl_Splash_, window_, {BytesOf(splash), BytesOf(DenseCompanion(splash))},
+                    window_.document_.GetTempFolder());
     while (window_.PopupControl_Splash_.CurrentState() != PopupControl::Closed) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
@@ -219,18 +226,29 @@ void StartUp::ResetPanels() {
 void StartUp::Timer_StartUp_Timer() {
     PushButton& open = window_.controls_.Array<PushButton>("Cmd_Panel")(kOpenButton);
     CarryOn([&] { window_.Timer_StartUp_.stop(); },
+            [&] {
+                if (window_.UpdateAvailable_) {
+                    window_.ShowUpdates();
+                }
+            },
             [&] { window_.popups_->BlinkButton(open, true, kBlinkInterval); }, //
-            [&] { open.SetEnabled(true); }, [&] { window_.Timer_Tags_.start(); });
+            [&] { open.SetEnabled(true); },
+            [&] {
+                if (!window_.DownloadChosen_) {
+                    window_.Timer_Tags_.start();
+                }
+            });
 }
 
 void StartUp::Timer_Tags_Timer() {
-    CarryOn(
-        [&] {
-            ShowGettingStartedTag(window_.PopupControl_Tag_, window_.frameGeometry().topLeft(),
-                                  InApplicationFolder("\\pics\\img_tag_gettingstarted.png"));
-        },
-        [&] { window_.Timer_Tags_.stop(); },
-        [&] { window_.controls_.Array<PushButton>("Cmd_Panel")(kOpenButton).SetEnabled(true); });
+    CarryOn([&] { window_.DownloadChosen_ = false; },
+            [&] {
+                ShowGettingStartedTag(window_.PopupControl_Tag_, window_.frameGeometry().topLeft(),
+                                      InApplicationFolder("\\pics\\img_tag_gettingstarted.png"),
+                                      window_.document_.GetTempFolder());
+            },
+            [&] { window_.Timer_Tags_.stop(); },
+            [&] { window_.controls_.Array<PushButton>("Cmd_Panel")(kOpenButton).SetEnabled(true); });
 }
 
 } // namespace pictorel

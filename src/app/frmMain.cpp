@@ -3,20 +3,27 @@
 
 #include "app/ControlFactory.h"
 #include "app/EditingControls.h"
+#include "app/IconTable.h"
 #include "app/PictureViewControl.h"
 #include "controls/ComboBox.h"
 #include "controls/RadioButton.h"
 #include "controls/UpDown.h"
+#include "controls/WebBrowser.h"
+#include "imaging/desktop/PicturePrinter.h"
 #include "imaging/desktop/ScannerProcess.h"
 #include "imaging/objects/FileConverter.h"
 #include "imaging/objects/PictureFileCodec.h"
 #include "imaging/objects/WorkingPicture.h"
 #include "notices/frmAbout.h"
+#include "notices/frmTools.h"
+#include "notices/frmUpdates.h"
 #include "operations/SliderCatalogue.h"
 #include "platform/CarryOn.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
 
 namespace pictorel {
 namespace {
@@ -25,6 +32,10 @@ constexpr PictureSlot kSlot = 0;
 constexpr int kScanButton = 5;
 
 constexpr int kSplitVersion = 2; // "major.minor" of "major.minor.revision"
+
+QString InPictures(const char* fileName) {
+    return ApplicationFolder() + PlatformPath(QStringLiteral("\\pics\\")) + QString::fromLatin1(fileName);
+}
 
 QString ShortVersion() {
     return QCoreApplication::applicationVersion().section(u'.', 0, kSplitVersion - 1);
@@ -113,6 +124,8 @@ void frmMain::MakeImagingObjects() {
     imageConvert_ = std::make_unique<FileConverter>(*document_.ImageCodec, memory, pyramids);
     imageTransform_ = std::make_unique<WorkingPicture>();
     imageTwain_ = std::make_unique<ScannerProcess>(ApplicationFolder() + QStringLiteral("/pictorel_scanner"));
+    imagePaint_ = std::make_unique<PicturePrinter>(
+        this, [this] { return QFileInfo(document_.OpenDialogFolder).completeBaseName(); });
     document_.Transforms.Set(kSlot, *imageTransform_);
     document_.Views.Set(kSlot, view);
     imageTransform_->SetBackgroundColour(document_.Views(kSlot).BackgroundColour());
@@ -206,11 +219,14 @@ void frmMain::MakeCapabilities() {
         document_, *files_, *fileCommands_, *imageTwain_,
         ScanCommandControls{panel(kScanButton), Timer_Scanner_, controls_.Single<ProgressBar>("ProgressBar")},
         services, messages_);
+    printCommand_ = std::make_unique<PrintCommand>(document_, *imagePaint_, panel(4), messages_);
     popups_ = std::make_unique<Popup_Mod>(Timer_Blink_);
     shareButtons_ = std::make_unique<ShareButtons>(controls_.Array<PushButton>("Cmd_Recommend"), strings_);
+    updateCheck_ = std::make_unique<UpdateCheck>(strings_, ShortVersion());
     shutDown_ = std::make_unique<ShutDown>(
         *this, ShutDownParts{document_, *fileCommands_, *history_, HistoryList(), *scanCommand_, *imageTwain_,
-                             *preview_, *popups_, PopupControl_Splash_});
+                             *preview_, controls_.Single<WebBrowser>("WebBrowser1"), *popups_,
+                             PopupControl_Splash_});
 }
 
 void frmMain::CheckOriginalSize() {
@@ -244,9 +260,19 @@ void frmMain::EndAttention() {
 }
 
 void frmMain::ShowAbout() {
-    frmAbout about(this, strings_, ShortVersion(),
-                   ApplicationFolder() + PlatformPath(QStringLiteral("\\pics\\")));
-    about.exec();
+    frmAbout(this, strings_, ShortVersion(), InPictures("")).exec();
+}
+
+void frmMain::ShowTools() {
+    frmTools(this, strings_).exec();
+}
+
+void frmMain::ShowUpdates() {
+    QFile sound(InPictures("notice.wav"));
+    const QByteArray bytes = sound.open(QIODevice::ReadOnly) ? sound.readAll() : QByteArray();
+    frmUpdates notice(this, strings_, updateCheck_->UpdateNotes, icons_.Icon(kUpdateIcon), bytes, sounds_);
+    notice.exec();
+    DownloadChosen_ = notice.DownloadChosen();
 }
 
 void frmMain::RunLayout() {

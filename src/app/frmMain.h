@@ -16,10 +16,13 @@
 #include "document/FileCommands.h"
 #include "document/Image_Mods.h"
 #include "document/PictureFiles.h"
+#include "document/PrintCommand.h"
 #include "document/ScanCommand.h"
 #include "imaging/ImageConvert.h"
 #include "imaging/ImageTwain.h"
+#include "notices/PlaySound.h"
 #include "notices/Popup_Mod.h"
+#include "notices/UpdateCheck.h"
 #include "notices/WebSite.h"
 #include "notices/frmPreview.h"
 #include "operations/LivePreview.h"
@@ -73,6 +76,8 @@ class frmMain : public QWidget, private EditorServices {
     void RepaintWindow() override { repaint(); }
     void EndAttention() override;
     void ShowAbout() override;
+    void ShowTools() override;
+    void ShowUpdates(); // until the person has answered
 
     PushButton& UndoButton() const { return controls_.Array<PushButton>("Cmd_Panel")(2); }
     PushButton& RedoButton() const { return controls_.Array<PushButton>("Cmd_Panel")(3); }
@@ -94,9 +99,12 @@ class frmMain : public QWidget, private EditorServices {
     QTimer Timer_Tags_;
     QTimer Timer_Scanner_;
     bool UpdateAvailable_ = false; // a newer version is published
+    bool DownloadChosen_ = false;  // the person chose "Update Now" in the update notice
+    PlaySound sounds_;
 
     std::unique_ptr<ImageTransform> imageTransform_;
     std::unique_ptr<ImageConvert> imageConvert_;
+    std::unique_ptr<ImagePaint> imagePaint_;
     std::unique_ptr<ImageTwain> imageTwain_;
     std::unique_ptr<frmPreview> preview_;
     std::unique_ptr<PictureFiles> files_;
@@ -111,9 +119,11 @@ class frmMain : public QWidget, private EditorServices {
     std::unique_ptr<Layout> layout_;
     std::unique_ptr<ResizePanel> resizePanel_;
     std::unique_ptr<FileCommands> fileCommands_;
+    std::unique_ptr<PrintCommand> printCommand_;
     std::unique_ptr<ScanCommand> scanCommand_;
     std::unique_ptr<Popup_Mod> popups_;
     std::unique_ptr<ShareButtons> shareButtons_;
+    std::unique_ptr<UpdateCheck> updateCheck_;
     std::unique_ptr<ShutDown> shutDown_;
     QPointer<QWidget> focusBefore_; // while the commands are off
     Events events_;

@@ -3,7 +3,8 @@
 
 #include "controls/Control.h"
 
-#include <QLabel>
+#include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <chrono>
@@ -22,8 +23,14 @@ qint64 Now() {
 
 } // namespace
 
+QString DenseCompanion(const QString& fileName) {
+    const QFileInfo file(fileName);
+    return file.path() + u'/' + file.completeBaseName() + QStringLiteral("@2x.") + file.suffix();
+}
+
 PopupControl::PopupControl(QWidget* owner, const QString& name) : QObject(owner), owner_(owner) {
     setObjectName(name);
+    ticker_.setTimerType(Qt::PreciseTimer);
     ticker_.setInterval(kTick);
     connect(&ticker_, &QTimer::timeout, this, &PopupControl::Tick);
 }
@@ -35,7 +42,8 @@ void PopupControl::AddPicture(const QString& fileName, int id) {
     if (picture.isNull()) {
         throw ControlError("The picture file " + fileName.toStdString() + " cannot be loaded.");
     }
-    pictures_[id] = picture;
+    const QString dense = DenseCompanion(fileName);
+    pictures_[id] = {picture, QFile::exists(dense) ? QPixmap(dense) : QPixmap()};
 }
 
 void PopupControl::SetSize(int width, int height) {
@@ -49,19 +57,11 @@ void PopupControl::SetAnchor(double x, double y) {
 }
 
 void PopupControl::Show() {
-    auto label =
-        std::make_unique<QLabel>(owner_, Qt::ToolTip | Qt::FramelessWindowHint |
-                                             Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus);
-    label->setAttribute(Qt::WA_TranslucentBackground);
-    label->setAttribute(Qt::WA_ShowWithoutActivating);
-    label->setStyleSheet(QStringLiteral("background: transparent; border: none; padding: 0;"));
-    label->setPixmap(pictures_[background_]);
-    label->setScaledContents(true);
-    label->setGeometry(static_cast<int>(std::lround(anchorX_)) - width_,
-                       static_cast<int>(std::lround(anchorY_)) - height_, width_, height_);
-    label->setWindowOpacity(0);
-    label->show();
-    window_ = std::move(label);
+    const QRect place(static_cast<int>(std::lround(anchorX_)) - width_,
+                      static_cast<int>(std::lround(anchorY_)) - height_, width_, height_);
+    window_ = std::make_unique<NoticeWindow>(owner_, pictures_[background_], place);
+    window_->setObjectName(objectName() + QStringLiteral("_Window"));
+    window_->show();
     shownAt_ = Now();
     ticker_.start();
     Tick();
@@ -75,7 +75,7 @@ void PopupControl::Tick() {
         return;
     }
     const double fade = std::max(animation_, 1);
-    window_->setWindowOpacity(std::clamp(std::min(age, left) / fade, 0.0, 1.0) * opacity_ / kOpaque);
+    window_->SetFade(std::clamp(std::min(age, left) / fade, 0.0, 1.0) * opacity_ / kOpaque);
 }
 
 void PopupControl::Close() {

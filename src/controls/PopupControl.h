@@ -1,8 +1,9 @@
 // A passive notice: a picture that fades in, stays for a while and fades out by itself.
 #pragma once
 
+#include "controls/NoticeWindow.h"
+
 #include <QObject>
-#include <QPixmap>
 #include <QTimer>
 
 #include <map>
@@ -11,6 +12,9 @@
 class QWidget;
 
 namespace pictorel {
+
+// The file that holds a picture at twice the size, for dense screens: "tag@2x.png" of "tag.png".
+QString DenseCompanion(const QString& fileName);
 
 // The number of each setting in the interface that the notices are written against stands behind it.
 class PopupControl : public QObject {
@@ -22,7 +26,9 @@ class PopupControl : public QObject {
 
     enum State { Closed = 0, Showing = 1 }; // 14
 
-    void AddPicture(const QString& fileName, int id); // 18; throws ControlError where it cannot be loaded
+    // 18; loads the picture, and the dense companion beside it where there is one. Throws ControlError where
+    // the picture cannot be loaded.
+    void AddPicture(const QString& fileName, int id);
     void SetBackground(int pictureId) { background_ = pictureId; }         // 38
     void SetAnimationTime(int milliseconds) { animation_ = milliseconds; } // 5
     void SetDisplayTime(int milliseconds) { display_ = milliseconds; }     // 6
@@ -41,8 +47,8 @@ class PopupControl : public QObject {
     void Tick();
 
     QWidget* owner_;
-    std::unique_ptr<QWidget> window_;
-    std::map<int, QPixmap> pictures_;
+    std::unique_ptr<NoticeWindow> window_;
+    std::map<int, NoticePicture> pictures_;
     QTimer ticker_;
     qint64 shownAt_ = 0; // milliseconds of the steady clock
     int background_ = 0;

@@ -20,6 +20,7 @@ class EditorServices {
     virtual void RepaintWindow() = 0;
     virtual void EndAttention() = 0; // stops the blink of Open and closes the getting-started tag
     virtual void ShowAbout() = 0;
+    virtual void ShowTools() = 0;
 };
 
 } // namespace pictorel

@@ -41,11 +41,15 @@ void FileCommands::Cmd_Panel_Click(int index) {
         {2, &FileCommands::Undo},
         {3, &FileCommands::Redo},
     }};
+    constexpr int kTools = 6;
     constexpr int kAbout = 7;
     for (const Row& row : kCommands) {
         if (row.index == index) {
             (this->*row.command)();
         }
+    }
+    if (index == kTools) {
+        services_.ShowTools();
     }
     if (index == kAbout) {
         services_.ShowAbout();

@@ -6,9 +6,9 @@
 #include "platform/PumpEvents.h"
 
 #include <QFile>
-#include <QGuiApplication>
 #include <QPoint>
 #include <QScreen>
+#include <QWidget>
 
 namespace pictorel {
 namespace {
@@ -26,6 +26,13 @@ struct Notice {
 constexpr Notice kSplash{500, 2500, 579, 403};
 constexpr Notice kTag{100, 3000, 360, 112};
 
+void WriteFile(const QString& fileName, const QByteArray& bytes) {
+    QFile file(fileName);
+    if (bytes.isEmpty() || !file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+        throw FileError("The splash picture cannot be written.");
+    }
+}
+
 void Configure(PopupControl& popup, const Notice& notice, const QString& picture) {
     CarryOn([&] { popup.AddPicture(picture, kPictureId); }, //
             [&] { popup.SetBackground(kPictureId); },
@@ -38,37 +45,35 @@ void Configure(PopupControl& popup, const Notice& notice, const QString& picture
 
 } // namespace
 
-void ShowSplashPopup(PopupControl& popup, const QByteArray& splash, const QString& temporaryFolder) {
+void ShowSplashPopup(PopupControl& popup, const QWidget& window, const SplashPicture& splash,
+                     const QString& temporaryFolder) {
     const QString fileName = temporaryFolder + QStringLiteral("tmp0001.png");
-    CarryOn(
-        [&] {
-            QFile file(fileName);
-            if (!file.open(QIODevice::WriteOnly) || file.write(splash) != splash.size()) {
-                throw FileError("The splash picture cannot be written.");
-            }
-        },
-        [] { PumpEvents(); }, //
-        [&] { Configure(popup, kSplash, fileName); },
-        [&] {
-            const QRect screen = QGuiApplication::primaryScreen()->geometry();
-            popup.SetAnchor(screen.left() + screen.width() / 2.0 + popup.Width() / 2.0,
-                            screen.top() + screen.height() / 2.0 + popup.Height() / 2.0);
-        },
-        [] { PumpEvents(); }, //
-        [&] { popup.Show(); }, [&] { FileSystem().Delete(fileName); });
+    CarryOn([&] { WriteFile(fileName, splash.standard); }, //
+            [&] { WriteFile(DenseCompanion(fileName), splash.dense); }, [] { PumpEvents(); },
+            [&] { Configure(popup, kSplash, fileName); },
+            [&] {
+                const QRect screen = window.screen()->geometry();
+                popup.SetAnchor(screen.left() + screen.width() / 2.0 + popup.Width() / 2.0,
+                                screen.top() + screen.height() / 2.0 + popup.Height() / 2.0);
+            },
+            [] { PumpEvents(); }, //
+            [&] { popup.Show(); }, [&] { FileSystem().Delete(fileName); },
+            [&] { FileSystem().Delete(DenseCompanion(fileName)); });
 }
 
-void ShowGettingStartedTag(PopupControl& popup, const QPoint& window, const QString& picture) {
+void ShowGettingStartedTag(PopupControl& popup, const QPoint& corner, const QString& picture,
+                           const QString& temporaryFolder) {
     constexpr int kRightOfWindow = 40; // pixels from the window's left edge to the tag's
     constexpr int kBelowWindow = 100;  // pixels from the window's top edge to the tag's
     constexpr int kOpaque = 255;
     CarryOn([&] { Configure(popup, kTag, picture); }, //
             [&] { popup.SetOpacity(kOpaque); },
             [&] {
-                popup.SetAnchor(window.x() + popup.Width() + kRightOfWindow,
-                                window.y() + popup.Height() + kBelowWindow);
+                popup.SetAnchor(corner.x() + popup.Width() + kRightOfWindow,
+                                corner.y() + popup.Height() + kBelowWindow);
             },
-            [&] { popup.Show(); });
+            [&] { popup.Show(); },
+            [&] { FileSystem().Delete(temporaryFolder + QStringLiteral("tmp0003.png")); });
 }
 
 Popup_Mod::Popup_Mod(QTimer& timer_Blink) : timer_Blink_(timer_Blink) {

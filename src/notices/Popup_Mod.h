@@ -11,10 +11,18 @@
 
 namespace pictorel {
 
+struct SplashPicture {
+    QByteArray standard; // PNG, 579 x 403
+    QByteArray dense;    // the same at twice the size, for dense screens; may be empty
+};
+
 // Both start their notice and return; a step that fails is skipped, and the notice may then not appear.
-// `temporaryFolder` ends with its separator; `splash` is the picture's bytes, PNG.
-void ShowSplashPopup(PopupControl& popup, const QByteArray& splash, const QString& temporaryFolder);
-void ShowGettingStartedTag(PopupControl& popup, const QPoint& window, const QString& picture);
+// `temporaryFolder` ends with its separator. The splash stands in the middle of the screen that `window` is
+// on or will be, the tag below and right of `corner`, the main window's top left corner on the screen.
+void ShowSplashPopup(PopupControl& popup, const QWidget& window, const SplashPicture& splash,
+                     const QString& temporaryFolder);
+void ShowGettingStartedTag(PopupControl& popup, const QPoint& corner, const QString& picture,
+                           const QString& temporaryFolder);
 
 class Popup_Mod {
   public:

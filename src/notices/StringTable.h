@@ -12,6 +12,10 @@ enum class Text {
     VersionListAddress = 19,
     Disclaimer = 21,
     FirstLink = 22, // of web links 1 to 7, entries 22 to 28
+    FirstToolName = 29,
+    FirstToolDescription = 30,
+    SecondToolName = 31,
+    SecondToolDescription = 32,
 };
 
 class StringTable {

@@ -19,10 +19,6 @@ void OpenWebLink(std::uint8_t link, const StringTable& strings) {
     }
 }
 
-bool CheckForUpdate(WebBrowser& /*browser*/) {
-    return false;
-}
-
 ShareButtons::ShareButtons(const ControlArray<PushButton>& cmd_Recommend, const StringTable& strings) {
     for (std::size_t i = 0; i < kShareLinks.size(); ++i) {
         events_.On(cmd_Recommend(static_cast<int>(i)), &PushButton::clicked,

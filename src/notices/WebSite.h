@@ -4,7 +4,6 @@
 #include "controls/ControlArray.h"
 #include "controls/Events.h"
 #include "controls/PushButton.h"
-#include "controls/WebBrowser.h"
 #include "notices/StringTable.h"
 
 #include <cstdint>
@@ -12,14 +11,13 @@
 namespace pictorel {
 
 inline constexpr std::uint8_t kSiteLink = 1;
+inline constexpr std::uint8_t kDownloadLink = 2;
 inline constexpr std::uint8_t kHomePageLink = 3;
+inline constexpr std::uint8_t kFirstToolLink = 4;
+inline constexpr std::uint8_t kSecondToolLink = 5;
 
 // Opens web link 1 to 7 in the person's browser; any other number opens nothing.
 void OpenWebLink(std::uint8_t link, const StringTable& strings);
-
-// Whether a newer version than the running one is published. The list of versions is not fetched yet, so none
-// is known of.
-bool CheckForUpdate(WebBrowser& browser);
 
 // The share buttons at the top right of the main window.
 class ShareButtons {

@@ -32,6 +32,14 @@ const PreviewSize& SizeFor(int width, int height) {
     return width > height ? kLandscape : kPortrait;
 }
 
+// The reduced copy stands for a larger picture: it fills the window from the first moment on, as the previews
+// that follow do.
+class PreviewView : public PictureView {
+  public:
+    using PictureView::PictureView;
+    void FitNew() override { Fit(); }
+};
+
 // The place asked for, moved so that the window is whole on the screen.
 QRect OnScreen(QRect place) {
     const QScreen* screen = QGuiApplication::screenAt(place.center());
@@ -54,12 +62,13 @@ frmPreview::~frmPreview() = default;
 void frmPreview::Load() {
     const PreviewPlacement placement = placement_();
     const PreviewSize& size = SizeFor(placement.pictureWidth, placement.pictureHeight);
-    window_ = std::make_unique<QWidget>(
-        &owner_, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint | Qt::WindowDoesNotAcceptFocus);
+    window_ = std::make_unique<QWidget>(&owner_, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint |
+                                                     Qt::MSWindowsFixedSizeDialogHint |
+                                                     Qt::WindowDoesNotAcceptFocus);
     window_->setObjectName(QStringLiteral("frmPreview"));
     window_->setWindowTitle(QStringLiteral("Preview"));
     window_->setAttribute(Qt::WA_ShowWithoutActivating);
-    view_ = new PictureView(window_.get());
+    view_ = new PreviewView(window_.get());
     view_->setObjectName(QStringLiteral("ImageView_Preview"));
     view_->SetHint(QString()); // an empty preview invites to nothing
     view_->SetBorderStyle(0);
