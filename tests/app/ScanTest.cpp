@@ -7,6 +7,9 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <utility>
+
 namespace pictorel {
 namespace {
 
@@ -49,11 +52,16 @@ TEST(Scan, TakesNoCommandButPaintsMeanwhile) {
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     editor.Click("Cmd_Panel", kScan);
     int moments = 0;
-    for (; !TakesCommands(editor) && moments < 2000; ++moments) {
-        editor.Click("Cmd_Tab", kInvert);
-        editor.Click("Cmd_Panel", kScan);
-        editor.Click("Cmd_RotateLeft");
-        QTest::qWait(10);
+    while (moments < 2000) {
+        static constexpr std::array<std::pair<const char*, int>, 3> kButtons{
+            {{"Cmd_Tab", kInvert}, {"Cmd_Panel", kScan}, {"Cmd_RotateLeft", 0}}};
+        const auto& [name, index] = kButtons[static_cast<std::size_t>(moments) % kButtons.size()];
+        if (TakesCommands(editor)) {
+            break;
+        }
+        editor.Click(name, index);
+        QTest::qWait(5);
+        ++moments;
     }
     EXPECT_GT(moments, 20) << "the window stood still";
     EXPECT_EQ(editor.HistoryCaptions(), QStringList{"Open"});
