@@ -3,6 +3,8 @@
 
 #include "app/ApplicationStrings.h"
 #include "app/Layout.h"
+#include "app/PictureDrop.h"
+#include "app/Shortcuts.h"
 #include "controls/CommonDialog.h"
 #include "controls/ControlArray.h"
 #include "controls/Events.h"
@@ -57,7 +59,8 @@ class frmMain : public QWidget, private EditorServices {
     void MakeCapabilities();
     void ArrangeControls();
     void RunLayout();
-    bool Form_QueryUnload(); // false keeps the window open
+    bool IsReadyToOpen() const; // what Open asks of the window, for a file that is dropped
+    bool Form_QueryUnload();    // false keeps the window open
     void Form_Unload();
 
     void SetEditingEnabled(bool enabled) override { toolPanels_->SetEditingEnabled(enabled); }
@@ -106,8 +109,10 @@ class frmMain : public QWidget, private EditorServices {
     std::unique_ptr<Layout> layout_;
     std::unique_ptr<ResizePanel> resizePanel_;
     std::unique_ptr<FileCommands> fileCommands_;
+    std::unique_ptr<PictureDrop> pictureDrop_;
     std::unique_ptr<Popup_Mod> popups_;
     std::unique_ptr<ShareButtons> shareButtons_;
+    std::unique_ptr<Shortcuts> shortcuts_;
     Events events_;
 };
 
