@@ -1,8 +1,12 @@
-// How long the picture view takes to draw: the first frame of a 24-megapixel photo, a zoom sweep, and pans.
+// How long the picture view takes to draw a 24-megapixel photo: through the window as a person drags slider
+// and picture, and by itself on a zoom sweep and pans.
+#include "BenchWindow.h"
+#include "app/PictureViewControl.h"
+#include "controls/Slider.h"
 #include "imaging/PixelArray.h"
-#include "imaging/desktop/PictureView.h"
 
 #include <QApplication>
+#include <QMouseEvent>
 
 #include <algorithm>
 #include <chrono>
@@ -86,11 +90,86 @@ void Measure(PictureView& view, bool transparent) {
     }
 }
 
+// What a person does in the window: events go in as the mouse sends them, and a frame is over when everything
+// they set off has been painted.
+class Hand {
+  public:
+    explicit Hand(QWidget& widget) : widget_(widget) {}
+
+    double Send(QEvent::Type type, QPointF at) {
+        const auto buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, widget_.mapToGlobal(at), button, buttons, Qt::NoModifier);
+        return Milliseconds([&] {
+            QApplication::sendEvent(&widget_, &event);
+            QApplication::processEvents();
+        });
+    }
+
+    // The frame times of a drag along a line, without the first frame's.
+    std::vector<double> Drag(QPointF from, QPointF step, int steps) {
+        Send(QEvent::MouseButtonPress, from);
+        std::vector<double> times;
+        for (int i = 1; i <= steps; ++i) {
+            times.push_back(Send(QEvent::MouseMove, from + i * step));
+        }
+        Send(QEvent::MouseButtonRelease, from + steps * step);
+        times.erase(times.begin());
+        return times;
+    }
+
+  private:
+    QWidget& widget_;
+};
+
+void MeasureWindow() {
+    pictorel::bench::BenchWindow editor;
+    auto& document = editor.Window().Document();
+    auto& view = editor.Get<pictorel::PictureViewControl>("ImageView");
+    const PixelArray picture = MakePicture(false);
+    document.ImageWidth(0) = kWidth;
+    document.ImageHeight(0) = kHeight;
+    std::printf("window of %d x %d, view of %d x %d\n", editor.Window().width(), editor.Window().height(),
+                view.width(), view.height());
+    for (int run = 0; run < 3; ++run) {
+        view.Show(PixelArray());
+        QApplication::processEvents();
+        PixelArray edited = picture;
+        edited.WritableRows()[0] ^= 1;
+        const double load = Milliseconds([&] {
+            view.Show(picture);
+            view.FitNew();
+            QApplication::processEvents();
+        });
+        const double edit = Milliseconds([&] {
+            view.Show(edited);
+            QApplication::processEvents();
+        });
+        std::printf("  first frame after a load %6.1f ms   after an edit %6.1f ms\n", load, edit);
+    }
+    auto& slider = editor.Get<pictorel::Slider>("Slider_ImageZoom");
+    slider.SetEnabled(true);
+    slider.SetValue(1);
+    const double middle = slider.height() / 2.0;
+    Report("zoom slider, whole range", Hand(slider).Drag({7, middle}, {0.5, 0}, 2 * (slider.width() - 14)));
+    for (const double zoom : {0.3, 0.5, 0.7, 1.0, 1.5, 2.0, 4.0, 10.0}) {
+        view.SetZoom(zoom);
+        view.SetCentreX(0.5 * kWidth);
+        view.SetCentreY(0.5 * kHeight);
+        QApplication::processEvents();
+        char name[32];
+        std::snprintf(name, sizeof name, "dragged at %.0f %%", zoom * 100);
+        Report(name, Hand(view).Drag({900, 700}, {-9, -4}, 60));
+    }
+}
+
 } // namespace
 
 int main(int count, char** words) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(count, words);
+    pictorel::bench::UseNoScreen();
+    MeasureWindow();
     PictureView view;
     view.resize(1500, 900);
     view.show();

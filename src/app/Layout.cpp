@@ -4,6 +4,7 @@
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace pictorel {
@@ -37,8 +38,8 @@ void Layout::Place(float W, float H) {
         [&] { c.GroupBox_Canves1.SetTop(H - c.GroupBox_Canves1.Height() - 650); },
         [&] { c.GroupBox_Canves1.SetWidth(W - TW - 500); },
         [&] { c.GroupBox_Canves2.SetLeft(c.GroupBox_Canves1.Width() - c.GroupBox_Canves2.Width() - 300); },
-        [&] { c.lbl_ImageInfo.SetWidth(c.GroupBox_Canves2.Left()); }, // up to the view tools
-        [&] { RefitPicture(); },                                      //
+        [&] { c.lbl_ImageInfo.SetWidth(std::max(c.GroupBox_Canves2.Left(), 0.0F)); }, // up to the view tools
+        [&] { RefitPicture(); },                                                      //
         [&] { c.Cmd_Recommend(0).SetLeft(W - 700); }, [&] { c.Cmd_Recommend(1).SetLeft(W - 1130); });
 }
 
@@ -46,6 +47,10 @@ void Layout::RefitPicture() {
     if (ImageExceedsView(0)) {
         zoom_.Cmd_ZoomFit_Click(0);
     } else {
+        // An offset that suited a larger picture could leave a small one out of sight.
+        const Control& view = controls_.ImageView(0);
+        zoom_.CentreAxes(document_.ImageWidth(0) <= TwipsToPixels(view.Width()),
+                         document_.ImageHeight(0) <= TwipsToPixels(view.Height()));
         zoom_.Cmd_ActualSize_Click(0);
     }
 }

@@ -2,6 +2,7 @@
 #include "app/StartUp.h"
 
 #include "app/IconTable.h"
+#include "app/KeyboardWalk.h"
 #include "app/frmMain.h"
 #include "controls/ComboBox.h"
 #include "controls/WebBrowser.h"
@@ -83,6 +84,8 @@ void StartUp::RunSequence() {
     LoadIcons();
     GiveButtonsTheirLooks();
     SetToolTips();
+    NameControls(window_.controls_);
+    SetTabOrder(window_.controls_);
     window_.document_.OpenDialogFolder = ChooseDialogFolder();
     window_.document_.SaveDialogFolder = ChooseDialogFolder();
     ConfigureControls();

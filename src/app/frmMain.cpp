@@ -20,6 +20,7 @@
 #include "operations/SliderCatalogue.h"
 #include "platform/CarryOn.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFile>
@@ -211,7 +212,7 @@ void frmMain::MakeCapabilities() {
             controls_.Single<UpDown>("UpDown_ImageHeight"), controls_.Single<UpDown>("UpDown_ResizePercent"),
             button("Cmd_Tab", 3), button("Cmd_Tab", 4), controls_.Array<Label>("lbl_Resize"), info(0),
             UndoButton(), RedoButton(), HistoryList()},
-        *dispatcher_, *history_, icons_, [this] { layout_->RefitPicture(); });
+        *dispatcher_, *history_, icons_, messages_, [this] { layout_->RefitPicture(); });
     fileCommands_ = std::make_unique<FileCommands>(document_, *files_, *history_,
                                                    FileCommandControls{panel, HistoryList(), CDialog_Open_},
                                                    services, messages_);
@@ -227,6 +228,17 @@ void frmMain::MakeCapabilities() {
         *this, ShutDownParts{document_, *fileCommands_, *history_, HistoryList(), *scanCommand_, *imageTwain_,
                              *preview_, controls_.Single<WebBrowser>("WebBrowser1"), *popups_,
                              PopupControl_Splash_});
+    shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
+    pictureDrop_ = std::make_unique<PictureDrop>(
+        *this, [this] { return IsReadyToOpen(); },
+        [this](const QString& fileName) { fileCommands_->OpenFile(fileName); });
+    controls_.Array<PictureViewControl>("ImageView")(0).SetHint(tr("Open a picture or drop one here"));
+}
+
+bool frmMain::IsReadyToOpen() const {
+    return isEnabled() && QApplication::activeModalWidget() == nullptr &&
+           controls_.Array<PushButton>("Cmd_Panel")(0).isEnabled() &&
+           !controls_.Single<ProgressBar>("ProgressBar").isVisible();
 }
 
 void frmMain::CheckOriginalSize() {

@@ -3,6 +3,8 @@
 
 #include "app/ApplicationStrings.h"
 #include "app/Layout.h"
+#include "app/PictureDrop.h"
+#include "app/Shortcuts.h"
 #include "app/ShutDown.h"
 #include "controls/CommonDialog.h"
 #include "controls/ControlArray.h"
@@ -65,6 +67,7 @@ class frmMain : public QWidget, private EditorServices {
     void MakeCapabilities();
     void ArrangeControls();
     void RunLayout();
+    bool IsReadyToOpen() const; // what Open asks of the window, for a file that is dropped
 
     void SetEditingEnabled(bool enabled) override { toolPanels_->SetEditingEnabled(enabled); }
     void ResetSliderGroup(int group) override { toolPanels_->ResetSliderGroup(group); }
@@ -119,10 +122,12 @@ class frmMain : public QWidget, private EditorServices {
     std::unique_ptr<Layout> layout_;
     std::unique_ptr<ResizePanel> resizePanel_;
     std::unique_ptr<FileCommands> fileCommands_;
+    std::unique_ptr<PictureDrop> pictureDrop_;
     std::unique_ptr<PrintCommand> printCommand_;
     std::unique_ptr<ScanCommand> scanCommand_;
     std::unique_ptr<Popup_Mod> popups_;
     std::unique_ptr<ShareButtons> shareButtons_;
+    std::unique_ptr<Shortcuts> shortcuts_;
     std::unique_ptr<UpdateCheck> updateCheck_;
     std::unique_ptr<ShutDown> shutDown_;
     QPointer<QWidget> focusBefore_; // while the commands are off

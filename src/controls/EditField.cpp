@@ -5,11 +5,27 @@
 
 namespace pictorel {
 
-EditField::EditField(QWidget* parent) : QLineEdit(parent), Control(static_cast<QWidget&>(*this)) {}
+EditField::EditField(QWidget* parent) : QLineEdit(parent), Control(static_cast<QWidget&>(*this)) {
+    setAcceptDrops(false); // what is dropped goes to the window, and never past the key filter
+}
+
+// Undo and Redo belong to the field only while something typed in it can be taken back.
+bool EditField::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* const key = static_cast<QKeyEvent*>(event);
+        if ((key->matches(QKeySequence::Undo) && !isUndoAvailable()) ||
+            (key->matches(QKeySequence::Redo) && !isRedoAvailable())) {
+            event->ignore();
+            return false;
+        }
+    }
+    return QLineEdit::event(event);
+}
 
 void EditField::keyPressEvent(QKeyEvent* event) {
     const QString text = event->text();
-    const bool isCharacter = !text.isEmpty() && text.front().isPrint();
+    const bool isCommand = (event->modifiers() & ~Qt::ShiftModifier) == Qt::ControlModifier; // such as copy
+    const bool isCharacter = !isCommand && !text.isEmpty() && text.front().isPrint();
     if (isCharacter && filter_ && !filter_(text.front())) {
         event->accept();
         return;
@@ -20,6 +36,9 @@ void EditField::keyPressEvent(QKeyEvent* event) {
 void EditField::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
     emit FocusLost();
+    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason) {
+        setText(text()); // what was typed is settled: coming back, there is nothing to undo here
+    }
 }
 
 } // namespace pictorel

@@ -25,6 +25,7 @@ class EditField : public QLineEdit, public Control {
     void FocusLost();
 
   protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 

@@ -1,10 +1,13 @@
 // A push button, see PushButton.h.
 #include "controls/PushButton.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QToolTip>
 
 #include <algorithm>
+#include <cmath>
 
 namespace pictorel {
 namespace {
@@ -53,6 +56,21 @@ void PushButton::SetDecorative(bool decorative) {
 void PushButton::SetEnabled(bool enabled) {
     Control::SetEnabled(enabled);
     update(); // a decorative button inside a disabled group gets no change event of its own
+}
+
+QString PushButton::ShownToolTip() const {
+    if (shortcutText_.isEmpty()) {
+        return toolTip();
+    }
+    return tr("%1 (%2)").arg(toolTip().isEmpty() ? text() : toolTip(), shortcutText_);
+}
+
+bool PushButton::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), ShownToolTip(), this);
+        return true;
+    }
+    return QAbstractButton::event(event);
 }
 
 QSize PushButton::sizeHint() const {
@@ -137,7 +155,11 @@ void PushButton::PaintContent(QPainter& painter) const {
             textArea = QRect(corner.x() + picture.width() + kGap, 0, width(), height());
         }
         painter.setOpacity(LooksEnabled() ? 1.0 : kDisabledOpacity);
-        image_.paint(&painter, QRect(corner, picture));
+        // From the next larger drawing where pixels are no whole ones: reducing keeps edges that enlarging
+        // blurs.
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawPixmap(QRect(corner, picture),
+                           image_.pixmap(picture, std::ceil(devicePixelRatioF()), QIcon::Normal, QIcon::Off));
         painter.setOpacity(1.0);
     }
     if (!text().isEmpty()) {

@@ -29,11 +29,17 @@ class PushButton : public QAbstractButton, public Control {
     // no focus and no clicks.
     void SetDecorative(bool decorative);
 
+    // The keys that click the button, as its tool tip shows them behind the text (or, without one, behind the
+    // caption).
+    void SetShortcutText(const QString& keys) { shortcutText_ = keys; }
+    QString ShownToolTip() const;
+
     void SetEnabled(bool enabled) override;
 
     QSize sizeHint() const override;
 
   protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
@@ -46,6 +52,7 @@ class PushButton : public QAbstractButton, public Control {
     void PaintContent(QPainter& painter) const;
 
     QIcon image_;
+    QString shortcutText_;
     bool flat_ = false;
     bool highlighted_ = false;
     bool decorative_ = false;

@@ -42,7 +42,18 @@ void UpDown::Step(int direction) {
     if (!isEnabled()) {
         return;
     }
-    SetValue(value_ + direction);
+    if (buddy_ != nullptr) {
+        bool isNumber = false;
+        const int shown = buddy_->text().toInt(&isNumber);
+        if (isNumber) {
+            value_ = std::clamp(shown, minimum_, maximum_);
+        }
+    }
+    const int next = std::clamp(value_ + direction, minimum_, maximum_);
+    if (next == value_) {
+        emit Changed(value_); // the number in the field may be new
+    }
+    SetValue(next);
     if (buddy_ != nullptr) {
         buddy_->setText(QString::number(value_));
     }

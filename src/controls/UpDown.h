@@ -21,7 +21,8 @@ class UpDown : public QWidget, public Control {
     // Clamped to the range; raises Changed when the value differs from the one before.
     void SetValue(int value);
 
-    // Stepping by the arrows writes the value into the buddy, whose arrow keys and wheel step as well.
+    // Stepping by the arrows goes on from the number that the buddy shows and writes the new one into it; the
+    // buddy's arrow keys and wheel step as well.
     void SetBuddy(EditField& buddy);
 
   signals:

@@ -72,6 +72,14 @@ bool FileCommands::OfferToSaveChanges() {
 }
 
 void FileCommands::Open() {
+    OpenBy([this] { return files_.OpenImageDialog(kSlot, controls_.CDialog_Open); });
+}
+
+void FileCommands::OpenFile(const QString& fileName) {
+    OpenBy([&] { return files_.OpenImageFile(kSlot, fileName); });
+}
+
+void FileCommands::OpenBy(const std::function<bool()>& load) {
     CarryOn([&] { services_.EndAttention(); });
     bool goOn = false;
     CarryOn([&] { goOn = OfferToSaveChanges(); });
@@ -79,7 +87,7 @@ void FileCommands::Open() {
         return;
     }
     bool opened = false;
-    CarryOn([&] { opened = files_.OpenImageDialog(kSlot, controls_.CDialog_Open); });
+    CarryOn([&] { opened = load(); });
     if (!opened) {
         return;
     }

@@ -12,6 +12,8 @@
 #include "document/PictureFiles.h"
 #include "platform/Messages.h"
 
+#include <functional>
+
 namespace pictorel {
 
 struct FileCommandControls {
@@ -27,6 +29,9 @@ class FileCommands {
 
     void Cmd_Panel_Click(int index);
 
+    // What Open does, with the same questions, for a file that is known already.
+    void OpenFile(const QString& fileName);
+
     // Asks "Save Changes ?" while the picture is changed. False where the command at hand must end: the
     // person cancelled, or chose to save and that did not happen.
     bool OfferToSaveChanges();
@@ -36,6 +41,7 @@ class FileCommands {
 
   private:
     void Open();
+    void OpenBy(const std::function<bool()>& load);
     void Save();
     void Undo();
     void Redo();

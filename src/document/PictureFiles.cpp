@@ -79,13 +79,17 @@ bool PictureFiles::OpenImageDialog(PictureSlot slot, CommonDialog& dialog) {
             return false;
         }
         PumpEvents();
-        const bool loaded = LoadImageFile(slot, fileName);
-        document_.OpenDialogFolder = fileName;
-        return loaded;
+        return OpenImageFile(slot, fileName);
     } catch (const std::exception& error) {
         ShowError(QString::fromUtf8(error.what()), applicationTitle_);
         return false;
     }
+}
+
+bool PictureFiles::OpenImageFile(PictureSlot slot, const QString& fileName) {
+    const bool loaded = LoadImageFile(slot, fileName);
+    document_.OpenDialogFolder = fileName;
+    return loaded;
 }
 
 bool PictureFiles::SaveImageDialog(PictureSlot slot, CommonDialog& dialog) {

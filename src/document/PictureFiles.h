@@ -25,6 +25,9 @@ class PictureFiles {
     bool OpenImageDialog(PictureSlot slot, CommonDialog& dialog);
     bool SaveImageDialog(PictureSlot slot, CommonDialog& dialog);
 
+    // LoadImageFile, after which the Open dialog begins in the file's folder.
+    bool OpenImageFile(PictureSlot slot, const QString& fileName);
+
     // Loads the file into the slot and shows it. False, after a message, for a file that is no picture of at
     // least 2 x 2 pixels; what was open then stays on screen.
     bool LoadImageFile(PictureSlot slot, const QString& fileName);

@@ -2,11 +2,16 @@
 #include "platform/PumpEvents.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 
 namespace pictorel {
 
 void PumpEvents() {
     QCoreApplication::processEvents();
+}
+
+void PumpWindowEvents() {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 } // namespace pictorel

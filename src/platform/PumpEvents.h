@@ -5,4 +5,7 @@ namespace pictorel {
 
 void PumpEvents();
 
+// Paints and lays out what is pending; what the person does meanwhile waits until the handler has ended.
+void PumpWindowEvents();
+
 } // namespace pictorel

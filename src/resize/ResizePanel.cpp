@@ -1,11 +1,13 @@
 // The Resize page, see ResizePanel.h.
 #include "resize/ResizePanel.h"
 
+#include "imaging/Limits.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 #include "platform/PumpEvents.h"
 #include "resize/ResizeArithmetic.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace pictorel {
@@ -17,9 +19,10 @@ constexpr int kOriginalLine = 0;
 constexpr int kNewLine = 1;
 constexpr int kLockedIcon = 2;
 constexpr int kUnlockedIcon = 3;
-constexpr int kBackspace = 8;
 
 enum ResizeMode { OriginalSize, Predefined, Custom, Percentage };
+
+const QString kTooLarge = QStringLiteral("too large");
 
 void Write(Label& label, const QString& text) {
     label.SetCaption(text);
@@ -30,13 +33,14 @@ void Write(Label& label, const QString& text) {
 
 ResizePanel::ResizePanel(Image_Mods& document, PictureFiles& files, ResizePanelControls controls,
                          ImageOperations& operations, EditHistory& history, const IconStore& icons,
-                         RefitView refitView)
+                         Messages& messages, RefitView refitView)
     : document_(document),
       files_(files),
       controls_(std::move(controls)),
       operations_(operations),
       history_(history),
       icons_(icons),
+      messages_(messages),
       refitView_(std::move(refitView)) {
     for (int i = 0; i < controls_.RadioButton_Resize.Count(); ++i) {
         events_.On(controls_.RadioButton_Resize(i), &RadioButton::clicked,
@@ -51,47 +55,6 @@ ResizePanel::ResizePanel(Image_Mods& document, PictureFiles& files, ResizePanelC
     events_.On(controls_.LockButton, &PushButton::clicked, [this] { Lock_Click(); });
     events_.On(controls_.ApplyButton, &PushButton::clicked, [this] { Apply_Click(); });
     BindFields();
-}
-
-void ResizePanel::BindFields() {
-    BindField(controls_.Txt_ImageWidth, controls_.UpDown_ImageWidth);
-    BindField(controls_.Txt_ImageHeight, controls_.UpDown_ImageHeight);
-    BindField(controls_.Txt_ResizePercent, controls_.UpDown_ResizePercent);
-    events_.On(controls_.Txt_ImageWidth, &EditField::textChanged, [this](const QString&) {
-        Box_Change(controls_.Txt_ImageWidth, controls_.UpDown_ImageWidth, document_.ImageWidth);
-    });
-    events_.On(controls_.Txt_ImageHeight, &EditField::textChanged, [this](const QString&) {
-        Box_Change(controls_.Txt_ImageHeight, controls_.UpDown_ImageHeight, document_.ImageHeight);
-    });
-    events_.On(controls_.Txt_ResizePercent, &EditField::textChanged,
-               [this](const QString&) { Txt_ResizePercent_Change(); });
-}
-
-void ResizePanel::BindField(EditField& box, UpDown& spinner) {
-    events_.On(box, &EditField::FocusLost, [this, &box, &spinner] { Box_LostFocus(box, spinner); });
-    box.SetKeyFilter([&box](QChar key) { return FilterNumericKey(box, key.unicode()); });
-}
-
-bool ResizePanel::FilterNumericKey(const EditField& box, int key) {
-    const bool isDigit = key >= '0' && key <= '9';
-    if (isDigit || key == kBackspace || key == 0) {
-        return true;
-    }
-    const int caret = box.hasSelectedText() ? box.selectionStart() : box.cursorPosition();
-    return key == '-' && !box.text().contains(u'-') && caret == 0;
-}
-
-void ResizePanel::DisableField(EditField& box, UpDown& spinner) {
-    box.SetEnabled(false); // first, so that emptying it is no typing
-    box.clear();
-    spinner.SetEnabled(false);
-}
-
-void ResizePanel::EnableField(EditField& box, UpDown& spinner) {
-    box.SetEnabled(false);
-    box.setText(QString::number(spinner.Value()));
-    box.SetEnabled(true);
-    spinner.SetEnabled(true);
 }
 
 void ResizePanel::ClearList() {
@@ -128,6 +91,14 @@ void ResizePanel::RadioButton_Resize_Click(int mode) {
         },
         [&] { controls_.ApplyButton.SetEnabled(mode != OriginalSize); },
         [&] {
+            if (custom) {
+                // Last the width: a picture larger than the spinners count shows two sides that belong
+                // together.
+                UpDown_ImageHeight_Change();
+                UpDown_ImageWidth_Change();
+            }
+        },
+        [&] {
             if (mode == Percentage) {
                 UpDown_ResizePercent_Change();
             }
@@ -147,17 +118,31 @@ void ResizePanel::Combo_ResizePredefined_Click() {
     if (controls_.Combo_ResizePredefined.SelectedText().trimmed().isEmpty()) {
         return;
     }
-    CarryOn([&] { UseComputedSize(controls_.Combo_ResizePredefined.SelectedData()); });
+    CarryOn([&] { UseSize(controls_.Combo_ResizePredefined.SelectedData()); });
 }
 
-void ResizePanel::UseComputedSize(const QString& text) {
+void ResizePanel::UseSize(const QString& text) {
     const PictureSize size = SplitSize(text);
     NewWidth = size.width;
     NewHeight = size.height;
     ShowNewSize();
 }
 
+// A side that could not be computed is 0: too small where the picture shrinks, too large where it grows.
+void ResizePanel::UseComputedSize(const QString& text, bool enlarges) {
+    const PictureSize size = SplitSize(text);
+    isTooLarge_ = enlarges && (size.width < 1 || size.height < 1);
+    if (isTooLarge_) {
+        Write(controls_.lbl_Resize(kNewLine), kTooLarge);
+        return;
+    }
+    NewWidth = std::max<std::int16_t>(size.width, 1);
+    NewHeight = std::max<std::int16_t>(size.height, 1);
+    ShowNewSize();
+}
+
 void ResizePanel::ShowNewSize() {
+    isTooLarge_ = false;
     Write(controls_.lbl_Resize(kNewLine), PixelSizeText(NewWidth, NewHeight));
 }
 
@@ -170,8 +155,9 @@ void ResizePanel::UpDown_ImageWidth_Change() {
             return;
         }
         UseComputedSize(ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), width,
-                                          kDerive, false, 0));
-        controls_.Txt_ImageHeight.setText(QString::number(NewHeight));
+                                          kDerive, false, 0),
+                        width > document_.ImageWidth(kSlot));
+        controls_.Txt_ImageHeight.setText(isTooLarge_ ? QString() : QString::number(NewHeight));
     });
 }
 
@@ -184,75 +170,25 @@ void ResizePanel::UpDown_ImageHeight_Change() {
             return;
         }
         UseComputedSize(ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), kDerive,
-                                          height, false, 0));
-        controls_.Txt_ImageWidth.setText(QString::number(NewWidth));
+                                          height, false, 0),
+                        height > document_.ImageHeight(kSlot));
+        controls_.Txt_ImageWidth.setText(isTooLarge_ ? QString() : QString::number(NewWidth));
     });
 }
 
 void ResizePanel::UsePercent(std::int16_t percent) {
     UseComputedSize(
-        ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), 0, 0, true, percent));
+        ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), 0, 0, true, percent),
+        percent > 100);
 }
 
 void ResizePanel::UpDown_ResizePercent_Change() {
     CarryOn([&] { UsePercent(ToInt16(static_cast<std::int64_t>(controls_.UpDown_ResizePercent.Value()))); });
 }
 
-void ResizePanel::Box_Change(EditField& box, const UpDown& spinner, const SlotTable<std::int16_t>& side) {
-    if (!box.IsEnabled()) {
-        return;
-    }
-    CarryOn([&] {
-        if (ToWholeNumber(box.text()) > spinner.Maximum()) {
-            // A picture's own side above the maximum must not be replaced by itself over and over.
-            const QString own = QString::number(side(kSlot));
-            if (box.text() != own) {
-                box.setText(own);
-            }
-        }
-    });
-}
-
-void ResizePanel::Box_LostFocus(EditField& box, UpDown& spinner) {
-    if (!box.IsEnabled()) {
-        return;
-    }
-    CarryOn([&] { spinner.SetValue(static_cast<int>(ToInt16(box.text()))); },
-            [&] {
-                if (ToWholeNumber(box.text()) > spinner.Maximum()) {
-                    box.setText(QString::number(spinner.Maximum()));
-                }
-            },
-            [&] {
-                // The spinner's lower bound holds for the text as well.
-                if (ToWholeNumber(box.text()) < spinner.Minimum()) {
-                    box.setText(QString::number(spinner.Minimum()));
-                }
-            });
-}
-
-void ResizePanel::Txt_ResizePercent_Change() {
-    EditField& box = controls_.Txt_ResizePercent;
-    if (!box.IsEnabled()) {
-        return;
-    }
-    CarryOn(
-        [&] {
-            if (ToWholeNumber(box.text()) > controls_.UpDown_ResizePercent.Maximum()) {
-                box.setText(QStringLiteral("100"));
-            }
-        },
-        [&] {
-            const std::int16_t percent = ToInt16(box.text());
-            if (percent >= controls_.UpDown_ResizePercent.Minimum()) {
-                UsePercent(percent);
-            }
-        });
-}
-
 void ResizePanel::Lock_Click() {
     PushButton& lock = controls_.LockButton;
-    CarryOn([&] { lock.SetEnabled(false); },
+    CarryOn([&] { SettleTyping(); }, [&] { lock.SetEnabled(false); },
             [&] {
                 if (lock.Tag() == QStringLiteral("0")) {
                     lock.SetTag(QStringLiteral("1"));
@@ -266,25 +202,56 @@ void ResizePanel::Lock_Click() {
             [&] { lock.SetEnabled(true); });
 }
 
+bool ResizePanel::MayApply() {
+    if (!isTooLarge_ && NewWidth >= 1 && NewHeight >= 1) {
+        return true;
+    }
+    messages_.Show(QStringLiteral("The picture cannot be made that large. A picture may be at most "
+                                  "%L1 pixels wide and %L1 pixels high.")
+                       .arg(kMaximumSide),
+                   QStringLiteral("Resize"), MessageIcon::Exclamation);
+    return false;
+}
+
 void ResizePanel::Apply_Click() {
+    bool mayApply = false;
+    CarryOn([&] { SettleTyping(); }, [&] { mayApply = MayApply(); });
+    if (!mayApply) {
+        return;
+    }
+    const bool wasModified = document_.ImageModified(kSlot);
     CarryOn([&] { controls_.ApplyButton.SetEnabled(false); },
             [&] { operations_.ApplyImageOperation(kSlot, kResizeOperation, false, NewWidth, NewHeight, 0); },
-            [] { PumpEvents(); },                  //
+            [] { PumpWindowEvents(); },            //
             [&] { files_.ReadImageWidth(kSlot); }, //
-            [&] { files_.ReadImageHeight(kSlot); },
-            [&] {
-                const int width = document_.ImageWidth(kSlot);
-                const int height = document_.ImageHeight(kSlot);
-                Write(controls_.lbl_ImageInfo, ImageInfoText(width, height));
-                Write(controls_.lbl_Resize(kOriginalLine), PixelSizeText(width, height));
-            },
-            [&] { refitView_(); },
-            [&] { history_.AddHistoryEntry(QStringLiteral("Resize"), kSlot, controls_.HistoryList); },
-            [&] {
-                EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton,
-                                                   controls_.HistoryList);
-            },
-            [&] { controls_.ApplyButton.SetEnabled(true); });
+            [&] { files_.ReadImageHeight(kSlot); });
+    if (document_.ImageWidth(kSlot) == NewWidth && document_.ImageHeight(kSlot) == NewHeight) {
+        FinishApply();
+    } else {
+        CarryOn([&] { document_.ImageModified(kSlot) = wasModified; },
+                [&] {
+                    messages_.Show(QStringLiteral("There is not enough memory to make the picture %1.")
+                                       .arg(PixelSizeText(NewWidth, NewHeight)),
+                                   QStringLiteral("Resize"), MessageIcon::Exclamation);
+                });
+    }
+    CarryOn([&] { controls_.ApplyButton.SetEnabled(true); });
+}
+
+void ResizePanel::FinishApply() {
+    CarryOn(
+        [&] {
+            const int width = document_.ImageWidth(kSlot);
+            const int height = document_.ImageHeight(kSlot);
+            Write(controls_.lbl_ImageInfo, ImageInfoText(width, height));
+            Write(controls_.lbl_Resize(kOriginalLine), PixelSizeText(width, height));
+        },
+        [&] { refitView_(); },
+        [&] { history_.AddHistoryEntry(QStringLiteral("Resize"), kSlot, controls_.HistoryList); },
+        [&] {
+            EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton,
+                                               controls_.HistoryList);
+        });
 }
 
 } // namespace pictorel

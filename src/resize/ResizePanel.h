@@ -14,6 +14,7 @@
 #include "document/EditHistory.h"
 #include "document/ImageOperations.h"
 #include "document/PictureFiles.h"
+#include "platform/Messages.h"
 
 #include <QIcon>
 
@@ -45,7 +46,7 @@ using RefitView = std::function<void()>;
 class ResizePanel {
   public:
     ResizePanel(Image_Mods& document, PictureFiles& files, ResizePanelControls controls,
-                ImageOperations& operations, EditHistory& history, const IconStore& icons,
+                ImageOperations& operations, EditHistory& history, const IconStore& icons, Messages& messages,
                 RefitView refitView);
 
     void RadioButton_Resize_Click(int mode);
@@ -71,9 +72,13 @@ class ResizePanel {
     void ClearList();
     void Box_Change(EditField& box, const UpDown& spinner, const SlotTable<std::int16_t>& side);
     void Box_LostFocus(EditField& box, UpDown& spinner);
-    void UseComputedSize(const QString& text); // "W,H"
+    void SettleTyping();               // what was typed counts, as if its field had been left
+    void UseSize(const QString& text); // "W,H"
+    void UseComputedSize(const QString& text, bool enlarges);
     void UsePercent(std::int16_t percent);
     void ShowNewSize();
+    bool MayApply(); // after a message where not
+    void FinishApply();
     bool IsLocked() const { return controls_.LockButton.Tag() == QStringLiteral("1"); }
 
     Image_Mods& document_;
@@ -82,7 +87,9 @@ class ResizePanel {
     ImageOperations& operations_;
     EditHistory& history_;
     const IconStore& icons_;
+    Messages& messages_;
     RefitView refitView_;
+    bool isTooLarge_ = false; // the size asked for last; NewWidth and NewHeight are then those before it
     Events events_;
 };
 

@@ -19,6 +19,12 @@ int RoundDown(double value) {
     return RoundHalfEven(std::floor(value));
 }
 
+// Down to a whole percent. 0.29 * 100 is a hair below 29 in binary: what the slider set reads the same again.
+int WholePercent(double zoom) {
+    constexpr double kHair = 1e-9;
+    return RoundDown(zoom * 100 + kHair);
+}
+
 QString PercentText(int percent) {
     return QStringLiteral("%1%").arg(percent);
 }
@@ -71,7 +77,7 @@ void ZoomScroll::UpdateZoomView(PictureSlot slot) {
             controls_.ScrollBar_ImageY(slot).setValue(
                 RoundDown(document_.Views(slot).CentreY() - 0.5 * document_.ImageHeight(slot)));
         },
-        [&] { controls_.Slider_ImageZoom(slot).SetValue(RoundDown(document_.Views(slot).Zoom() * 100)); },
+        [&] { controls_.Slider_ImageZoom(slot).SetValue(WholePercent(document_.Views(slot).Zoom())); },
         [&] {
             controls_.lbl_ZoomPercent(slot).SetCaption(PercentText(controls_.Slider_ImageZoom(slot).Value()));
             controls_.lbl_ZoomPercent(slot).RepaintNow();
@@ -135,6 +141,14 @@ void ZoomScroll::ScrollBar_Change(int index) {
     }
     CarryOn([] { PumpEvents(); }, //
             [&] { ScrollImageView(static_cast<PictureSlot>(index)); }, [&] { preview_.SetOutdated(true); });
+}
+
+void ZoomScroll::CentreAxes(bool across, bool down) {
+    ZoomControlsSyncing = true;
+    CarryOn(
+        [&] { controls_.ScrollBar_ImageX(0).setValue(across ? 0 : controls_.ScrollBar_ImageX(0).value()); },
+        [&] { controls_.ScrollBar_ImageY(0).setValue(down ? 0 : controls_.ScrollBar_ImageY(0).value()); });
+    ZoomControlsSyncing = false;
 }
 
 void ZoomScroll::ImageView_Changed(int index) {

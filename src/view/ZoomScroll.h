@@ -47,6 +47,9 @@ class ZoomScroll {
     void Slider_ImageZoom_MouseUp(int index);
     void ScrollBar_Change(int index);
 
+    // Sets the scroll bars back to the picture's middle; the view follows with the next ScrollImageView.
+    void CentreAxes(bool across, bool down);
+
     // The person zoomed or moved the picture in the view itself.
     void ImageView_Changed(int index);
 

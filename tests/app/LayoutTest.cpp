@@ -22,6 +22,8 @@ TEST(Layout, PlacesEverythingFromTheOuterSize) {
              PlaceCase{"TabControl_Effects", 0, 10335, -1, -1, 8660},
              PlaceCase{"HistoryList", 0, 10335, 9910, -1, -1},
              PlaceCase{"Resizer_Adjustments", 0, -1, -1, -1, 6880},
+             PlaceCase{"Resizer_Filters", 0, -1, -1, -1, 6880},
+             PlaceCase{"Resizer_Effects", 0, -1, -1, -1, 6880},
              PlaceCase{"Resizer_Resize", 0, -1, -1, -1, 6810},
              PlaceCase{"ScrollBar_ImageY", 0, 9835, -1, -1, 10595},
              PlaceCase{"ScrollBar_ImageX", 0, -1, 11525, 9735, -1},

@@ -1,13 +1,8 @@
-// One-click buttons, resets, rotate and flip, and the Resize page through the window.
+// One-click buttons, resets, rotate and flip through the window.
 #include "app/Editor.h"
-#include "controls/ComboBox.h"
-#include "controls/EditField.h"
 #include "controls/Label.h"
-#include "controls/RadioButton.h"
 #include "controls/Slider.h"
-#include "controls/UpDown.h"
 
-#include <QTest>
 #include <gtest/gtest.h>
 
 namespace pictorel {
@@ -84,70 +79,6 @@ TEST(RotateFlip, AFlipKeepsZoomAndLabels) {
     EXPECT_EQ(editor.Document().Views(0).Zoom(), zoom);
     EXPECT_EQ(editor.Get<Label>("lbl_ImageInfo").Caption(), info);
     EXPECT_EQ(editor.HistoryCaptions(), (QStringList{"Open", "Flip Vertical", "Flip Horizontal"}));
-}
-
-class ResizePage : public testing::Test {
-  protected:
-    ResizePage() {
-        editor.Open(editor.MakeFile("scene.bmp", MakeScene(1024, 768)));
-        editor.Get<TabControl>("TabControl_Effects").SelectTab(3);
-    }
-    QString NewSize() { return editor.Get<Label>("lbl_Resize", 1).Caption(); }
-    void Choose(int mode) { editor.Get<RadioButton>("RadioButton_Resize", mode).click(); }
-
-    Editor editor;
-};
-
-TEST_F(ResizePage, PercentageActsWhileTyping) {
-    Choose(3);
-    auto& box = editor.Get<EditField>("Txt_ResizePercent");
-    for (const auto& [typed, size] : std::vector<std::pair<const char*, const char*>>{
-             {"50", "512 x 384 pixels"}, {"33", "338 x 253 pixels"}, {"700", "1024 x 768 pixels"}}) {
-        box.selectAll();
-        QTest::keyClicks(&box, typed);
-        EXPECT_EQ(NewSize(), size) << typed;
-    }
-    EXPECT_EQ(box.text(), "100");
-}
-
-TEST_F(ResizePage, LockedSidesFollowEachOther) {
-    Choose(2);
-    editor.Get<UpDown>("UpDown_ImageWidth").SetValue(800);
-    EXPECT_EQ(editor.Get<EditField>("Txt_ImageHeight").text(), "600");
-    EXPECT_EQ(NewSize(), "800 x 600 pixels");
-    editor.Click("Cmd_Tab", 4);
-    editor.Get<UpDown>("UpDown_ImageWidth").SetValue(100);
-    EXPECT_EQ(NewSize(), "100 x 600 pixels");
-}
-
-TEST_F(ResizePage, FieldsRefuseWhatIsNoSize) {
-    Choose(2);
-    auto& box = editor.Get<EditField>("Txt_ImageWidth");
-    box.selectAll();
-    QTest::keyClicks(&box, "6000");
-    EXPECT_EQ(box.text(), "1024");
-    box.selectAll();
-    QTest::keyClicks(&box, "a-5x-");
-    EXPECT_EQ(box.text(), "-5");
-    editor.Get<EditField>("Txt_ImageHeight").setFocus();
-    box.setFocus();
-    emit box.FocusLost();
-    EXPECT_EQ(box.text(), "1");
-    EXPECT_EQ(editor.Get<UpDown>("UpDown_ImageWidth").Value(), 1);
-}
-
-TEST_F(ResizePage, ApplyIsOneHistoryRowOfTheNewSize) {
-    Choose(1);
-    EXPECT_EQ(NewSize(), "900 x 600 pixels");
-    editor.Click("Cmd_Tab", 3);
-    EXPECT_EQ(editor.Shown().Width(), 900);
-    EXPECT_EQ(editor.Shown().Height(), 600);
-    EXPECT_EQ(editor.Get<Label>("lbl_ImageInfo").Caption(), "(W x H) : 900 x 600");
-    EXPECT_EQ(editor.Get<Label>("lbl_Resize", 0).Caption(), "900 x 600 pixels");
-    EXPECT_EQ(editor.HistoryCaptions(), (QStringList{"Open", "Resize"}));
-    Choose(0);
-    EXPECT_FALSE(editor.Get("Cmd_Tab", 3).IsEnabled());
-    EXPECT_EQ(NewSize(), "900 x 600 pixels");
 }
 
 } // namespace

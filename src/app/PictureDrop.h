@@ -1,0 +1,33 @@
+// Pictures dropped on the window.
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QWidget>
+
+#include <functional>
+
+class QMimeData;
+
+namespace pictorel {
+
+// Takes files dropped anywhere on the window; of several the first is opened. What is no file of this
+// machine, and everything while the editor is not ready, gets the refusing pointer. The file is opened after
+// the drop has ended, so that the program it came from need not wait for the questions that opening may ask.
+class PictureDrop : public QObject {
+    Q_OBJECT
+
+  public:
+    PictureDrop(QWidget& window, std::function<bool()> isReady, std::function<void(const QString&)> open);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    bool Takes(const QMimeData* data) const;
+
+    std::function<bool()> isReady_;
+    std::function<void(const QString&)> open_;
+};
+
+} // namespace pictorel

@@ -1,0 +1,83 @@
+// The window without a mouse and without eyes: the way of the Tab key, and a name for every control.
+#include "app/Editor.h"
+#include "controls/Label.h"
+#include "controls/TabControl.h"
+
+#include <QAccessible>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace pictorel {
+namespace {
+
+QStringList WalkFrom(QWidget& start, Editor& editor) {
+    QStringList names;
+    start.setFocus(Qt::TabFocusReason);
+    for (QWidget* at = &start; at != nullptr && names.size() < 100; at = editor.Window().focusWidget()) {
+        const QString name = at->objectName().isEmpty() ? at->metaObject()->className() : at->objectName();
+        if (names.contains(name)) {
+            break;
+        }
+        names.append(name);
+        QTest::keyClick(at, Qt::Key_Tab);
+    }
+    return names;
+}
+
+TEST(KeyboardWalk, GoesAsTheEyeGoes) {
+    Editor editor;
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(400, 300)));
+    editor.Click("Cmd_Tab", 2);
+    editor.Window().activateWindow();
+    for (int page = 0; page < 4; ++page) {
+        editor.Get<TabControl>("TabControl_Effects").SelectTab(page);
+        const QStringList walk = WalkFrom(editor.Get<Control>("Cmd_Panel", 0).Widget(), editor);
+        const auto before = [&](const char* first, const char* second) {
+            const auto at = walk.indexOf(QString::fromLatin1(first));
+            const auto then = walk.indexOf(QString::fromLatin1(second));
+            EXPECT_TRUE(at >= 0 && at < then)
+                << first << " before " << second << " in " << walk.join(' ').toStdString();
+        };
+        before("Cmd_Panel_0", "Cmd_Panel_1");
+        before("Cmd_Panel_7", "Cmd_Recommend_1");
+        before("Cmd_Recommend_1", "Cmd_Recommend_0"); // element 1 stands to the left
+        before("Cmd_Recommend_0", "Cmd_RotateRight_0");
+        before("Cmd_ZoomOut_0", "Slider_ImageZoom_0");
+        before("Slider_ImageZoom_0", "Cmd_ZoomIn_0");
+        before("Cmd_ZoomIn_0", "QTabBar");
+        before("QTabBar", "HistoryList");
+        if (page == 0) {
+            before("QTabBar", "Cmd_Tab_0");
+            before("Cmd_Tab_2", "Slider_Tab_0");
+            before("Slider_Tab_14", "Cmd_Reset_0");
+            before("Cmd_Reset_0", "HistoryList");
+        } else if (page == 3) {
+            before("QTabBar", "RadioButton_Resize_0");
+        }
+    }
+}
+
+TEST(KeyboardWalk, EveryControlHasANameThatCanBeSaid) {
+    Editor editor;
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(400, 300)));
+    int named = 0;
+    for (QWidget* const widget : editor.Window().findChildren<QWidget*>()) {
+        if (dynamic_cast<Control*>(widget) == nullptr || widget->objectName().startsWith("Line") ||
+            widget->objectName().startsWith("Shape") || widget->objectName().startsWith("WebBrowser")) {
+            continue; // lines and the hidden page say nothing
+        }
+        QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(widget);
+        ASSERT_NE(spoken, nullptr) << widget->objectName().toStdString();
+        const auto* const label = qobject_cast<Label*>(widget);
+        if (label != nullptr && label->text().isEmpty()) {
+            continue;
+        }
+        EXPECT_FALSE(spoken->text(QAccessible::Name).trimmed().isEmpty())
+            << widget->objectName().toStdString();
+        ++named;
+    }
+    EXPECT_GT(named, 150);
+}
+
+} // namespace
+} // namespace pictorel
