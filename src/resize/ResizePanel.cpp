@@ -22,8 +22,6 @@ constexpr int kUnlockedIcon = 3;
 
 enum ResizeMode { OriginalSize, Predefined, Custom, Percentage };
 
-const QString kTooLarge = QStringLiteral("too large");
-
 void Write(Label& label, const QString& text) {
     label.SetCaption(text);
     label.RepaintNow();
@@ -133,7 +131,7 @@ void ResizePanel::UseComputedSize(const QString& text, bool enlarges) {
     const PictureSize size = SplitSize(text);
     isTooLarge_ = enlarges && (size.width < 1 || size.height < 1);
     if (isTooLarge_) {
-        Write(controls_.lbl_Resize(kNewLine), kTooLarge);
+        Write(controls_.lbl_Resize(kNewLine), QStringLiteral("too large"));
         return;
     }
     NewWidth = std::max<std::int16_t>(size.width, 1);
