@@ -105,12 +105,9 @@ class BodyReader {
         if (name == u"pre") {
             asWritten_ = !closes;
         }
-        if (name == u"br") {
-            text_ += u'\n';
-            blankWaits_ = false;
-        } else if (IsOneOf(kInlineElements, name)) {
+        if (IsOneOf(kInlineElements, name)) {
             blankWaits_ = blankWaits_ || name == u"td" || name == u"th";
-        } else if (!text_.isEmpty() && !text_.endsWith(u'\n')) {
+        } else if (name == u"br" || (!text_.isEmpty() && !text_.endsWith(u'\n'))) {
             text_ += u'\n';
             blankWaits_ = false;
         }

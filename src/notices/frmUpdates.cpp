@@ -46,6 +46,18 @@ frmUpdates::frmUpdates(QWidget* owner, const StringTable& strings, const QString
     column->setSpacing(14);
     column->setSizeConstraint(QLayout::SetFixedSize);
 
+    column->addLayout(MakeHeading(strings, icon));
+    auto* const text = new QPlainTextEdit(notes);
+    text->setObjectName(QStringLiteral("Txt_UpdateMsg"));
+    text->setReadOnly(true);
+    text->setTabChangesFocus(true);
+    text->setFixedSize(kNotes);
+    column->addWidget(text);
+
+    column->addLayout(MakeButtons());
+}
+
+QLayout* frmUpdates::MakeHeading(const StringTable& strings, const QIcon& icon) {
     auto* const heading = new QHBoxLayout;
     heading->setSpacing(14);
     PushButton* const picture = MakeButton(this, Picture, {}, kPicture);
@@ -61,15 +73,10 @@ frmUpdates::frmUpdates(QWidget* owner, const StringTable& strings, const QString
     font.setBold(true);
     headline->setFont(font);
     heading->addWidget(headline, 1);
-    column->addLayout(heading);
+    return heading;
+}
 
-    auto* const text = new QPlainTextEdit(notes);
-    text->setObjectName(QStringLiteral("Txt_UpdateMsg"));
-    text->setReadOnly(true);
-    text->setTabChangesFocus(true);
-    text->setFixedSize(kNotes);
-    column->addWidget(text);
-
+QLayout* frmUpdates::MakeButtons() {
     auto* const buttons = new QHBoxLayout;
     buttons->setSpacing(10);
     buttons->addStretch();
@@ -77,13 +84,13 @@ frmUpdates::frmUpdates(QWidget* owner, const StringTable& strings, const QString
     PushButton* const now = MakeButton(this, UpdateNow, QStringLiteral("Update Now"), kButton);
     buttons->addWidget(later);
     buttons->addWidget(now);
-    column->addLayout(buttons);
     for (const auto& [button, index] : {std::pair{later, RemindMeLater}, {now, UpdateNow}}) {
         connect(button, &PushButton::clicked, this,
                 Events::Guarded([this, index = index] { Cmd_Msg_Click(index); }));
     }
     now->SetHighlighted(true); // what most people want
     now->setFocus();
+    return buttons;
 }
 
 void frmUpdates::changeEvent(QEvent* event) {

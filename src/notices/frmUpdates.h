@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QDialog>
 #include <QIcon>
+#include <QLayout>
 
 namespace pictorel {
 
@@ -25,6 +26,8 @@ class frmUpdates : public QDialog {
     void changeEvent(QEvent* event) override;
 
   private:
+    QLayout* MakeHeading(const StringTable& strings, const QIcon& icon);
+    QLayout* MakeButtons();
     void Cmd_Msg_Click(int index);
 
     const StringTable& strings_;

@@ -1,10 +1,10 @@
 // The notices and side windows around the main window.
 #include "app/ApplicationStrings.h"
+#include "app/Browser.h"
 #include "app/Editor.h"
 #include "controls/NoticeWindow.h"
 #include "controls/WebBrowser.h"
 
-#include <QDesktopServices>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -16,24 +16,8 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 namespace pictorel {
 namespace {
-
-// Stands in for the desktop's browser.
-class Browser : public QObject {
-    Q_OBJECT
-
-  public:
-    Browser() { QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "Open"); }
-    ~Browser() override { QDesktopServices::unsetUrlHandler(QStringLiteral("https")); }
-
-    QStringList asked;
-
-  public slots:
-    void Open(const QUrl& address) { asked.append(address.toString(QUrl::FullyEncoded)); }
-};
 
 // Announces version 9.9 at an address that the editor is told to ask.
 class VersionList {
@@ -174,24 +158,28 @@ TEST(VersionCheck, ClosingTheWindowEndsTheWait) {
 
 TEST(SideWindows, CloseByEscapeByEnterAndByTheirButton) {
     Editor editor;
-    for (const auto& [button, name, close] :
-         {std::tuple{7, "frmAbout", "CmdOK"}, std::tuple{6, "frmTools", "CmdClose"}}) {
+    struct SideWindow {
+        int button; // of the tool bar
+        const char* name;
+        const char* close;
+    };
+    for (const SideWindow& side : {SideWindow{7, "frmAbout", "CmdOK"}, {6, "frmTools", "CmdClose"}}) {
         for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter, Qt::Key_unknown}) {
             bool seen = false;
-            When(QString(name), [&](QWidget& window) {
+            When(QString(side.name), [&](QWidget& window) {
                 seen = true;
                 if (key != Qt::Key_unknown) {
                     QTest::keyClick(window.focusWidget() != nullptr ? window.focusWidget() : &window, key);
                 } else {
-                    QTest::mouseClick(window.findChild<QWidget*>(QString(close)), Qt::LeftButton);
+                    QTest::mouseClick(window.findChild<QWidget*>(QString(side.close)), Qt::LeftButton);
                 }
                 if (window.isVisible()) {
-                    ADD_FAILURE() << name << " stays after key " << key;
+                    ADD_FAILURE() << side.name << " stays after key " << key;
                     window.close();
                 }
             });
-            editor.Click("Cmd_Panel", button);
-            EXPECT_TRUE(seen) << name;
+            editor.Click("Cmd_Panel", side.button);
+            EXPECT_TRUE(seen) << side.name;
         }
     }
 }
@@ -249,5 +237,3 @@ TEST(StringTable, LiesOpenInNoProgram) {
 
 } // namespace
 } // namespace pictorel
-
-#include "NoticesTest.moc"

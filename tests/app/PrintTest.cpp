@@ -96,8 +96,8 @@ TEST_F(Printing, ALargePictureFillsAPageThatIsTurnedToSuit) {
         ASSERT_FALSE(page.isNull());
         EXPECT_EQ(page.width() > page.height(), width > height);
         const QRect ink = Inked(page);
-        EXPECT_NEAR(ink.center().x(), page.width() / 2, 2);
-        EXPECT_NEAR(ink.center().y(), page.height() / 2, 2);
+        EXPECT_NEAR(ink.center().x(), page.width() / 2.0, 2);
+        EXPECT_NEAR(ink.center().y(), page.height() / 2.0, 2);
         EXPECT_NEAR(1.0 * ink.width() / ink.height(), 1.0 * width / height, 0.01);
         EXPECT_GT(std::max(1.0 * ink.width() / page.width(), 1.0 * ink.height() / page.height()), 0.85);
 

@@ -107,9 +107,10 @@ int Difference(const std::vector<qint16>& sound, const std::vector<qint16>& hear
 
 TEST_F(Speaker, PlaysTheSamplesToTheEndWithoutHoldingUpTheCaller) {
     const auto tone = Tone(kRate / 4, 440);
+    const QByteArray file = WaveFile(tone, "LIST" + Number(3, 4) + QByteArray("abc\0", 4));
     QElapsedTimer timer;
     timer.start();
-    player.PlayWaveBytes(WaveFile(tone, "LIST" + Number(3, 4) + QByteArray("abc\0", 4)));
+    player.PlayWaveBytes(file);
     EXPECT_LT(timer.elapsed(), kAtOnce);
     EXPECT_LE(Difference(tone, Heard()), 2);
 }
@@ -135,9 +136,10 @@ TEST_F(Speaker, WhatIsNoSoundIsSilence) {
 
 TEST_F(Speaker, WithoutADeviceThereIsSilenceAndNoDelay) {
     ASSERT_TRUE(QDir().mkdir(File())); // the device cannot write here, and so cannot be opened
+    const QByteArray file = WaveFile(Tone(kRate * 10, 440));
     QElapsedTimer timer;
     timer.start();
-    player.PlayWaveBytes(WaveFile(Tone(kRate * 10, 440)));
+    player.PlayWaveBytes(file);
     EXPECT_LT(timer.elapsed(), kAtOnce);
     QTest::qWait(200);
     ASSERT_TRUE(QDir().rmdir(File()));

@@ -12,9 +12,8 @@ struct NotesCase {
     const char* notes; // "@" stands for what begins an item's line
 };
 
-const QString kItem = QString(17, u' ') + QStringLiteral("- ");
-
 TEST(UpdateNotes, ListWhatIsNewerThanTheRunningVersion) {
+    const QString item = QString(17, u' ') + QStringLiteral("- ");
     for (const NotesCase& c : {
              NotesCase{"2.1/Faster preview/New Halftone effect/\r\n2.0/First release/", "2.0",
                        " Version 2.1\r\n@Faster preview\r\n@New Halftone effect\r\n\r\n\r\n"},
@@ -30,7 +29,7 @@ TEST(UpdateNotes, ListWhatIsNewerThanTheRunningVersion) {
              {"2.1/a/", "not a version", ""},
              {"No version here", "2.0", ""},
          }) {
-        EXPECT_EQ(BuildUpdateNotes(c.page, c.version), QString(c.notes).replace(u'@', kItem)) << c.page;
+        EXPECT_EQ(BuildUpdateNotes(c.page, c.version), QString(c.notes).replace(u'@', item)) << c.page;
     }
 }
 

@@ -28,8 +28,8 @@ constexpr qint64 kLosslessPixels = 3'000'000;
 
 // The picture as paper shows it: what is transparent is white. Shares the array's pixels where none is.
 QImage OnPaper(const PixelArray& picture) {
-    const QImage whole(picture.Row(0), picture.Width(), picture.Height(), picture.Stride(),
-                       picture.HasAlpha() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    QImage whole(picture.Row(0), picture.Width(), picture.Height(), picture.Stride(),
+                 picture.HasAlpha() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     if (!picture.HasAlpha()) {
         return whole;
     }
