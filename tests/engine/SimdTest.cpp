@@ -3,6 +3,7 @@
 #include "imaging/engine/Convolution.h"
 #include "imaging/engine/NoiseSums.h"
 #include "imaging/engine/PointRows.h"
+#include "imaging/engine/ResampleOpaque.h"
 
 #include <hwy/targets.h>
 
@@ -113,6 +114,40 @@ TEST(Simd, NoiseSumsEqualPlainLoops) {
             }
         }
     });
+}
+
+TEST(Simd, FixedPointResamplingEqualsPlainLoops) {
+    struct Lengths {
+        int from;
+        int to;
+    };
+    std::mt19937 generator(9);
+    for (const Lengths lengths : {Lengths{96, 31}, {7, 40}, {33, 33}, {600, 9}, {2, 1}}) {
+        const FixedWeights weights(LanczosWeights(lengths.from, lengths.to), kMostColumnBits);
+        std::vector<std::int16_t> sums((static_cast<std::size_t>(lengths.from) + 8) * 4);
+        for (std::int16_t& sum : sums) {
+            sum = static_cast<std::int16_t>(static_cast<int>(generator() % 24000) - 4000);
+        }
+        const std::vector<std::uint8_t> row(64 * 40, 255);
+        std::vector<const std::uint8_t*> rows;
+        for (std::size_t i = 0; i < weights[0].weights.size(); ++i) {
+            rows.push_back(row.data() + 64 * (i % 39));
+        }
+        ForEachTarget([&](const char* target) {
+            std::vector<std::uint8_t> plain(static_cast<std::size_t>(lengths.to) * 4);
+            std::vector<std::uint8_t> vectors(plain.size());
+            scalar::SumColumnsFixed(sums.data(), weights, plain.data());
+            simd::SumColumnsFixed(sums.data(), weights, vectors.data());
+            EXPECT_EQ(vectors, plain) << target << " " << lengths.from << " to " << lengths.to;
+            const PixelArray noise = Random({16, 1});
+            rows[0] = noise.Row(0);
+            std::vector<std::int16_t> plainSums(64);
+            std::vector<std::int16_t> vectorSums(64);
+            scalar::SumRowsFixed(rows, weights[0].weights, weights.Bits(), 64, plainSums.data());
+            simd::SumRowsFixed(rows, weights[0].weights, weights.Bits(), 64, vectorSums.data());
+            EXPECT_EQ(vectorSums, plainSums) << target;
+        });
+    }
 }
 
 TEST(Simd, ConvolutionEqualsPlainLoops) {

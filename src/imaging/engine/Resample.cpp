@@ -1,6 +1,7 @@
 // Scaling a picture to another size, see Resample.h.
 #include "imaging/engine/Resample.h"
 
+#include "imaging/engine/ResampleOpaque.h"
 #include "imaging/engine/ResampleSeparable.h"
 
 namespace pictorel::engine {
@@ -11,8 +12,8 @@ PixelArray Resize(const PixelArray& source, int width, int height) {
     if (width == source.Width() && height == source.Height()) {
         return source;
     }
-    return ResampleSeparable(source, LanczosWeights(source.Width(), width),
-                             LanczosWeights(source.Height(), height));
+    const auto resample = source.HasAlpha() ? ResampleSeparable : ResampleOpaque;
+    return resample(source, LanczosWeights(source.Width(), width), LanczosWeights(source.Height(), height));
 }
 
 } // namespace pictorel::engine
