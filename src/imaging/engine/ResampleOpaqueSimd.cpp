@@ -54,32 +54,36 @@ ShortVector InPairs(ShortVector pixels) {
                        hn::TableLookupBytes(hn::BitCast(Bytes(), pixels), hn::LoadDup128(Bytes(), kOrder)));
 }
 
-// One vector of components: rows in pairs, whose bytes stand side by side.
-void SumRowsBlock(std::span<const std::uint8_t* const> rows, std::span<const std::int16_t> weights, int shift,
-                  int offset, std::int16_t* to) {
+// Rows in pairs, whose bytes stand side by side: what one vector of components is summed to.
+struct BlockSums {
+    PairSums quarters[4];
+};
+
+HWY_INLINE void AddRows(BlockSums& sums, const std::uint8_t* upper, const std::uint8_t* lower,
+                        ShortVector weights) {
     const Bytes bytes;
     const Shorts shorts;
-    const Ints ints;
     const auto zero = hn::Zero(bytes);
-    PairSums sums[4] = {NoSum(), NoSum(), NoSum(), NoSum()};
-    for (std::size_t i = 0; i < weights.size(); i += 2) {
-        std::int32_t both;
-        std::memcpy(&both, weights.data() + i, sizeof both);
-        const auto factors = hn::BitCast(shorts, hn::Set(ints, both));
-        const auto upper = hn::LoadU(bytes, rows[i] + offset);
-        const auto lower = hn::LoadU(bytes, rows[i + 1] + offset);
-        const auto first = hn::InterleaveLower(bytes, upper, lower);
-        const auto second = hn::InterleaveUpper(bytes, upper, lower);
-        AddProducts(sums[0], hn::BitCast(shorts, hn::InterleaveLower(bytes, first, zero)), factors);
-        AddProducts(sums[1], hn::BitCast(shorts, hn::InterleaveUpper(bytes, first, zero)), factors);
-        AddProducts(sums[2], hn::BitCast(shorts, hn::InterleaveLower(bytes, second, zero)), factors);
-        AddProducts(sums[3], hn::BitCast(shorts, hn::InterleaveUpper(bytes, second, zero)), factors);
-    }
-    const auto half = hn::Set(ints, 1 << (shift - 1));
-    const auto reduced = [&](const PairSums& sum)
-                             HWY_ATTR { return hn::ShiftRightSame(hn::Add(Total(sum), half), shift); };
-    const auto early = InPairs(hn::ReorderDemote2To(shorts, reduced(sums[0]), reduced(sums[1])));
-    const auto late = InPairs(hn::ReorderDemote2To(shorts, reduced(sums[2]), reduced(sums[3])));
+    const auto a = hn::LoadU(bytes, upper);
+    const auto b = hn::LoadU(bytes, lower);
+    const auto first = hn::InterleaveLower(bytes, a, b);
+    const auto second = hn::InterleaveUpper(bytes, a, b);
+    AddProducts(sums.quarters[0], hn::BitCast(shorts, hn::InterleaveLower(bytes, first, zero)), weights);
+    AddProducts(sums.quarters[1], hn::BitCast(shorts, hn::InterleaveUpper(bytes, first, zero)), weights);
+    AddProducts(sums.quarters[2], hn::BitCast(shorts, hn::InterleaveLower(bytes, second, zero)), weights);
+    AddProducts(sums.quarters[3], hn::BitCast(shorts, hn::InterleaveUpper(bytes, second, zero)), weights);
+}
+
+HWY_INLINE IntVector Reduced(const PairSums& sums, int shift) {
+    return hn::ShiftRightSame(hn::Add(Total(sums), hn::Set(Ints(), 1 << (shift - 1))), shift);
+}
+
+HWY_INLINE void StoreBlock(const BlockSums& sums, int shift, std::int16_t* to) {
+    const Shorts shorts;
+    const auto early = InPairs(
+        hn::ReorderDemote2To(shorts, Reduced(sums.quarters[0], shift), Reduced(sums.quarters[1], shift)));
+    const auto late = InPairs(
+        hn::ReorderDemote2To(shorts, Reduced(sums.quarters[2], shift), Reduced(sums.quarters[3], shift)));
     if constexpr (hn::MaxLanes(Bytes()) == 32) {
         hn::StoreU(hn::ConcatLowerLower(shorts, late, early), shorts, to);
         hn::StoreU(hn::ConcatUpperUpper(shorts, late, early), shorts, to + hn::Lanes(shorts));
@@ -89,11 +93,43 @@ void SumRowsBlock(std::span<const std::uint8_t* const> rows, std::span<const std
     }
 }
 
+HWY_INLINE ShortVector PairOfWeights(const std::int16_t* weights) {
+    std::int32_t both;
+    std::memcpy(&both, weights, sizeof both);
+    return hn::BitCast(Shorts(), hn::Set(Ints(), both));
+}
+
+template <int kBlocks>
+HWY_INLINE void SumRowsBlocks(std::span<const std::uint8_t* const> rows,
+                              std::span<const std::int16_t> weights, int shift, int offset,
+                              std::int16_t* to) {
+    const int block = static_cast<int>(hn::Lanes(Bytes()));
+    BlockSums sums[kBlocks];
+    for (BlockSums& sum : sums) {
+        for (PairSums& quarter : sum.quarters) {
+            quarter = NoSum();
+        }
+    }
+    for (std::size_t i = 0; i < weights.size(); i += 2) {
+        const auto factors = PairOfWeights(weights.data() + i);
+        for (int k = 0; k < kBlocks; ++k) {
+            AddRows(sums[k], rows[i] + offset + k * block, rows[i + 1] + offset + k * block, factors);
+        }
+    }
+    for (int k = 0; k < kBlocks; ++k) {
+        StoreBlock(sums[k], shift, to + offset + k * block);
+    }
+}
+
 void SumRowsFixed(std::span<const std::uint8_t* const> rows, std::span<const std::int16_t> weights, int bits,
                   int components, std::int16_t* to) {
     const int block = static_cast<int>(hn::Lanes(Bytes()));
-    for (int offset = 0; offset < components; offset += block) {
-        SumRowsBlock(rows, weights, bits - kSumFraction, offset, to + offset);
+    int offset = 0;
+    for (; offset + 2 * block <= components; offset += 2 * block) {
+        SumRowsBlocks<2>(rows, weights, bits - kSumFraction, offset, to);
+    }
+    for (; offset < components; offset += block) {
+        SumRowsBlocks<1>(rows, weights, bits - kSumFraction, offset, to);
     }
 }
 
