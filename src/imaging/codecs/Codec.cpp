@@ -4,7 +4,10 @@
 #include "imaging/codecs/Bmp.h"
 #include "imaging/codecs/Gif.h"
 #include "imaging/codecs/JpegCodec.h"
+#include "imaging/codecs/Pcx.h"
 #include "imaging/codecs/Png.h"
+#include "imaging/codecs/Ras.h"
+#include "imaging/codecs/Tga.h"
 #include "imaging/codecs/Tiff.h"
 
 #include <algorithm>
@@ -18,7 +21,8 @@ namespace {
 constexpr std::array kCodecs{
     Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg}, Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
     Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},     Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
-    Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
+    Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},     Codec{"Sun raster", "RAS", IsRas, ReadRas, WriteRas},
+    Codec{"PCX", "PCX", IsPcx, ReadPcx, WritePcx},     Codec{"Targa", "TGA", IsTga, ReadTga, WriteTga},
 };
 
 bool SameLetters(std::string_view a, std::string_view b) noexcept {
