@@ -58,12 +58,12 @@ void YccToRgb(std::uint16_t* pixel, int neutralBlue, int neutralRed) {
     pixel[2] = Clamped(luma + 1.772F * blue);
 }
 
-// The ranges that hold where the file gives none: a* spans 170 about its neutral level, b* 200 about three
-// eighths of its range.
-void ToPlainLab(std::uint16_t* pixel) {
+// The ranges that hold where the file gives none: a* spans 170 about the middle of its samples, b* 200 about
+// three eighths of them.
+void ToPlainLab(std::uint16_t* pixel, int neutralA, int neutralB) {
     constexpr float kUnit = 256;
-    const float a = (static_cast<float>(pixel[1]) / kWhite - 0.5F) * 170;
-    const float b = (static_cast<float>(pixel[2]) / kWhite - 0.375F) * 200;
+    const float a = static_cast<float>(pixel[1] - neutralA) / kWhite * 170;
+    const float b = static_cast<float>(pixel[2] - neutralB) / kWhite * 200;
     pixel[1] = Clamped((a + 128) * kUnit);
     pixel[2] = Clamped((b + 128) * kUnit);
 }
@@ -272,7 +272,8 @@ void J2kColouring::ConvertAnyRow(const std::vector<Plane>& planes, const J2kArea
         if (space_ == J2kSpace::Ycc) {
             YccToRgb(&samples[x * samplesAPixel_], sources_[1].neutral, sources_[2].neutral);
         } else if (space_ == J2kSpace::Lab) {
-            ToPlainLab(&samples[x * samplesAPixel_]);
+            ToPlainLab(&samples[x * samplesAPixel_], sources_[1].neutral,
+                       sources_[2].levels[sources_[2].levels.size() * 3 / 8]);
         }
     }
     converter_.ConvertRow(samples.data(), bgra, static_cast<int>(pixels));

@@ -81,7 +81,9 @@ void AppendHeader(ByteBuffer& file, const PixelArray& picture, bool withAlpha) {
     AppendLittleEndian16(file, static_cast<std::uint32_t>(picture.Width()));
     AppendLittleEndian16(file, static_cast<std::uint32_t>(picture.Height()));
     file.push_back(withAlpha ? 32 : 24);
-    file.push_back(withAlpha ? 8 : 0); // bits of alpha; bottom row first, which every program reads
+    // Bits of alpha, and top row first: some programs show rows that stand the other way upside down.
+    constexpr std::uint8_t kTopDown = 0x20;
+    file.push_back(kTopDown | (withAlpha ? 8 : 0));
 }
 
 void AppendFooter(ByteBuffer& file, bool withAlpha) {
@@ -102,9 +104,8 @@ ByteBuffer WriteTga(const PixelArray& picture, const WriteOptions& /*options*/) 
     const TgaRowPacker packer(picture.Width(), withAlpha);
     ByteBuffer file;
     AppendHeader(file, picture, withAlpha);
-    AppendRows(file, picture.Height(), packer.LongestRow(), [&](int row, std::uint8_t* out) {
-        return packer.Pack(picture.Row(picture.Height() - 1 - row), out);
-    });
+    AppendRows(file, picture.Height(), packer.LongestRow(),
+               [&](int row, std::uint8_t* out) { return packer.Pack(picture.Row(row), out); });
     AppendFooter(file, withAlpha);
     return file;
 }
