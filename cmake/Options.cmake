@@ -14,6 +14,9 @@ if(PICTOREL_SANITIZE)
     -fno-omit-frame-pointer)
   target_link_options(pictorel_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(PICTOREL_FUZZ) # the coverage that the fuzzer steers by; its main comes with the targets themselves
+  target_compile_options(pictorel_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # pictorel_library(NAME source... ): a static library of ours under the common options.
 function(pictorel_library name)

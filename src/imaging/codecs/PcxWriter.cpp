@@ -21,14 +21,19 @@ std::uint8_t* PackPlane(const std::uint8_t* plane, int planeBytes, std::uint8_t*
     const std::uint8_t* const end = plane + planeBytes;
     while (plane < end) {
         const std::uint8_t value = *plane;
+        if (plane + 1 == end || plane[1] != value) { // in photos nearly always, so without a branch
+            *out = kRun | 1;
+            out += value >= kRun ? 1 : 0;
+            *out++ = value;
+            ++plane;
+            continue;
+        }
         const std::uint8_t* const limit = plane + std::min(kLongestRun, end - plane);
-        const std::uint8_t* next = plane + 1;
+        const std::uint8_t* next = plane + 2;
         while (next < limit && *next == value) {
             ++next;
         }
-        if (next - plane > 1 || value >= kRun) {
-            *out++ = static_cast<std::uint8_t>(kRun | (next - plane));
-        }
+        *out++ = static_cast<std::uint8_t>(kRun | (next - plane));
         *out++ = value;
         plane = next;
     }
