@@ -14,15 +14,15 @@ namespace {
 constexpr int kWhite = 65535;
 
 struct SpaceTraits {
-    J2kSpace space;
     std::size_t colours;
-    SampleLayout layout;
     std::size_t samplesAPixel; // of the layout
+    J2kSpace space;
+    SampleLayout layout;
 };
 constexpr SpaceTraits kSpaceTraits[] = {
-    {J2kSpace::Unsaid, 3, SampleLayout::Rgba16, 4}, {J2kSpace::Grey, 1, SampleLayout::Grey16, 1},
-    {J2kSpace::Rgb, 3, SampleLayout::Rgba16, 4},    {J2kSpace::Ycc, 3, SampleLayout::Rgba16, 4},
-    {J2kSpace::Cmyk, 4, SampleLayout::Cmyk16, 4},   {J2kSpace::Lab, 3, SampleLayout::Lab16, 3},
+    {3, 4, J2kSpace::Unsaid, SampleLayout::Rgba16}, {1, 1, J2kSpace::Grey, SampleLayout::Grey16},
+    {3, 4, J2kSpace::Rgb, SampleLayout::Rgba16},    {3, 4, J2kSpace::Ycc, SampleLayout::Rgba16},
+    {4, 4, J2kSpace::Cmyk, SampleLayout::Cmyk16},   {3, 3, J2kSpace::Lab, SampleLayout::Lab16},
 };
 
 constexpr bool TraitsStandInOrder() {

@@ -15,7 +15,8 @@ struct J2kDecoder::Implementation {
     J2kImage image;
     bool isAtEnd = false;
 
-    explicit Implementation(const J2kStream& stream) : source{stream.usable}, bytes(MakeReadStream(source)) {
+    explicit Implementation(const J2kStream& stream)
+        : source{stream.usable, stream.cutLengthAt, stream.trueLength}, bytes(MakeReadStream(source)) {
         if (!codec) {
             throw std::bad_alloc();
         }

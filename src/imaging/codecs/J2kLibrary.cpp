@@ -19,6 +19,13 @@ OPJ_SIZE_T ReadBytes(void* out, OPJ_SIZE_T bytes, void* user) {
         return kNothing;
     }
     std::memcpy(out, source.data.data() + source.at, count);
+    for (std::size_t i = 0; source.patchAt != 0 && i < 4; ++i) {
+        const std::size_t place = source.patchAt + i;
+        if (place >= source.at && place < source.at + count) {
+            static_cast<std::uint8_t*>(out)[place - source.at] =
+                static_cast<std::uint8_t>(source.patch >> (24 - 8 * i));
+        }
+    }
     source.at += count;
     return count;
 }

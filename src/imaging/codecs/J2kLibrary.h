@@ -24,6 +24,8 @@ using J2kByteStream = std::unique_ptr<opj_stream_t, J2kDeleter<opj_stream_destro
 // A codestream in memory and how far it is read.
 struct J2kSource {
     ByteView data;
+    std::size_t patchAt = 0; // 0 or where four bytes read as the number `patch`, the high one first
+    std::uint32_t patch = 0;
     std::size_t at = 0;
 };
 J2kByteStream MakeReadStream(J2kSource& source);

@@ -102,6 +102,10 @@ class StreamReader {
         WeighPackets();
         ++tileParts_;
         const bool isLast = length == 0 || length > data_.size() - at;
+        if (length != 0 && isLast) {
+            stream_.cutLengthAt = at + 6;
+            stream_.trueLength = static_cast<std::uint32_t>(data_.size() - at);
+        }
         at = isLast ? data_.size() : at + length;
         constexpr std::size_t kEndMarkerBytes = 2;
         end_ = at + kEndMarkerBytes;
@@ -172,7 +176,7 @@ class StreamReader {
         const auto components = static_cast<std::int64_t>(stream_.components.size());
         std::int64_t precincts = 0;
         for (int r = 0; r <= levels; ++r) {
-            const int size = hasPrecincts ? ByteAt(coding, static_cast<std::size_t>(5 + r)) : 0xFF;
+            const int size = hasPrecincts ? ByteAt(coding, 5 + static_cast<std::size_t>(r)) : 0xFF;
             const int reduction = levels - r;
             const auto across = [reduction](std::int64_t length, int bits) {
                 return (length >> reduction >> bits) + 2; // one more for either end that is cut

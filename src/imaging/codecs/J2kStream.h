@@ -34,6 +34,10 @@ struct J2kStream {
     std::int64_t stepX = 1; // from pixel to pixel: that of the finest component
     std::int64_t stepY = 1;
     ByteView usable; // the codestream as far as its tile parts make sense
+    // Where the length of the last tile part stands when the file holds less of it; 0: all parts are whole.
+    // The library would take memory for the length claimed.
+    std::size_t cutLengthAt = 0;
+    std::uint32_t trueLength = 0;
 
     // A part of the reference grid in pixels of the picture, from its upper left corner on.
     J2kArea PixelsOf(const J2kArea& part) const;

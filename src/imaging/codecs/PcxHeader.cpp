@@ -69,14 +69,14 @@ bool IsCgaPalette(ByteView palette, const PcxHeader& header) {
 }
 
 PcxPalette MakeCgaPalette(ByteView palette) {
-    const std::size_t background = ByteAt(palette, 0) >> 4;
+    const unsigned background = ByteAt(palette, 0) >> 4U;
     const std::uint8_t choice = ByteAt(palette, 3);
     const auto& set = kCgaSets[(choice & 0x40) != 0 ? 1 : 0];
-    const int bright = (choice & 0x20) != 0 ? 8 : 0;
+    const std::size_t bright = (choice & 0x20) != 0 ? 8 : 0;
     PcxPalette result{};
     result[0] = Bgra(kDisplayColours[background]);
     for (std::size_t i = 0; i < 3; ++i) {
-        result[i + 1] = Bgra(kDisplayColours[static_cast<std::size_t>(set[i] + bright)]);
+        result[i + 1] = Bgra(kDisplayColours[static_cast<std::size_t>(set[i]) + bright]);
     }
     return result;
 }
