@@ -235,6 +235,24 @@ TEST(J2k, KeepsProfileResolutionAndExif) {
     EXPECT_FALSE(Read(file).Details().icc.empty());
 }
 
+// The strongest colours side by side ask for more bits than the library sets aside for their differences.
+TEST(J2k, KeepsTheStrongestColours) {
+    PixelArray picture(64, 64);
+    std::uint32_t random = 3;
+    std::uint8_t* const rows = picture.WritableRows();
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            std::uint8_t* const pixel = rows + y * picture.Stride() + std::ptrdiff_t{4} * x;
+            random = random * 1664525 + 1013904223;
+            const bool isBlue = (random >> 30) % 2 == 0;
+            pixel[0] = isBlue ? 255 : 0;
+            pixel[1] = pixel[2] = isBlue ? 0 : 255;
+            pixel[3] = 255;
+        }
+    }
+    EXPECT_TRUE(SamePixels(Read(Write("j2k", picture)), picture));
+}
+
 TEST(J2k, LowerQualityIsSmallerAndStillThePicture) {
     const PixelArray picture = MakePicture(200, 200);
     const auto size = [&](int quality) {

@@ -8,12 +8,34 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstdlib>
 
 namespace pictorel::codecs {
 namespace {
 
 constexpr int kTileSide = 1024; // its coefficients stay in the cache, and memory small
 constexpr int kLosslessQuality = 100;
+
+// The reversible colour transform makes red - green and blue - green, of nine bits, but the library sets
+// aside bits for eight: strong enough differences would come back wrong.
+bool ColourTransformIsSafe(const PixelArray& picture) {
+    constexpr int kMostDifference = 127;
+    std::atomic<bool> isSafe = true;
+    ForEachBand(picture.Height(), picture.RowBytes(), [&](int first, int end) {
+        int most = 0;
+        for (int y = first; y < end; ++y) {
+            const std::uint8_t* pixel = picture.Row(y);
+            for (int x = 0; x < picture.Width(); ++x, pixel += PixelArray::kComponents) {
+                most = std::max({most, std::abs(pixel[0] - pixel[1]), std::abs(pixel[2] - pixel[1])});
+            }
+        }
+        if (most > kMostDifference) {
+            isSafe = false;
+        }
+    });
+    return isSafe;
+}
 
 class J2kEncoder {
   public:
@@ -70,8 +92,9 @@ class J2kEncoder {
         opj_set_default_encoder_parameters(&parameters);
         parameters.cp_comment = comment_.data();
         parameters.tcp_numlayers = 1;
-        parameters.tcp_mct = 1; // colours are decorrelated, alpha is not touched
-        if (quality >= kLosslessQuality) {
+        const bool isLossless = quality >= kLosslessQuality;
+        parameters.tcp_mct = !isLossless || ColourTransformIsSafe(picture_) ? 1 : 0; // alpha stands outside
+        if (isLossless) {
             parameters.cp_disto_alloc = 1;
             parameters.tcp_rates[0] = 0;
         } else { // 26 dB, where artefacts are plain to see, to 50 dB, where none are
