@@ -173,7 +173,9 @@ class TgaReader {
     void Place(int fileRow, const std::uint8_t* data, int present) const {
         const int y = header_.topDown ? fileRow : header_.height - 1 - fileRow;
         std::uint8_t* const bgra = rows_ + y * picture_.Stride();
-        pixels_.Convert(data, bgra, present);
+        if (present > 0) { // else there is not even a place to read from
+            pixels_.Convert(data, bgra, present);
+        }
         std::memset(bgra + present * PixelArray::kComponents, 0xFF,
                     static_cast<std::size_t>(header_.width - present) * PixelArray::kComponents);
         if (header_.rightToLeft) {
