@@ -5,7 +5,7 @@
 
 namespace pictorel {
 
-inline constexpr int kMaximumSide = 32767; // pixels; sizes are 16-bit signed numbers above
+inline constexpr int kMaximumSide = 32767;      // pixels; sizes are 16-bit signed numbers above
 #ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION // the fuzzers' own name: they want many small pictures
 inline constexpr std::int64_t kMaximumPixels = std::int64_t{1} << 18;
 #else
