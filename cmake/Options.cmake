@@ -14,6 +14,10 @@ if(PICTOREL_SANITIZE)
     -fno-omit-frame-pointer)
   target_link_options(pictorel_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(PICTOREL_FUZZ) # the coverage that the fuzzer steers by, and small pictures; its main comes with the targets
+  target_compile_definitions(pictorel_options INTERFACE FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION)
+  target_compile_options(pictorel_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # pictorel_library(NAME source... ): a static library of ours under the common options.
 function(pictorel_library name)

@@ -11,8 +11,9 @@ struct Format {
     bool isExact; // pixels come back as they were
     bool holdsAlpha;
 };
-constexpr Format kFormats[] = {
-    {"PNG", true, true}, {"GIF", false, false}, {"TIF", true, true}, {"BMP", true, false}};
+constexpr Format kFormats[] = {{"PNG", true, true},  {"GIF", false, false}, {"TIF", true, true},
+                               {"BMP", true, false}, {"J2K", true, true},   {"RAS", true, false},
+                               {"PCX", true, false}, {"TGA", true, true}};
 
 TEST(Formats, RoundTripPicturesOfAllShapes) {
     constexpr struct {

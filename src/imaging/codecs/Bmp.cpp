@@ -133,21 +133,15 @@ PixelArray ReadEmbedded(const BmpHeader& header, const ReadOptions& options) {
     return codec->read(header.pixels, options);
 }
 
-// An alpha channel in which everything is transparent is a channel that a program left unset. Rows that the
-// file does not hold say nothing about it.
-void JudgeAlpha(const BmpHeader& header, PixelArray& picture) {
+// Rows that the file does not hold say nothing about its alpha.
+void JudgeAlphaOfRowsPresent(const BmpHeader& header, PixelArray& picture) {
     if (header.masks[3] == 0) {
         return;
     }
     const auto present = static_cast<int>(std::min<std::size_t>(header.pixels.size() / header.FileRowBytes(),
                                                                 static_cast<std::size_t>(header.height)));
     const int firstRow = header.topDown ? 0 : header.height - present;
-    const AlphaRange range = FindAlphaRange(picture, firstRow, firstRow + present);
-    if (range.highest == 0 || present == 0) {
-        MakeOpaque(picture);
-    } else {
-        picture.SetHasAlpha(range.lowest < 255);
-    }
+    JudgeAlpha(picture, firstRow, firstRow + present);
 }
 
 } // namespace
@@ -163,7 +157,7 @@ PixelArray ReadBmp(ByteView file, const ReadOptions& options) {
     PixelArray picture(header.width, header.height);
     if (header.compression == BmpCompression::None || header.compression == BmpCompression::BitFields) {
         DecodeRawRows(header, picture);
-        JudgeAlpha(header, picture);
+        JudgeAlphaOfRowsPresent(header, picture);
     } else {
         FillWhite(picture, 0, header.height);
         DecodeBmpRunLengths(header, picture);

@@ -31,6 +31,9 @@ inline std::uint32_t LittleEndian32(ByteView file, std::size_t offset) noexcept 
 inline std::int32_t LittleEndianSigned32(ByteView file, std::size_t offset) noexcept {
     return static_cast<std::int32_t>(LittleEndian32(file, offset));
 }
+inline std::uint16_t BigEndian16(ByteView file, std::size_t offset) noexcept {
+    return static_cast<std::uint16_t>(ByteAt(file, offset) << 8 | ByteAt(file, offset + 1));
+}
 inline std::uint32_t BigEndian32(ByteView file, std::size_t offset) noexcept {
     return std::uint32_t{ByteAt(file, offset)} << 24 | std::uint32_t{ByteAt(file, offset + 1)} << 16 |
            std::uint32_t{ByteAt(file, offset + 2)} << 8 | ByteAt(file, offset + 3);
@@ -49,6 +52,14 @@ inline void AppendLittleEndian16(ByteBuffer& out, std::uint32_t value) {
 inline void AppendLittleEndian32(ByteBuffer& out, std::uint32_t value) {
     AppendLittleEndian16(out, value);
     AppendLittleEndian16(out, value >> 16);
+}
+inline void AppendBigEndian16(ByteBuffer& out, std::uint32_t value) {
+    out.push_back(static_cast<std::uint8_t>(value >> 8));
+    out.push_back(static_cast<std::uint8_t>(value));
+}
+inline void AppendBigEndian32(ByteBuffer& out, std::uint32_t value) {
+    AppendBigEndian16(out, value >> 16);
+    AppendBigEndian16(out, value);
 }
 
 } // namespace pictorel::codecs

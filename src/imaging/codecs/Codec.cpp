@@ -3,8 +3,12 @@
 
 #include "imaging/codecs/Bmp.h"
 #include "imaging/codecs/Gif.h"
+#include "imaging/codecs/J2k.h"
 #include "imaging/codecs/JpegCodec.h"
+#include "imaging/codecs/Pcx.h"
 #include "imaging/codecs/Png.h"
+#include "imaging/codecs/Ras.h"
+#include "imaging/codecs/Tga.h"
 #include "imaging/codecs/Tiff.h"
 
 #include <algorithm>
@@ -16,9 +20,11 @@ namespace {
 
 // Asked from the top: those with a sure signature first.
 constexpr std::array kCodecs{
-    Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg}, Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
-    Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},     Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
-    Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},
+    Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},   Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
+    Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},       Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
+    Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},       Codec{"Sun raster", "RAS", IsRas, ReadRas, WriteRas},
+    Codec{"JPEG 2000", "J2K", IsJ2k, ReadJ2k, WriteJ2k}, Codec{"PCX", "PCX", IsPcx, ReadPcx, WritePcx},
+    Codec{"Targa", "TGA", IsTga, ReadTga, WriteTga},
 };
 
 bool SameLetters(std::string_view a, std::string_view b) noexcept {

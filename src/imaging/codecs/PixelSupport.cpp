@@ -71,6 +71,30 @@ void SettleAlpha(PixelArray& picture) {
     picture.SetHasAlpha(FindAlphaRange(picture, 0, picture.Height()).lowest < 255);
 }
 
+void JudgeAlpha(PixelArray& picture, int firstRow, int endRow) {
+    const AlphaRange range = FindAlphaRange(picture, firstRow, endRow);
+    if (range.highest == 0 || firstRow == endRow) {
+        MakeOpaque(picture);
+    } else {
+        picture.SetHasAlpha(range.lowest < 255);
+    }
+}
+
+void Unpremultiply(PixelArray& picture) {
+    std::uint8_t* const rows = picture.WritableRows();
+    ForEachBand(picture.Height(), picture.RowBytes(), [&](int first, int end) {
+        for (int y = first; y < end; ++y) {
+            std::uint8_t* pixel = rows + y * picture.Stride();
+            for (int x = 0; x < picture.Width(); ++x, pixel += PixelArray::kComponents) {
+                const int alpha = pixel[3];
+                for (int k = 0; alpha != 0 && alpha != 255 && k < 3; ++k) {
+                    pixel[k] = static_cast<std::uint8_t>(std::min((pixel[k] * 255 + alpha / 2) / alpha, 255));
+                }
+            }
+        }
+    });
+}
+
 void MakeOpaque(PixelArray& picture) {
     std::uint8_t* const rows = picture.WritableRows();
     ForEachBand(picture.Height(), picture.RowBytes(), [&](int first, int end) {

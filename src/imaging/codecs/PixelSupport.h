@@ -30,6 +30,14 @@ AlphaRange FindAlphaRange(const PixelArray& picture, int firstRow, int endRow);
 // Sets HasAlpha() by what the pixels hold: true where some are not opaque.
 void SettleAlpha(PixelArray& picture);
 
+// Settles HasAlpha() where only the pixels themselves tell whether their fourth byte means anything: alpha
+// that is 0 everywhere was never set, and the picture is made opaque. Looks at rows firstRow <= y < endRow,
+// those that the file holds.
+void JudgeAlpha(PixelArray& picture, int firstRow, int endRow);
+
+// Turns colour that was multiplied by its alpha into plain colour.
+void Unpremultiply(PixelArray& picture);
+
 // Makes every pixel opaque, HasAlpha() false.
 void MakeOpaque(PixelArray& picture);
 

@@ -1,0 +1,312 @@
+// The colours of JPEG 2000 pictures, see J2kColouring.h.
+#include "imaging/codecs/J2kColouring.h"
+
+#include "imaging/ForEachBand.h"
+#include "imaging/codecs/PixelSupport.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace pictorel::codecs {
+namespace {
+
+constexpr int kWhite = 65535;
+
+struct SpaceTraits {
+    std::size_t colours;
+    std::size_t samplesAPixel; // of the layout
+    J2kSpace space;
+    SampleLayout layout;
+};
+constexpr SpaceTraits kSpaceTraits[] = {
+    {3, 4, J2kSpace::Unsaid, SampleLayout::Rgba16}, {1, 1, J2kSpace::Grey, SampleLayout::Grey16},
+    {3, 4, J2kSpace::Rgb, SampleLayout::Rgba16},    {3, 4, J2kSpace::Ycc, SampleLayout::Rgba16},
+    {4, 4, J2kSpace::Cmyk, SampleLayout::Cmyk16},   {3, 3, J2kSpace::Lab, SampleLayout::Lab16},
+};
+
+constexpr bool TraitsStandInOrder() {
+    for (std::size_t i = 0; i < std::size(kSpaceTraits); ++i) {
+        if (static_cast<std::size_t>(kSpaceTraits[i].space) != i) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(TraitsStandInOrder());
+
+const SpaceTraits& TraitsOf(J2kSpace space) {
+    return kSpaceTraits[static_cast<std::size_t>(space)];
+}
+
+std::uint16_t Widened(std::int64_t value, int bits) {
+    const std::int64_t most = (std::int64_t{1} << bits) - 1;
+    return static_cast<std::uint16_t>((std::clamp<std::int64_t>(value, 0, most) * kWhite + most / 2) / most);
+}
+
+std::uint16_t Clamped(float level) {
+    return static_cast<std::uint16_t>(std::clamp(std::lround(level), 0L, long{kWhite}));
+}
+
+// ITU-R BT.601, as the standard's sYCC has it.
+void YccToRgb(std::uint16_t* pixel, int neutralBlue, int neutralRed) {
+    const auto luma = static_cast<float>(pixel[0]);
+    const auto blue = static_cast<float>(pixel[1] - neutralBlue);
+    const auto red = static_cast<float>(pixel[2] - neutralRed);
+    pixel[0] = Clamped(luma + 1.402F * red);
+    pixel[1] = Clamped(luma - 0.344136F * blue - 0.714136F * red);
+    pixel[2] = Clamped(luma + 1.772F * blue);
+}
+
+// The ranges that hold where the file gives none: a* spans 170 about the middle of its samples, b* 200 about
+// three eighths of them.
+void ToPlainLab(std::uint16_t* pixel, int neutralA, int neutralB) {
+    constexpr float kUnit = 256;
+    const float a = static_cast<float>(pixel[1] - neutralA) / kWhite * 170;
+    const float b = static_cast<float>(pixel[2] - neutralB) / kWhite * 200;
+    pixel[1] = Clamped((a + 128) * kUnit);
+    pixel[2] = Clamped((b + 128) * kUnit);
+}
+
+// A grey, or three components of which two are coarser, tell what they are without boxes.
+J2kSpace GuessSpace(const J2kStream& stream, const Jp2Boxes& boxes) {
+    if (boxes.space != J2kSpace::Unsaid) {
+        return boxes.space;
+    }
+    const std::size_t channels = boxes.channels.empty() ? stream.components.size() : boxes.channels.size();
+    if (channels < 3) {
+        return J2kSpace::Grey;
+    }
+    const bool isSubsampled = stream.components.size() >= 3 && stream.components[0].stepX == stream.stepX &&
+                              stream.components[1].stepX > stream.stepX &&
+                              stream.components[2].stepX > stream.stepX;
+    return isSubsampled ? J2kSpace::Ycc : J2kSpace::Rgb;
+}
+
+} // namespace
+
+J2kColouring::J2kColouring(const J2kStream& stream, const Jp2Boxes& boxes)
+    : stream_(stream), boxes_(boxes), space_(GuessSpace(stream, boxes)) {
+    AssignChannels();
+    samplesAPixel_ = TraitsOf(space_).samplesAPixel;
+    isPlain_ = IsPlainBytes();
+    if (!isPlain_) {
+        converter_ = ColourConverter(TraitsOf(space_).layout, boxes.icc);
+    }
+}
+
+// Every channel of the file, in its order.
+std::vector<J2kColouring::Source> J2kColouring::FindSources() const {
+    std::vector<Jp2Boxes::Channel> channels = boxes_.channels;
+    const auto isWrong = [this](const Jp2Boxes::Channel& c) {
+        return c.component >= static_cast<int>(stream_.components.size()) ||
+               c.column >= static_cast<int>(boxes_.palette.columns.size());
+    };
+    if (channels.empty() || std::any_of(channels.begin(), channels.end(), isWrong)) {
+        channels.clear();
+        for (int i = 0; i < static_cast<int>(stream_.components.size()); ++i) {
+            channels.push_back({i, Jp2Boxes::kNoColumn});
+        }
+    }
+    channels.resize(std::min<std::size_t>(channels.size(), 8)); // more than any picture has
+    std::vector<Source> sources;
+    for (const Jp2Boxes::Channel& channel : channels) {
+        Source source;
+        source.component = static_cast<std::size_t>(channel.component);
+        const int bits = stream_.components[source.component].bits;
+        source.levels.resize(std::size_t{1} << bits);
+        for (std::size_t sample = 0; sample < source.levels.size(); ++sample) {
+            if (channel.column == Jp2Boxes::kNoColumn) {
+                source.levels[sample] = Widened(static_cast<std::int64_t>(sample), bits);
+            } else {
+                const auto& column = boxes_.palette.columns[static_cast<std::size_t>(channel.column)];
+                const std::size_t entry = std::min(sample, column.values.size() - 1);
+                source.levels[sample] = Widened(column.values[entry], column.bits);
+            }
+        }
+        source.neutral = source.levels[source.levels.size() / 2];
+        sources.push_back(std::move(source));
+    }
+    return sources;
+}
+
+void J2kColouring::AssignChannels() {
+    std::vector<Source> sources = FindSources();
+    colours_ = TraitsOf(space_).colours;
+    if (sources.size() < colours_) { // it says more colours than it has
+        space_ = J2kSpace::Grey;
+        colours_ = 1;
+    }
+    std::vector<std::size_t> order(colours_);
+    for (std::size_t i = 0; i < colours_; ++i) {
+        order[i] = i;
+    }
+    std::size_t alphaAt = sources.size() > colours_ && boxes_.definitions.empty() ? colours_ : sources.size();
+    alpha_ = alphaAt < sources.size() ? Alpha::Unsure : Alpha::None;
+    for (const Jp2Boxes::Definition& definition : boxes_.definitions) {
+        const auto channel = static_cast<std::size_t>(definition.channel);
+        const auto colour = static_cast<std::size_t>(definition.association) - 1;
+        if (channel >= sources.size()) {
+            continue;
+        }
+        if (definition.role == Jp2Boxes::Role::Colour && colour < colours_) {
+            order[colour] = channel;
+        } else if (definition.role == Jp2Boxes::Role::Alpha) {
+            alphaAt = channel;
+            alpha_ = Alpha::Plain;
+        } else if (definition.role == Jp2Boxes::Role::PremultipliedAlpha) {
+            alphaAt = channel;
+            alpha_ = Alpha::Premultiplied;
+        }
+    }
+    for (const std::size_t channel : order) {
+        sources_.push_back(sources[channel]);
+    }
+    if (alpha_ != Alpha::None) {
+        sources_.push_back(sources[alphaAt]);
+    }
+}
+
+bool J2kColouring::IsPlainBytes() const {
+    const bool isGrey = space_ == J2kSpace::Grey && boxes_.icc.empty();
+    return (space_ == J2kSpace::Rgb || isGrey) && boxes_.palette.columns.empty() &&
+           std::all_of(sources_.begin(), sources_.end(), [this](const Source& source) {
+               const J2kComponent& c = stream_.components[source.component];
+               return c.bits == 8 && !c.isSigned && c.stepX == stream_.stepX && c.stepY == stream_.stepY;
+           });
+}
+
+std::vector<J2kColouring::Plane> J2kColouring::PlanesOf(const J2kTile& tile) const {
+    std::vector<Plane> planes;
+    std::size_t at = 0;
+    for (const J2kComponent& component : stream_.components) {
+        const J2kArea area = tile.area.Sampled(component.stepX, component.stepY);
+        planes.push_back({tile.samples.data() + at, area});
+        at += static_cast<std::size_t>(area.Width() * area.Height()) * (component.bits > 8 ? 2 : 1);
+    }
+    if (at > tile.samples.size()) {
+        Refuse("The JPEG 2000 file has a tile of another size than it says.");
+    }
+    return planes;
+}
+
+void J2kColouring::Convert(const J2kTile& tile, PixelArray& picture) const {
+    const J2kArea part = stream_.PixelsOf(tile.area);
+    if (part.x0 < 0 || part.y0 < 0 || part.x1 > picture.Width() || part.y1 > picture.Height()) {
+        Refuse("The JPEG 2000 file has a tile outside its picture.");
+    }
+    const std::vector<Plane> planes = PlanesOf(tile);
+    std::uint8_t* const first =
+        picture.WritableRows() + part.y0 * picture.Stride() + part.x0 * PixelArray::kComponents;
+    const auto bytesPerRow =
+        static_cast<std::size_t>(part.Width()) * PixelArray::kComponents * (isPlain_ ? 2U : 16U);
+    ForEachBand(static_cast<int>(part.Height()), bytesPerRow, [&](int begin, int end) {
+        for (int row = begin; row < end; ++row) {
+            std::uint8_t* const bgra = first + row * picture.Stride();
+            if (isPlain_) {
+                ConvertPlainRow(planes, row, bgra, static_cast<int>(part.Width()));
+            } else {
+                ConvertAnyRow(planes, part, row, bgra);
+            }
+        }
+    });
+}
+
+void J2kColouring::ConvertPlainRow(const std::vector<Plane>& planes, std::int64_t row, std::uint8_t* bgra,
+                                   int pixels) const {
+    const auto rowOf = [&](std::size_t source) {
+        const Plane& plane = planes[sources_[std::min(source, sources_.size() - 1)].component];
+        return plane.data + row * plane.area.Width();
+    };
+    const std::uint8_t* const red = rowOf(0);
+    const std::uint8_t* const green = colours_ == 1 ? red : rowOf(1);
+    const std::uint8_t* const blue = colours_ == 1 ? red : rowOf(2);
+    const std::uint8_t* const alpha = alpha_ == Alpha::None ? nullptr : rowOf(colours_);
+    for (int x = 0; x < pixels; ++x, bgra += PixelArray::kComponents) {
+        bgra[0] = blue[x];
+        bgra[1] = green[x];
+        bgra[2] = red[x];
+        bgra[3] = alpha == nullptr ? std::uint8_t{255} : alpha[x];
+    }
+}
+
+// The levels of one channel for the pixels of a row, `step` apart; samples of a coarser grid serve several.
+void J2kColouring::FetchRow(const Source& source, const Plane& plane, const J2kArea& part, std::int64_t row,
+                            std::uint16_t* out, std::size_t step) const {
+    const J2kComponent& component = stream_.components[source.component];
+    const J2kArea whole = stream_.grid.Sampled(stream_.stepX, stream_.stepY);
+    const auto count = static_cast<std::size_t>(part.Width());
+    if (plane.area.Width() == 0 || plane.area.Height() == 0) { // a sliver of a tile between coarse samples
+        for (std::size_t x = 0; x < count; ++x) {
+            out[x * step] = static_cast<std::uint16_t>(source.neutral);
+        }
+        return;
+    }
+    const std::int64_t gridY = (whole.y0 + part.y0 + row) * stream_.stepY;
+    const std::int64_t y =
+        std::clamp(gridY / component.stepY, plane.area.y0, plane.area.y1 - 1) - plane.area.y0;
+    const bool isWide = component.bits > 8;
+    const std::uint8_t* const data = plane.data + y * plane.area.Width() * (isWide ? 2 : 1);
+    const std::size_t mask = source.levels.size() - 1;
+    const std::size_t base = component.isSigned ? source.levels.size() / 2 : 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::int64_t gridX = (whole.x0 + part.x0 + static_cast<std::int64_t>(i)) * stream_.stepX;
+        const std::int64_t x =
+            std::clamp(gridX / component.stepX, plane.area.x0, plane.area.x1 - 1) - plane.area.x0;
+        std::uint16_t sample = data[x];
+        if (isWide) {
+            std::memcpy(&sample, data + 2 * x, sizeof sample);
+        }
+        out[i * step] = source.levels[(sample + base) & mask]; // two's complement moved up
+    }
+}
+
+void J2kColouring::ConvertAnyRow(const std::vector<Plane>& planes, const J2kArea& part, std::int64_t row,
+                                 std::uint8_t* bgra) const {
+    const auto pixels = static_cast<std::size_t>(part.Width());
+    Levels samples(pixels * samplesAPixel_, kWhite);
+    for (std::size_t i = 0; i < colours_; ++i) {
+        FetchRow(sources_[i], planes[sources_[i].component], part, row, samples.data() + i, samplesAPixel_);
+    }
+    for (std::size_t x = 0; x < pixels; ++x) {
+        if (space_ == J2kSpace::Ycc) {
+            YccToRgb(&samples[x * samplesAPixel_], sources_[1].neutral, sources_[2].neutral);
+        } else if (space_ == J2kSpace::Lab) {
+            ToPlainLab(&samples[x * samplesAPixel_], sources_[1].neutral,
+                       sources_[2].levels[sources_[2].levels.size() * 3 / 8]);
+        }
+    }
+    converter_.ConvertRow(samples.data(), bgra, static_cast<int>(pixels));
+    if (alpha_ != Alpha::None) {
+        const Source& source = sources_[colours_];
+        Levels alpha(pixels);
+        FetchRow(source, planes[source.component], part, row, alpha.data(), 1);
+        for (std::size_t x = 0; x < pixels; ++x) {
+            bgra[x * PixelArray::kComponents + 3] =
+                static_cast<std::uint8_t>((alpha[x] * 255U + kWhite / 2) / kWhite);
+        }
+    }
+}
+
+void J2kColouring::Finish(PixelArray& picture) const {
+    if (alpha_ == Alpha::Unsure) {
+        JudgeAlpha(picture, 0, picture.Height());
+    } else if (alpha_ != Alpha::None) {
+        SettleAlpha(picture);
+    }
+    if (alpha_ == Alpha::Premultiplied) {
+        Unpremultiply(picture);
+    }
+    if (boxes_.icc.empty()) {
+        return;
+    }
+    if (isPlain_) {
+        ConvertToSrgb(picture, boxes_.icc);
+    } else {
+        Metadata details = picture.Details();
+        details.icc = ProfileAfterConversion(boxes_.icc);
+        picture.SetDetails(std::move(details));
+    }
+}
+
+} // namespace pictorel::codecs

@@ -1,0 +1,34 @@
+// Decodes a JPEG 2000 codestream a tile at a time.
+#pragma once
+
+#include "imaging/codecs/J2kStream.h"
+
+#include <memory>
+#include <vector>
+
+namespace pictorel::codecs {
+
+// The samples of a tile, one component after another, rows without gaps: of up to 8 bits in a byte each,
+// others in native 16-bit numbers.
+struct J2kTile {
+    J2kArea area; // on the reference grid
+    ByteBuffer samples;
+};
+
+class J2kDecoder {
+  public:
+    // The stream has to live as long as the decoder.
+    explicit J2kDecoder(const J2kStream& stream);
+    ~J2kDecoder();
+    J2kDecoder(const J2kDecoder&) = delete;
+    J2kDecoder& operator=(const J2kDecoder&) = delete;
+
+    // The next tile that the file holds, in its order. False at the end and where damage keeps the rest away.
+    bool Next(J2kTile& tile);
+
+  private:
+    struct Implementation;
+    std::unique_ptr<Implementation> implementation_;
+};
+
+} // namespace pictorel::codecs

@@ -1,0 +1,17 @@
+// Sun raster pictures (.ras).
+#pragma once
+
+#include "imaging/codecs/Codec.h"
+
+namespace pictorel::codecs {
+
+bool IsRas(ByteView file) noexcept;
+
+// Reads types 0 to 3: 1, 4, 8, 24 and 32 bits a pixel, colour maps, run lengths.
+PixelArray ReadRas(ByteView file, const ReadOptions& options);
+
+// Writes 24 bits a pixel as they are (type 1): the one form that every program reads, whatever the width.
+// Transparency is laid over white.
+ByteBuffer WriteRas(const PixelArray& picture, const WriteOptions& options);
+
+} // namespace pictorel::codecs

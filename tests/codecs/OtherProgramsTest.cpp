@@ -1,0 +1,78 @@
+// Files that we wrote, read by other people's programs where the machine has them: the pixels have to be the
+// same.
+#include "PictureSupport.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace pictorel::codecs::testing {
+namespace {
+
+class OtherPrograms : public ::testing::TestWithParam<std::string> {
+  protected:
+    void SetUp() override {
+        std::string pattern = (std::filesystem::temp_directory_path() / "pictorel_judge_XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        folder_ = pattern;
+    }
+    void TearDown() override { std::filesystem::remove_all(folder_); }
+
+    // The picture under both names. Of odd width, since rows are padded.
+    void WriteBoth(const std::string& extension, bool withAlpha) {
+        const PixelArray picture = MakePicture(61, 43, withAlpha);
+        Save("judged." + extension, Write(extension, picture));
+        Save("right.png", Write("png", picture));
+    }
+
+    int Run(const std::string& command) const {
+        return std::system(("cd '" + folder_.string() + "' && " + command + " >/dev/null 2>&1").c_str());
+    }
+
+  private:
+    void Save(const std::string& name, const ByteBuffer& bytes) const {
+        std::ofstream(folder_ / name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    std::filesystem::path folder_;
+};
+
+bool HoldsAlpha(const std::string& extension) {
+    return extension == "tga" || extension == "j2k";
+}
+
+TEST_P(OtherPrograms, ImageMagickSeesTheSamePixels) {
+    if (Run("command -v compare") != 0) {
+        GTEST_SKIP() << "ImageMagick is not installed";
+    }
+    for (const bool withAlpha : {false, true}) {
+        if (!withAlpha || HoldsAlpha(GetParam())) {
+            WriteBoth(GetParam(), withAlpha);
+            EXPECT_EQ(Run("compare -metric AE judged." + GetParam() + " right.png null:"), 0) << withAlpha;
+        }
+    }
+}
+
+TEST_P(OtherPrograms, PillowSeesTheSamePixels) {
+    const std::string python = "/usr/bin/python3";
+    if (Run(python + " -c 'import PIL'") != 0) {
+        GTEST_SKIP() << "Pillow is not installed";
+    }
+    for (const bool withAlpha : {false, true}) {
+        if (!withAlpha || HoldsAlpha(GetParam())) {
+            WriteBoth(GetParam(), withAlpha);
+            EXPECT_EQ(Run(python + " -c 'from PIL import Image; a = Image.open(\"judged." + GetParam() +
+                          "\"); b = Image.open(\"right.png\"); exit(a.mode != b.mode or a.tobytes() != "
+                          "b.tobytes())'"),
+                      0)
+                << withAlpha;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, OtherPrograms, ::testing::Values("tga", "pcx", "ras", "j2k", "bmp", "tif"),
+                         [](const auto& parameter) { return parameter.param; });
+
+} // namespace
+} // namespace pictorel::codecs::testing
