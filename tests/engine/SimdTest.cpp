@@ -3,6 +3,7 @@
 #include "imaging/engine/Convolution.h"
 #include "imaging/engine/NoiseSums.h"
 #include "imaging/engine/PointRows.h"
+#include "imaging/engine/RankRows.h"
 
 #include <hwy/targets.h>
 
@@ -110,6 +111,39 @@ TEST(Simd, NoiseSumsEqualPlainLoops) {
                                            vectors.begin() + first))
                         << target << " width " << width << " rows " << rows;
                 }
+            }
+        }
+    });
+}
+
+TEST(Simd, RankRowsEqualPlainLoops) {
+    const PixelArray picture = Random({400, 3}, Alpha::Random, 5);
+    ForEachTarget([&](const char* target) {
+        for (const WindowStep& step : {WindowStep{2, 0, 4}, {3, 4, 8}, {4, 52, 131}}) {
+            for (const Rank rank : {Rank::Brightest, Rank::Darkest}) {
+                for (const std::size_t count : {1U, 63U, 64U, 517U}) {
+                    std::vector<std::uint8_t> plain(count + kRankRoom);
+                    std::vector<std::uint8_t> inPlace(picture.Row(0) + 4, picture.Row(0) + 1004);
+                    scalar::SpreadWindow(rank, step, count, inPlace.data(), plain.data());
+                    simd::SpreadWindow(rank, step, count, inPlace.data(), inPlace.data());
+                    EXPECT_TRUE(std::equal(plain.begin(), plain.begin() + static_cast<std::ptrdiff_t>(count),
+                                           inPlace.begin()))
+                        << target << " parts " << step.parts << " count " << count;
+                }
+            }
+        }
+        for (const int width : {1, 15, 16, 17, 331}) {
+            for (const int share : {0, 1, 16384, 32767}) {
+                PixelArray plain(width, 1);
+                PixelArray vectors(width, 1);
+                const std::uint8_t* const inner = picture.Row(0) + 4;
+                const std::uint8_t* const outer = picture.Row(1) + 8;
+                scalar::MixRow(inner, outer, share, {picture.Row(2), plain.WritableRows(), width, false});
+                simd::MixRow(inner, outer, share, {picture.Row(2), vectors.WritableRows(), width, true});
+                EXPECT_TRUE(SamePixels(vectors, plain)) << target << " mixed, width " << width;
+                scalar::JoinRow(inner, {picture.Row(2), plain.WritableRows(), width, false});
+                simd::JoinRow(inner, {picture.Row(2), vectors.WritableRows(), width, false});
+                EXPECT_TRUE(SamePixels(vectors, plain)) << target << " joined, width " << width;
             }
         }
     });

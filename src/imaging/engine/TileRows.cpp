@@ -5,8 +5,6 @@
 #include "imaging/engine/Rounding.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/TileRows.cpp"
@@ -68,34 +66,6 @@ void SharpenRow(const std::uint8_t* HWY_RESTRICT in, const WideComponent* HWY_RE
             out[i + k] = RoundToByte(c + amount * (c - static_cast<float>(blurred[i + k]) * perAlpha));
         }
         out[i + 3] = in[i + 3];
-    }
-}
-
-void BrightestOf(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, std::size_t count,
-                 std::uint8_t* HWY_RESTRICT out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        out[i] = a[i] < b[i] ? b[i] : a[i];
-    }
-}
-
-void DarkestOf(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, std::size_t count,
-               std::uint8_t* HWY_RESTRICT out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        out[i] = a[i] < b[i] ? a[i] : b[i];
-    }
-}
-
-void JoinAlpha(const std::uint8_t* HWY_RESTRICT colour, const std::uint8_t* HWY_RESTRICT alpha, int width,
-               std::uint8_t* HWY_RESTRICT out) {
-    constexpr std::uint32_t kAlphaBits = 0xFF000000; // the last of a pixel's four bytes
-    static_assert(std::endian::native == std::endian::little);
-    for (int i = 0; i < width * kComponents; i += kComponents) {
-        std::uint32_t pixel = 0;
-        std::uint32_t other = 0;
-        std::memcpy(&pixel, colour + i, sizeof pixel);
-        std::memcpy(&other, alpha + i, sizeof other);
-        pixel = (pixel & ~kAlphaBits) | (other & kAlphaBits);
-        std::memcpy(out + i, &pixel, sizeof pixel);
     }
 }
 
@@ -171,9 +141,6 @@ namespace pictorel::engine {
 HWY_EXPORT(WidenRow);
 HWY_EXPORT(NarrowRow);
 HWY_EXPORT(SharpenRow);
-HWY_EXPORT(BrightestOf);
-HWY_EXPORT(DarkestOf);
-HWY_EXPORT(JoinAlpha);
 HWY_EXPORT(AddToMean);
 HWY_EXPORT(SlideRow);
 HWY_EXPORT(AddWeighted);
@@ -189,18 +156,6 @@ void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t
 void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width, bool hasAlpha, float amount,
                 std::uint8_t* out) {
     HWY_DYNAMIC_DISPATCH(SharpenRow)(in, blurred, width, hasAlpha, amount, out);
-}
-
-void BrightestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(BrightestOf)(a, b, count, out);
-}
-
-void DarkestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(DarkestOf)(a, b, count, out);
-}
-
-void JoinAlpha(const std::uint8_t* colour, const std::uint8_t* alpha, int width, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(JoinAlpha)(colour, alpha, width, out);
 }
 
 void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole) {

@@ -20,13 +20,6 @@ void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t
 void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width, bool hasAlpha, float amount,
                 std::uint8_t* out);
 
-// The brighter or the darker of two components.
-void BrightestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out);
-void DarkestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out);
-
-// Colour of one row with the alpha of another.
-void JoinAlpha(const std::uint8_t* colour, const std::uint8_t* alpha, int width, std::uint8_t* out);
-
 // One step of a running mean over rows of `count` components: out = (whole + tip (before + entering))
 // perLength, then `entering` is added to `whole` and `leaving` taken off.
 struct MeanStep {
