@@ -4,6 +4,7 @@
 #include "imaging/engine/NoiseSums.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RankRows.h"
+#include "imaging/engine/ZoomRays.h"
 
 #include <hwy/targets.h>
 
@@ -144,6 +145,56 @@ TEST(Simd, RankRowsEqualPlainLoops) {
                 scalar::JoinRow(inner, {picture.Row(2), plain.WritableRows(), width, false});
                 simd::JoinRow(inner, {picture.Row(2), vectors.WritableRows(), width, false});
                 EXPECT_TRUE(SamePixels(vectors, plain)) << target << " joined, width " << width;
+            }
+        }
+    });
+}
+
+// What the four steps along a line of `picture` give, one behind the other: plain or in vectors.
+struct RaySteps {
+    std::vector<std::int16_t> pairs;
+    std::vector<std::int32_t> sums;
+    std::vector<float> means;
+    PixelArray pixels;
+};
+
+RaySteps TakeRaySteps(const PixelArray& picture, bool inVectors, int rays) {
+    constexpr int kPixels = 20;
+    constexpr std::size_t kLine = 160; // numbers from sum to sum
+    RaySteps steps{std::vector<std::int16_t>(8 * kPixels), std::vector<std::int32_t>(6 * kLine),
+                   std::vector<float>(kLine), picture};
+    const auto pair = inVectors ? simd::PairPixels : scalar::PairPixels;
+    const auto add = inVectors ? simd::AddCrossings : scalar::AddCrossings;
+    for (std::size_t node = 0; node < 5; ++node) {
+        // Across and down, over both ends of the line, forwards and backwards.
+        const PixelLine line = node % 2 == 0 ? PixelLine{picture.Row(3), 4, picture.Width(), -2}
+                                             : PixelLine{picture.Row(0) + 8, picture.Stride(), 9, -5};
+        pair(line, kPixels, picture.HasAlpha(), steps.pairs.data());
+        const Crossing crossing = node == 4 ? Crossing{1200000, -30000} : Crossing{40000, 31234};
+        add(steps.pairs.data(), crossing, rays, steps.sums.data() + node * kLine,
+            steps.sums.data() + (node + 1) * kLine);
+    }
+    const std::int32_t* const sums = steps.sums.data();
+    const Stretch stretch{
+        sums + 4 * kLine, sums + 5 * kLine, sums, sums + kLine, sums + 2 * kLine, 0.22F, 0.11F, 1.0F / 1400};
+    (inVectors ? simd::MeansOf : scalar::MeansOf)(stretch, rays, steps.means.data());
+    steps.means.resize(static_cast<std::size_t>(4 * rays)); // beyond lies what vectors write too much
+    const PixelsBetween between{-0.3, 1.7, 5, rays - 2, steps.pixels.WritableRows(), picture.Stride()};
+    (inVectors ? simd::MixMeans : scalar::MixMeans)(steps.means.data(), between, picture.HasAlpha());
+    return steps;
+}
+
+TEST(Simd, ZoomRaysEqualPlainLoops) {
+    ForEachTarget([](const char* target) {
+        for (const Alpha alpha : {Alpha::None, Alpha::Random}) {
+            const PixelArray picture = Random({17, 9}, alpha, 11);
+            for (const int rays : {2, 3, 33, 38}) {
+                const RaySteps plain = TakeRaySteps(picture, false, rays);
+                const RaySteps vectors = TakeRaySteps(picture, true, rays);
+                EXPECT_EQ(vectors.pairs, plain.pairs) << target;
+                EXPECT_EQ(vectors.sums, plain.sums) << target << " rays " << rays;
+                EXPECT_EQ(vectors.means, plain.means) << target << " rays " << rays;
+                EXPECT_TRUE(SamePixels(vectors.pixels, plain.pixels)) << target << " rays " << rays;
             }
         }
     });
