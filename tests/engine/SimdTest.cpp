@@ -1,7 +1,7 @@
 // The vector kernels against the plain loops, bit for bit, on every kind of vectors that this processor has.
 #include "engine/TestPictures.h"
 #include "imaging/engine/Convolution.h"
-#include "imaging/engine/NoiseSums.h"
+#include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RankRows.h"
 #include "imaging/engine/ZoomRays.h"
@@ -94,24 +94,27 @@ TEST(Simd, LumaEqualsPlainLoops) {
     });
 }
 
-TEST(Simd, NoiseSumsEqualPlainLoops) {
+TEST(Simd, NoiseRowsEqualPlainLoops) {
     ForEachTarget([](const char* target) {
         for (const int width : {1, 15, 64, 131}) {
             for (const int rows : {1, 6, 25}) {
                 constexpr std::size_t kRoom = 256;
-                std::vector<std::int32_t> plain(3 * kRoom);
-                std::vector<std::int32_t> vectors(3 * kRoom);
-                for (const bool simd : {false, true}) {
-                    auto& sums = simd ? vectors : plain;
-                    (simd ? simd::SumNoise : scalar::SumNoise)(
-                        40, 40 + rows, width, {sums.data(), sums.data() + kRoom, sums.data() + 2 * kRoom});
-                }
-                for (std::size_t channel = 0; channel < 3; ++channel) {
-                    const auto first = static_cast<std::ptrdiff_t>(channel * kRoom);
-                    EXPECT_TRUE(std::equal(plain.begin() + first, plain.begin() + first + width,
-                                           vectors.begin() + first))
-                        << target << " width " << width << " rows " << rows;
-                }
+                std::vector<std::int32_t> plain(kRoom * kNoiseSumNumbers);
+                std::vector<std::int32_t> vectors(plain.size());
+                scalar::SumNoise(40, 40 + rows, width, plain.data());
+                simd::SumNoise(40, 40 + rows, width, vectors.data());
+                EXPECT_TRUE(
+                    std::equal(plain.begin(), plain.begin() + width * kNoiseSumNumbers, vectors.begin()))
+                    << target << " width " << width << " rows " << rows;
+            }
+            for (const int percent : {1, 37, 100}) {
+                const PixelArray source = Random({width, 1}, Alpha::Random, 13);
+                const float perStep = 2.55F * static_cast<float>(percent) / kNoiseSteps;
+                PixelArray plain(width, 1);
+                PixelArray vectors(width, 1);
+                scalar::AddNoise({source.Row(0), plain.WritableRows(), width, 77, perStep, false});
+                simd::AddNoise({source.Row(0), vectors.WritableRows(), width, 77, perStep, width > 64});
+                EXPECT_TRUE(SamePixels(vectors, plain)) << target << " width " << width;
             }
         }
     });
