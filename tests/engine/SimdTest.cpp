@@ -1,6 +1,7 @@
 // The vector kernels against the plain loops, bit for bit, on every kind of vectors that this processor has.
 #include "engine/TestPictures.h"
 #include "imaging/engine/Convolution.h"
+#include "imaging/engine/DiffuseRows.h"
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RankRows.h"
@@ -115,6 +116,24 @@ TEST(Simd, NoiseRowsEqualPlainLoops) {
                 scalar::AddNoise({source.Row(0), plain.WritableRows(), width, 77, perStep, false});
                 simd::AddNoise({source.Row(0), vectors.WritableRows(), width, 77, perStep, width > 64});
                 EXPECT_TRUE(SamePixels(vectors, plain)) << target << " width " << width;
+            }
+        }
+    });
+}
+
+TEST(Simd, DiffusionEqualsPlainLoops) {
+    ForEachTarget([](const char* target) {
+        for (const int width : {1, 15, 64, 131}) {
+            for (const int radius : {1, 2, 20, 32767}) {
+                for (const std::uint32_t lastMoved : {0U, 0x80000000U, 0xFFFFFFFFU}) {
+                    const Scatter scatter{width - 1, 50, 144, radius, lastMoved};
+                    std::vector<std::int32_t> plain(static_cast<std::size_t>(width));
+                    std::vector<std::int32_t> vectors(plain.size() + 16);
+                    scalar::ChooseSources(scatter, 49, plain.data());
+                    simd::ChooseSources(scatter, 49, vectors.data());
+                    EXPECT_TRUE(std::equal(plain.begin(), plain.end(), vectors.begin()))
+                        << target << " width " << width << " radius " << radius;
+                }
             }
         }
     });

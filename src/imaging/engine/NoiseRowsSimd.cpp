@@ -1,11 +1,13 @@
 // The random numbers of a row of pixels in vectors, see NoiseRows.h.
 #include "imaging/engine/NoiseRows.h"
-#include "imaging/engine/StylizeRandom.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/NoiseRowsSimd.cpp"
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
+// After foreach_target.h, which includes this file once for each kind of vectors.
+#include "imaging/engine/RandomLanes-inl.h"
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -19,18 +21,8 @@ using scalar::SumNoise;
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Lanes = hn::ScalableTag<std::uint32_t>;
-using Vector = hn::Vec<Lanes>;
-
-// MixBits of every lane.
-Vector Mixed(Vector bits) {
-    const Lanes lanes;
-    bits = hn::Xor(bits, hn::ShiftRight<16>(bits));
-    bits = hn::Mul(bits, hn::Set(lanes, kFirstMixer));
-    bits = hn::Xor(bits, hn::ShiftRight<15>(bits));
-    bits = hn::Mul(bits, hn::Set(lanes, kSecondMixer));
-    return hn::Xor(bits, hn::ShiftRight<16>(bits));
-}
+using Lanes = RandomLanes;
+using Vector = RandomVector;
 
 void AddNoise(const NoiseRow& row) {
     const Lanes lanes;
@@ -80,10 +72,8 @@ void SumNoise(int firstRow, int endRow, int width, std::int32_t* sums) {
     const auto mask = hn::Set(lanes, kNoiseSteps - 1);
     const auto one = static_cast<int>(hn::Lanes(lanes));
     for (int x = 0; x < width; x += 2 * one) {
-        const auto left =
-            hn::Mul(hn::Iota(lanes, static_cast<std::uint32_t>(x)), hn::Set(lanes, kColumnStride));
-        const auto right =
-            hn::Mul(hn::Iota(lanes, static_cast<std::uint32_t>(x + one)), hn::Set(lanes, kColumnStride));
+        const Vector left = PlacesFrom(x);
+        const Vector right = PlacesFrom(x + one);
         Vector blue[2] = {hn::Zero(lanes), hn::Zero(lanes)};
         Vector green[2] = {hn::Zero(lanes), hn::Zero(lanes)};
         Vector red[2] = {hn::Zero(lanes), hn::Zero(lanes)};
