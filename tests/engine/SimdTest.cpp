@@ -5,11 +5,14 @@
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RankRows.h"
+#include "imaging/engine/TwirlRows.h"
 #include "imaging/engine/ZoomRays.h"
 
 #include <hwy/targets.h>
 
+#include <cmath>
 #include <functional>
+#include <numbers>
 
 namespace pictorel::engine::test {
 namespace {
@@ -217,6 +220,35 @@ TEST(Simd, ZoomRaysEqualPlainLoops) {
                 EXPECT_EQ(vectors.sums, plain.sums) << target << " rays " << rays;
                 EXPECT_EQ(vectors.means, plain.means) << target << " rays " << rays;
                 EXPECT_TRUE(SamePixels(vectors.pixels, plain.pixels)) << target << " rays " << rays;
+            }
+        }
+    });
+}
+
+// And both the formula in double precision, to a thousandth of a pixel for a thousand pixels from the centre.
+TEST(Simd, TwirlEqualsPlainLoopsAndItsFormula) {
+    constexpr int kCount = 61;
+    constexpr float kUnit = 1024;
+    ForEachTarget([](const char* target) {
+        for (const float radius : {1.0F, 30.5F, 4000.0F}) {
+            for (const float turns : {-1.0F, 0.25F, 0.5F, 1.0F}) {
+                for (const float y : {0.0F, -radius / 2, radius}) {
+                    const TwirlRow row{-radius / 2, y, 1 / radius, turns, kUnit, 7, -300};
+                    std::vector<std::int32_t> plain(std::size_t{2} * kCount);
+                    std::vector<std::int32_t> vectors(160);
+                    scalar::LocateTwirl(row, kCount, plain.data(), plain.data() + kCount);
+                    simd::LocateTwirl(row, kCount, vectors.data(), vectors.data() + 80);
+                    EXPECT_TRUE(std::equal(plain.begin(), plain.begin() + kCount, vectors.begin())) << target;
+                    EXPECT_TRUE(std::equal(plain.begin() + kCount, plain.end(), vectors.begin() + 80))
+                        << target;
+                    for (int i = 0; i < kCount; ++i) {
+                        const double x = static_cast<double>(row.x) + i;
+                        const double t = std::min(std::sqrt(x * x + double{y} * y) / radius, 1.0);
+                        const double angle = 2 * std::numbers::pi * turns * (1 - t * t * (3 - 2 * t));
+                        const double exact = (x * std::cos(angle) - y * std::sin(angle)) * kUnit + 7;
+                        EXPECT_NEAR(plain[static_cast<std::size_t>(i)], exact, 1 + radius / 1000.0) << i;
+                    }
+                }
             }
         }
     });
