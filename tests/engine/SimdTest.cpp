@@ -5,6 +5,7 @@
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RankRows.h"
+#include "imaging/engine/TurnTile.h"
 #include "imaging/engine/TwirlRows.h"
 #include "imaging/engine/ZoomRays.h"
 
@@ -220,6 +221,32 @@ TEST(Simd, ZoomRaysEqualPlainLoops) {
                 EXPECT_EQ(vectors.sums, plain.sums) << target << " rays " << rays;
                 EXPECT_EQ(vectors.means, plain.means) << target << " rays " << rays;
                 EXPECT_TRUE(SamePixels(vectors.pixels, plain.pixels)) << target << " rays " << rays;
+            }
+        }
+    });
+}
+
+TEST(Simd, TransposedTilesEqualPlainLoops) {
+    const PixelArray source = Random({40, 40}, Alpha::Random, 21);
+    ForEachTarget([&](const char* target) {
+        for (const Size size : {Size{1, 1}, {4, 4}, {3, 9}, {32, 7}, {17, 32}}) {
+            for (const bool isUpwards : {false, true}) {
+                PixelArray plain(40, 40);
+                PixelArray vectors(40, 40);
+                for (PixelArray* const result : {&plain, &vectors}) {
+                    std::uint8_t* const rows = result->WritableRows();
+                    std::fill_n(rows, 40 * result->Stride(), std::uint8_t{9});
+                    const TurnTile tile{isUpwards ? source.Row(39) : source.Row(0) + 12,
+                                        isUpwards ? -source.Stride() : source.Stride(),
+                                        isUpwards ? rows + 39 * result->Stride() : rows + 16,
+                                        isUpwards ? -result->Stride() : result->Stride(),
+                                        size.width,
+                                        size.height,
+                                        result == &vectors};
+                    (result == &vectors ? simd::Transpose : scalar::Transpose)(tile);
+                }
+                EXPECT_TRUE(SamePixels(vectors, plain))
+                    << target << " " << size.width << " x " << size.height;
             }
         }
     });
