@@ -150,8 +150,10 @@ struct PerspectiveMap : CanvasMap {
     WarpPoint Plane(double across, double along) const {
         const double q = distanceCosine + along * sine;
         if (q <= 0) {
-            constexpr double kNowhere = -1e9;
-            return {kNowhere, kNowhere};
+            // As far away as just before the horizon, in the same direction: so a run of points that crosses
+            // it is seen to lie outside the picture on one side.
+            constexpr double kNowhere = 1e9;
+            return {std::copysign(kNowhere, across), std::copysign(kNowhere, along)};
         }
         return {across * distanceCosine / q, along * distance / q};
     }
