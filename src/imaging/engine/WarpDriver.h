@@ -224,12 +224,19 @@ class RunWarper {
             sampler_.FillBackground(count, to);
         } else if (pattern.count == 1) {
             sampler_.Sample(run, pattern.border, to);
+        } else if (!Map::kIsAffine && pattern.count > kManySamples && count > kShortRun) {
+            const int half = count / 2; // most pixels of a run need fewer samples than its worst
+            Make(first, half, to);
+            Make({first.x + half, first.y}, count - half, to + half * PixelArray::kComponents);
         } else {
             MakeFromPattern(pattern, first, count, to);
         }
     }
 
   private:
+    static constexpr int kManySamples = 12;
+    static constexpr int kShortRun = 16;
+
     // Perspective reduces without limit towards its horizon: only what is seen of the picture decides.
     SamplePattern PatternForRun(WarpPoint first, const SampleRun& run) const {
         const ColumnSpan seen = sampler_.NearestToPicture(run);
