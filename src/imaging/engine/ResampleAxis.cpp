@@ -28,7 +28,8 @@ struct LanczosRun {
 LanczosRun LanczosAround(double centre, double width, int sourceLength) {
     const double scale = std::max(width, 1.0);
     const int first = std::max(static_cast<int>(std::ceil(centre - 0.5 - kLanczosLobes * scale)), 0);
-    const int last = std::min(static_cast<int>(std::floor(centre - 0.5 + kLanczosLobes * scale)), sourceLength - 1);
+    const int last =
+        std::min(static_cast<int>(std::floor(centre - 0.5 + kLanczosLobes * scale)), sourceLength - 1);
     LanczosRun run{first, {}};
     run.weights.reserve(static_cast<std::size_t>(last) - static_cast<std::size_t>(first) + 1);
     for (int i = first; i <= last; ++i) {

@@ -71,7 +71,8 @@ void MeansOf(const Stretch& s, int rays, float* means) {
     const auto shareBefore = hn::Set(floats, s.shareBefore);
     const auto shareBeyond = hn::Set(floats, s.shareBeyond);
     const auto perLength = hn::Set(floats, s.perLength);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(rays * kComponents); i += hn::Lanes(floats)) {
+    const std::size_t count = static_cast<std::size_t>(rays) * kComponents;
+    for (std::size_t i = 0; i < count; i += hn::Lanes(floats)) {
         const auto outer = hn::LoadU(ints, s.outer + i);
         const auto inner = hn::LoadU(ints, s.inner + i);
         const auto between = [&](auto a, auto b) HWY_ATTR { return hn::ConvertTo(floats, hn::Sub(a, b)); };
