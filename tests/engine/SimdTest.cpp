@@ -1,13 +1,20 @@
 // The vector kernels against the plain loops, bit for bit, on every kind of vectors that this processor has.
 #include "engine/TestPictures.h"
 #include "imaging/engine/Convolution.h"
-#include "imaging/engine/NoiseSums.h"
+#include "imaging/engine/DiffuseRows.h"
+#include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
+#include "imaging/engine/RankRows.h"
 #include "imaging/engine/ResampleOpaque.h"
+#include "imaging/engine/TurnTile.h"
+#include "imaging/engine/TwirlRows.h"
+#include "imaging/engine/ZoomRays.h"
 
 #include <hwy/targets.h>
 
+#include <cmath>
 #include <functional>
+#include <numbers>
 
 namespace pictorel::engine::test {
 namespace {
@@ -93,23 +100,182 @@ TEST(Simd, LumaEqualsPlainLoops) {
     });
 }
 
-TEST(Simd, NoiseSumsEqualPlainLoops) {
+TEST(Simd, NoiseRowsEqualPlainLoops) {
     ForEachTarget([](const char* target) {
         for (const int width : {1, 15, 64, 131}) {
             for (const int rows : {1, 6, 25}) {
                 constexpr std::size_t kRoom = 256;
-                std::vector<std::int32_t> plain(3 * kRoom);
-                std::vector<std::int32_t> vectors(3 * kRoom);
-                for (const bool simd : {false, true}) {
-                    auto& sums = simd ? vectors : plain;
-                    (simd ? simd::SumNoise : scalar::SumNoise)(
-                        40, 40 + rows, width, {sums.data(), sums.data() + kRoom, sums.data() + 2 * kRoom});
+                std::vector<std::int32_t> plain(kRoom * kNoiseSumNumbers);
+                std::vector<std::int32_t> vectors(plain.size());
+                scalar::SumNoise(40, 40 + rows, width, plain.data());
+                simd::SumNoise(40, 40 + rows, width, vectors.data());
+                EXPECT_TRUE(
+                    std::equal(plain.begin(), plain.begin() + width * kNoiseSumNumbers, vectors.begin()))
+                    << target << " width " << width << " rows " << rows;
+            }
+            for (const int percent : {1, 37, 100}) {
+                const PixelArray source = Random({width, 1}, Alpha::Random, 13);
+                const float perStep = 2.55F * static_cast<float>(percent) / kNoiseSteps;
+                PixelArray plain(width, 1);
+                PixelArray vectors(width, 1);
+                scalar::AddNoise({source.Row(0), plain.WritableRows(), width, 77, perStep, false});
+                simd::AddNoise({source.Row(0), vectors.WritableRows(), width, 77, perStep, width > 64});
+                EXPECT_TRUE(SamePixels(vectors, plain)) << target << " width " << width;
+            }
+        }
+    });
+}
+
+TEST(Simd, DiffusionEqualsPlainLoops) {
+    ForEachTarget([](const char* target) {
+        for (const int width : {1, 15, 64, 131}) {
+            for (const int radius : {1, 2, 20, 32767}) {
+                for (const std::uint32_t lastMoved : {0U, 0x80000000U, 0xFFFFFFFFU}) {
+                    const Scatter scatter{width - 1, 50, 144, radius, lastMoved};
+                    std::vector<std::int32_t> plain(static_cast<std::size_t>(width));
+                    std::vector<std::int32_t> vectors(plain.size() + 16);
+                    scalar::ChooseSources(scatter, 49, plain.data());
+                    simd::ChooseSources(scatter, 49, vectors.data());
+                    EXPECT_TRUE(std::equal(plain.begin(), plain.end(), vectors.begin()))
+                        << target << " width " << width << " radius " << radius;
                 }
-                for (std::size_t channel = 0; channel < 3; ++channel) {
-                    const auto first = static_cast<std::ptrdiff_t>(channel * kRoom);
-                    EXPECT_TRUE(std::equal(plain.begin() + first, plain.begin() + first + width,
-                                           vectors.begin() + first))
-                        << target << " width " << width << " rows " << rows;
+            }
+        }
+    });
+}
+
+TEST(Simd, RankRowsEqualPlainLoops) {
+    const PixelArray picture = Random({400, 3}, Alpha::Random, 5);
+    ForEachTarget([&](const char* target) {
+        for (const WindowStep& step : {WindowStep{2, 0, 4}, {3, 4, 8}, {4, 52, 131}}) {
+            for (const Rank rank : {Rank::Brightest, Rank::Darkest}) {
+                for (const std::size_t count : {1U, 63U, 64U, 517U}) {
+                    std::vector<std::uint8_t> plain(count + kRankRoom);
+                    std::vector<std::uint8_t> inPlace(picture.Row(0) + 4, picture.Row(0) + 1004);
+                    scalar::SpreadWindow(rank, step, count, inPlace.data(), plain.data());
+                    simd::SpreadWindow(rank, step, count, inPlace.data(), inPlace.data());
+                    EXPECT_TRUE(std::equal(plain.begin(), plain.begin() + static_cast<std::ptrdiff_t>(count),
+                                           inPlace.begin()))
+                        << target << " parts " << step.parts << " count " << count;
+                }
+            }
+        }
+        for (const int width : {1, 15, 16, 17, 331}) {
+            for (const int share : {0, 1, 16384, 32767}) {
+                PixelArray plain(width, 1);
+                PixelArray vectors(width, 1);
+                const std::uint8_t* const inner = picture.Row(0) + 4;
+                const std::uint8_t* const outer = picture.Row(1) + 8;
+                scalar::MixRow(inner, outer, share, {picture.Row(2), plain.WritableRows(), width, false});
+                simd::MixRow(inner, outer, share, {picture.Row(2), vectors.WritableRows(), width, true});
+                EXPECT_TRUE(SamePixels(vectors, plain)) << target << " mixed, width " << width;
+                scalar::JoinRow(inner, {picture.Row(2), plain.WritableRows(), width, false});
+                simd::JoinRow(inner, {picture.Row(2), vectors.WritableRows(), width, false});
+                EXPECT_TRUE(SamePixels(vectors, plain)) << target << " joined, width " << width;
+            }
+        }
+    });
+}
+
+// What the four steps along a line of `picture` give, one behind the other: plain or in vectors.
+struct RaySteps {
+    std::vector<std::int16_t> pairs;
+    std::vector<std::int32_t> sums;
+    std::vector<float> means;
+    PixelArray pixels;
+};
+
+RaySteps TakeRaySteps(const PixelArray& picture, bool inVectors, int rays) {
+    constexpr int kPixels = 20;
+    constexpr std::size_t kLine = 160; // numbers from sum to sum
+    RaySteps steps{std::vector<std::int16_t>(8 * kPixels), std::vector<std::int32_t>(6 * kLine),
+                   std::vector<float>(kLine), picture};
+    const auto pair = inVectors ? simd::PairPixels : scalar::PairPixels;
+    const auto add = inVectors ? simd::AddCrossings : scalar::AddCrossings;
+    for (std::size_t node = 0; node < 5; ++node) {
+        // Across and down, over both ends of the line, forwards and backwards.
+        const PixelLine line = node % 2 == 0 ? PixelLine{picture.Row(3), 4, picture.Width(), -2}
+                                             : PixelLine{picture.Row(0) + 8, picture.Stride(), 9, -5};
+        pair(line, kPixels, picture.HasAlpha(), steps.pairs.data());
+        const Crossing crossing = node == 4 ? Crossing{1200000, -30000} : Crossing{40000, 31234};
+        add(steps.pairs.data(), crossing, rays, steps.sums.data() + node * kLine,
+            steps.sums.data() + (node + 1) * kLine);
+    }
+    const std::int32_t* const sums = steps.sums.data();
+    const Stretch stretch{
+        sums + 4 * kLine, sums + 5 * kLine, sums, sums + kLine, sums + 2 * kLine, 0.22F, 0.11F, 1.0F / 1400};
+    (inVectors ? simd::MeansOf : scalar::MeansOf)(stretch, rays, steps.means.data());
+    steps.means.resize(static_cast<std::size_t>(4 * rays)); // beyond lies what vectors write too much
+    const PixelsBetween between{-0.3, 1.7, 5, rays - 2, steps.pixels.WritableRows(), picture.Stride()};
+    (inVectors ? simd::MixMeans : scalar::MixMeans)(steps.means.data(), between, picture.HasAlpha());
+    return steps;
+}
+
+TEST(Simd, ZoomRaysEqualPlainLoops) {
+    ForEachTarget([](const char* target) {
+        for (const Alpha alpha : {Alpha::None, Alpha::Random}) {
+            const PixelArray picture = Random({17, 9}, alpha, 11);
+            for (const int rays : {2, 3, 33, 38}) {
+                const RaySteps plain = TakeRaySteps(picture, false, rays);
+                const RaySteps vectors = TakeRaySteps(picture, true, rays);
+                EXPECT_EQ(vectors.pairs, plain.pairs) << target;
+                EXPECT_EQ(vectors.sums, plain.sums) << target << " rays " << rays;
+                EXPECT_EQ(vectors.means, plain.means) << target << " rays " << rays;
+                EXPECT_TRUE(SamePixels(vectors.pixels, plain.pixels)) << target << " rays " << rays;
+            }
+        }
+    });
+}
+
+TEST(Simd, TransposedTilesEqualPlainLoops) {
+    const PixelArray source = Random({40, 40}, Alpha::Random, 21);
+    ForEachTarget([&](const char* target) {
+        for (const Size size : {Size{1, 1}, {4, 4}, {3, 9}, {32, 7}, {17, 32}}) {
+            for (const bool isUpwards : {false, true}) {
+                PixelArray plain(40, 40);
+                PixelArray vectors(40, 40);
+                for (PixelArray* const result : {&plain, &vectors}) {
+                    std::uint8_t* const rows = result->WritableRows();
+                    std::fill_n(rows, 40 * result->Stride(), std::uint8_t{9});
+                    const TurnTile tile{isUpwards ? source.Row(39) : source.Row(0) + 12,
+                                        isUpwards ? -source.Stride() : source.Stride(),
+                                        isUpwards ? rows + 39 * result->Stride() : rows + 16,
+                                        isUpwards ? -result->Stride() : result->Stride(),
+                                        size.width,
+                                        size.height,
+                                        result == &vectors};
+                    (result == &vectors ? simd::Transpose : scalar::Transpose)(tile);
+                }
+                EXPECT_TRUE(SamePixels(vectors, plain))
+                    << target << " " << size.width << " x " << size.height;
+            }
+        }
+    });
+}
+
+// And both the formula in double precision, to a thousandth of a pixel for a thousand pixels from the centre.
+TEST(Simd, TwirlEqualsPlainLoopsAndItsFormula) {
+    constexpr int kCount = 61;
+    constexpr float kUnit = 1024;
+    ForEachTarget([](const char* target) {
+        for (const float radius : {1.0F, 30.5F, 4000.0F}) {
+            for (const float turns : {-1.0F, 0.25F, 0.5F, 1.0F}) {
+                for (const float y : {0.0F, -radius / 2, radius}) {
+                    const TwirlRow row{-radius / 2, y, 1 / radius, turns, kUnit, 7, -300};
+                    std::vector<std::int32_t> plain(std::size_t{2} * kCount);
+                    std::vector<std::int32_t> vectors(160);
+                    scalar::LocateTwirl(row, kCount, plain.data(), plain.data() + kCount);
+                    simd::LocateTwirl(row, kCount, vectors.data(), vectors.data() + 80);
+                    EXPECT_TRUE(std::equal(plain.begin(), plain.begin() + kCount, vectors.begin())) << target;
+                    EXPECT_TRUE(std::equal(plain.begin() + kCount, plain.end(), vectors.begin() + 80))
+                        << target;
+                    for (int i = 0; i < kCount; ++i) {
+                        const double x = static_cast<double>(row.x) + i;
+                        const double t = std::min(std::sqrt(x * x + double{y} * y) / radius, 1.0);
+                        const double angle = 2 * std::numbers::pi * turns * (1 - t * t * (3 - 2 * t));
+                        const double exact = (x * std::cos(angle) - y * std::sin(angle)) * kUnit + 7;
+                        EXPECT_NEAR(plain[static_cast<std::size_t>(i)], exact, 1 + radius / 1000.0) << i;
+                    }
                 }
             }
         }

@@ -6,7 +6,6 @@
 #include "imaging/engine/ResampleSeparable.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -26,47 +25,37 @@ int TileLength(int i, int length, int tiles) {
     return TileEdge(i + 1, length, tiles) - TileEdge(i, length, tiles);
 }
 
-// The reduced copies of a picture, at most one for each pair of tile width and height.
-class TileCopies {
-  public:
-    TileCopies(const PixelArray& source, int across, int down)
-        : width_(source.Width() / across), height_(source.Height() / down) {
-        for (int taller = 0; taller < 2; ++taller) {
-            for (int wider = 0; wider < 2; ++wider) {
-                const bool isUsed = (wider == 0 || source.Width() % across != 0) &&
-                                    (taller == 0 || source.Height() % down != 0);
-                if (isUsed) {
-                    copies_[Index(wider, taller)] = Resize(source, width_ + wider, height_ + taller);
-                }
-            }
+// The weights of a tile of `length / tiles` samples and, where that leaves a rest, behind it those of one
+// that is longer by one.
+AxisWeights BothTiles(int length, int tiles) {
+    const int shorter = length / tiles;
+    AxisWeights axis = LanczosWeights(length, shorter);
+    if (length % tiles != 0) {
+        const AxisWeights longer = LanczosWeights(length, shorter + 1);
+        for (int i = 0; i <= shorter; ++i) {
+            const AxisWeights::Taps taps = longer[i];
+            axis.Append(taps.first, std::vector<double>(taps.weights.begin(), taps.weights.end()));
         }
     }
-
-    const PixelArray& Of(int width, int height) const {
-        return copies_[Index(width - width_, height - height_)];
-    }
-
-  private:
-    static std::size_t Index(int wider, int taller) {
-        return 2 * static_cast<std::size_t>(taller) + static_cast<std::size_t>(wider);
-    }
-
-    int width_;
-    int height_;
-    std::array<PixelArray, 4> copies_;
-};
+    return axis;
+}
 
 PixelArray TiledWhole(const PixelArray& source, int across, int down) {
-    const TileCopies copies(source, across, down);
+    // The reduced copies, one for each pair of tile width and height, made in one go.
+    const PixelArray copies =
+        ResampleSeparable(source, BothTiles(source.Width(), across), BothTiles(source.Height(), down));
+    const auto copyBegin = [](int tileLength, int shorter) { return tileLength == shorter ? 0 : shorter; };
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
     const auto fillRow = [&](int row, int tileRow) {
         const int top = TileEdge(tileRow, result.Height(), down);
         const int height = TileLength(tileRow, result.Height(), down);
+        const std::uint8_t* const from = copies.Row(copyBegin(height, result.Height() / down) + row - top);
         for (int i = 0; i < across; ++i) {
-            const PixelArray& copy = copies.Of(TileLength(i, result.Width(), across), height);
+            const int width = TileLength(i, result.Width(), across);
             std::memcpy(rows + row * result.Stride() + TileEdge(i, result.Width(), across) * kPixelBytes,
-                        copy.Row(row - top), copy.RowBytes());
+                        from + copyBegin(width, result.Width() / across) * kPixelBytes,
+                        static_cast<std::size_t>(width) * kPixelBytes);
         }
     };
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
@@ -81,35 +70,75 @@ PixelArray TiledWhole(const PixelArray& source, int across, int down) {
     return result;
 }
 
-// On a reduced copy the tiles of the picture begin between pixels. Its pixels are made as if the picture were
-// there: tiled, and the tiled picture reduced. Both are weighted sums, and so is what they make together.
-AxisWeights ReducedTiles(int length, int pictureLength, int tiles) {
-    const AxisWeights reduce = LanczosWeights(pictureLength, length);
-    const int shorter = pictureLength / tiles;
-    const std::array<AxisWeights, 2> tileWeights{LanczosWeights(length, shorter),
-                                                 LanczosWeights(length, shorter + 1)};
-    std::vector<AxisWeights::Taps> tiled; // of every pixel of the tiled picture, what it takes from the copy
-    for (int tile = 0; tile < tiles; ++tile) {
-        const int tileLength = TileLength(tile, pictureLength, tiles);
-        for (int i = 0; i < tileLength; ++i) {
-            tiled.push_back(tileWeights[static_cast<std::size_t>(tileLength - shorter)][i]);
-        }
+// One axis of a tiled picture, reduced. All tiles are one picture of `tileLength` samples, which is continued
+// by its own beginning to `continuedLength`: so what a result sample takes from two tiles lies side by side.
+struct TiledAxis {
+    AxisWeights weights;
+    int tileLength;
+    int continuedLength;
+};
+
+// Appends the weights of the samples of a tile that lie within `reach` of the middle of a result sample. The
+// tile's first sample lies at `origin` from there and they are `spacing` apart, in pixels of the picture.
+// Returns the first of them.
+int AppendTile(double origin, double spacing, int tileLength, double reach, std::vector<double>& weights) {
+    const auto sampleAt = [=](double place) {
+        return static_cast<int>(std::clamp(std::ceil((place - origin) / spacing), 0.0, 1.0 * tileLength));
+    };
+    const int first = sampleAt(-reach);
+    const int end = sampleAt(reach);
+    const double scale = reach / kLanczosLobes;
+    for (int k = first; k < end; ++k) {
+        weights.push_back(Lanczos((origin + k * spacing) / scale) * spacing);
     }
-    AxisWeights axis;
-    std::vector<double> dense(static_cast<std::size_t>(length));
-    for (int x = 0; x < length; ++x) {
-        std::fill(dense.begin(), dense.end(), 0.0);
-        const AxisWeights::Taps reduced = reduce[x];
-        for (std::size_t k = 0; k < reduced.weights.size(); ++k) {
-            const AxisWeights::Taps& taps = tiled[static_cast<std::size_t>(reduced.first) + k];
-            for (std::size_t i = 0; i < taps.weights.size(); ++i) {
-                dense[static_cast<std::size_t>(taps.first) + i] +=
-                    static_cast<double>(reduced.weights[k]) * taps.weights[i];
-            }
+    return first;
+}
+
+// On a reduced copy the tiles of the picture begin between pixels. Its pixels are made as if the picture were
+// there: tiled, and the tiled picture reduced. The tile has twice as many samples as the copy has pixels for
+// it, where there are as many: more would not be seen.
+TiledAxis ReducedTiles(int length, int pictureLength, int tiles) {
+    const int seen = static_cast<int>(std::ceil(2.0 * length / tiles));
+    const int tileLength = std::min({seen, length, pictureLength / tiles});
+    TiledAxis axis{{}, tileLength, tileLength};
+    const double scale = static_cast<double>(pictureLength) / length;
+    const double reach = kLanczosLobes * std::max(scale, 1.0);
+    std::vector<double> weights;
+    int nearest = 0; // the first tile that a result sample reaches
+    for (int i = 0; i < length; ++i) {
+        const double centre = (i + 0.5) * scale;
+        while (TileEdge(nearest + 1, pictureLength, tiles) <= centre - reach) {
+            ++nearest;
         }
-        axis.Append(0, dense);
+        weights.clear();
+        int first = 0;
+        for (int tile = nearest; tile < tiles; ++tile) {
+            const int edge = TileEdge(tile, pictureLength, tiles);
+            if (edge >= centre + reach) {
+                break;
+            }
+            const double spacing = static_cast<double>(TileLength(tile, pictureLength, tiles)) / tileLength;
+            const bool isFirst = weights.empty();
+            const int sample = AppendTile(edge + spacing / 2 - centre, spacing, tileLength, reach, weights);
+            first = isFirst ? sample : first;
+        }
+        axis.weights.Append(first, weights);
+        axis.continuedLength = std::max(axis.continuedLength, first + static_cast<int>(weights.size()));
     }
     return axis;
+}
+
+// The picture, continued by its own beginning on the right and below.
+PixelArray Continued(const PixelArray& tile, int width, int height) {
+    PixelArray result = PixelArray::Like(tile, width, height);
+    std::uint8_t* const rows = result.WritableRows();
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; x += tile.Width()) {
+            std::memcpy(rows + y * result.Stride() + x * kPixelBytes, tile.Row(y % tile.Height()),
+                        static_cast<std::size_t>(std::min(tile.Width(), width - x)) * kPixelBytes);
+        }
+    }
+    return result;
 }
 
 int PictureLength(int length, double reduction) {
@@ -127,9 +156,11 @@ PixelArray Reproduce(const PixelArray& source, int count) {
     if (source.Reduction() < 1) {
         const int pictureWidth = PictureLength(source.Width(), source.Reduction());
         const int pictureHeight = PictureLength(source.Height(), source.Reduction());
-        return ResampleSeparable(
-            source, ReducedTiles(source.Width(), pictureWidth, std::min(count, pictureWidth)),
-            ReducedTiles(source.Height(), pictureHeight, std::min(count, pictureHeight)));
+        const TiledAxis columns = ReducedTiles(source.Width(), pictureWidth, std::min(count, pictureWidth));
+        const TiledAxis rows = ReducedTiles(source.Height(), pictureHeight, std::min(count, pictureHeight));
+        const PixelArray tile = Resize(source, columns.tileLength, rows.tileLength);
+        return ResampleSeparable(Continued(tile, columns.continuedLength, rows.continuedLength),
+                                 columns.weights, rows.weights);
     }
     return TiledWhole(source, std::min(count, source.Width()), std::min(count, source.Height()));
 }

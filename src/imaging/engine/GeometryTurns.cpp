@@ -1,6 +1,8 @@
 // Mirrors and quarter turns: pixels change places and nothing else, see Geometry.h.
 #include "imaging/ForEachBand.h"
 #include "imaging/engine/Geometry.h"
+#include "imaging/engine/Streaming.h"
+#include "imaging/engine/TurnTile.h"
 #include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
@@ -16,7 +18,8 @@ constexpr std::ptrdiff_t kPixelBytes = PixelArray::kComponents;
 // until all their pixels have been read.
 constexpr int kTurnTile = 32;
 
-// Writes to the result pixel (x, y) what lies at `start + x * alongRow + y * alongColumn`.
+// Writes to the result pixel (x, y) what lies at `start + x * alongRow + y * alongColumn`, `alongColumn`
+// being one pixel to the right or to the left.
 PixelArray Turned(const PixelArray& source, const std::uint8_t* start, std::ptrdiff_t alongRow,
                   std::ptrdiff_t alongColumn) {
     const int width = source.Height();
@@ -24,14 +27,13 @@ PixelArray Turned(const PixelArray& source, const std::uint8_t* start, std::ptrd
     PixelArray result = PixelArray::Like(source, width, height);
     std::uint8_t* const rows = result.WritableRows();
     const std::ptrdiff_t stride = result.Stride();
+    const bool streams = IsStreamed(result);
     const auto turnTile = [=](int left, int right, int top, int bottom) {
-        for (int y = top; y < bottom; ++y) {
-            const std::uint8_t* from = start + left * alongRow + y * alongColumn;
-            std::uint8_t* to = rows + y * stride + left * kPixelBytes;
-            for (int x = left; x < right; ++x, from += alongRow, to += kPixelBytes) {
-                StorePixel(to, LoadPixel(from));
-            }
-        }
+        const bool isUpwards = alongColumn < 0; // then the tile begins with its last row
+        const int first = isUpwards ? bottom - 1 : top;
+        simd::Transpose({start + left * alongRow + first * alongColumn, alongRow,
+                         rows + first * stride + left * kPixelBytes, isUpwards ? -stride : stride,
+                         right - left, bottom - top, streams});
     };
     ForEachBand(height, 2 * result.RowBytes(), [&](int first, int end) {
         for (int top = first; top < end; top += kTurnTile) {

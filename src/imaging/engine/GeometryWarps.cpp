@@ -21,6 +21,7 @@
 // degrees (1 - 3 t^2 + 2 t^3), t = r / R, R half the shorter side.
 #include "imaging/engine/Geometry.h"
 #include "imaging/engine/Parameters.h"
+#include "imaging/engine/TwirlRows.h"
 #include "imaging/engine/WarpDriver.h"
 #include "imaging/engine/WholePixel.h"
 
@@ -28,7 +29,6 @@
 #include <cmath>
 #include <numbers>
 #include <utility>
-#include <vector>
 
 namespace pictorel::engine {
 namespace {
@@ -150,8 +150,10 @@ struct PerspectiveMap : CanvasMap {
     WarpPoint Plane(double across, double along) const {
         const double q = distanceCosine + along * sine;
         if (q <= 0) {
-            constexpr double kNowhere = -1e9;
-            return {kNowhere, kNowhere};
+            // As far away as just before the horizon, in the same direction: so a run of points that crosses
+            // it is seen to lie outside the picture on one side.
+            constexpr double kNowhere = 1e9;
+            return {std::copysign(kNowhere, across), std::copysign(kNowhere, along)};
         }
         return {across * distanceCosine / q, along * distance / q};
     }
@@ -178,41 +180,33 @@ struct HorizontalPerspectiveMap : PerspectiveMap {
 struct TwirlMap : CanvasMap {
     // Nothing comes from outside the circle, and that lies inside the canvas.
     static constexpr Outside kOutside = Outside::EdgePixels;
-    // The turn depends on the distance alone. It is interpolated in a table over the squared distance, which
-    // needs no root; at the largest angle and picture that is exact to 1/300 pixel.
-    static constexpr int kTurns = 8192;
-
-    struct Turn {
-        float cosine;
-        float sine;
-    };
 
     double radius;
-    double turnsPerSquare;
-    std::vector<Turn> turns;
+    double radians;
 
     TwirlMap(const PixelArray& source, double degrees)
-        : CanvasMap(source),
-          radius(std::min(centre.x, centre.y)),
-          turnsPerSquare(kTurns / (radius * radius)) {
-        turns.reserve(kTurns + 2);
-        for (int i = 0; i <= kTurns + 1; ++i) {
-            const double t = std::sqrt(std::min(static_cast<double>(i) / kTurns, 1.0));
-            const double angle = Radians(degrees) * (1 - t * t * (3 - 2 * t));
-            turns.push_back({static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle))});
-        }
-    }
+        : CanvasMap(source), radius(std::min(centre.x, centre.y)), radians(Radians(degrees)) {}
 
     WarpPoint Source(WarpPoint p) const {
         const double x = p.x - centre.x;
         const double y = p.y - centre.y;
-        const double position = std::min((x * x + y * y) * turnsPerSquare, 1.0 * kTurns);
-        const int index = static_cast<int>(position);
-        const auto share = static_cast<float>(position - index);
-        const Turn* const turn = turns.data() + index;
-        const double cosine = turn[0].cosine + share * (turn[1].cosine - turn[0].cosine);
-        const double sine = turn[0].sine + share * (turn[1].sine - turn[0].sine);
+        const double t = std::min(std::sqrt(x * x + y * y) / radius, 1.0);
+        const double angle = radians * (1 - t * t * (3 - 2 * t));
+        const double cosine = std::cos(angle);
+        const double sine = std::sin(angle);
         return {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
+    }
+
+    // The same for many points, in single precision.
+    void LocateRun(WarpPoint first, SampleRun& run) const {
+        const auto origin = [](double position) {
+            return static_cast<std::int32_t>((position - 0.5) * kPhases);
+        };
+        simd::LocateTwirl(
+            {static_cast<float>(first.x - centre.x), static_cast<float>(first.y - centre.y),
+             static_cast<float>(1 / radius), static_cast<float>(radians / (2 * std::numbers::pi)), kPhases,
+             origin(centre.x), origin(centre.y)},
+            run.count, run.x.data(), run.y.data());
     }
 
     // The chord of the circle.

@@ -4,6 +4,7 @@
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/Tiles.h"
 
+#include <array>
 #include <cmath>
 #include <map>
 #include <numbers>
@@ -28,7 +29,7 @@ struct Line {
           tip((lengthInPixels - 1) / 2 - whole) {}
 };
 
-// A stack of rows (or of pixels in a row) to slide over: `count` elements of `size` components, `step` bytes
+// A stack of rows to slide over: `count` elements of `size` components, `step` bytes
 // apart in the source and in the result alike.
 struct Lane {
     const std::uint8_t* in;
@@ -77,13 +78,36 @@ PixelArray BlurVertically(const PixelArray& source, const Line& line) {
     return result;
 }
 
+// The same along one row, which goes on with its end pixels for as long as the line is: so no step needs to
+// look where it is.
+void SlideRowAlong(const std::uint8_t* in, std::uint8_t* out, int width, const Line& line, bool hasAlpha,
+                   std::vector<std::uint8_t>& continued) {
+    const std::ptrdiff_t margin = line.whole + 1;
+    continued.resize(static_cast<std::size_t>(width + 2 * margin) * kComponents);
+    std::uint8_t* const begin = continued.data() + margin * kComponents;
+    std::uint8_t* const end = begin + static_cast<std::ptrdiff_t>(width) * kComponents;
+    std::copy_n(in, end - begin, begin);
+    for (std::ptrdiff_t i = 0; i < margin; ++i) {
+        std::copy_n(begin, kComponents, continued.data() + i * kComponents);
+        std::copy_n(end - kComponents, kComponents, end + i * kComponents);
+    }
+    std::array<std::int32_t, kComponents> whole{};
+    for (std::ptrdiff_t i = 0; i <= 2 * line.whole; ++i) {
+        AddToMean(continued.data() + (i + 1) * kComponents, kComponents, hasAlpha, whole.data());
+    }
+    SlideAlong({continued.data(), continued.data() + kComponents, begin + margin * kComponents,
+                static_cast<float>(line.tip), static_cast<float>(1 / line.length)},
+               width, hasAlpha, whole.data(), out);
+}
+
 PixelArray BlurHorizontally(const PixelArray& source, const Line& line) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
     ForEachBand(source.Height(), 2 * source.RowBytes(), [&](int first, int end) {
+        std::vector<std::uint8_t> continued;
         for (int y = first; y < end; ++y) {
-            Slide({source.Row(y), rows + y * result.Stride(), kComponents, source.Width(), kComponents}, line,
-                  source.HasAlpha());
+            SlideRowAlong(source.Row(y), rows + y * result.Stride(), source.Width(), line, source.HasAlpha(),
+                          continued);
         }
     });
     return result;

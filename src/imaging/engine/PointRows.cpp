@@ -3,6 +3,7 @@
 
 #include "imaging/engine/Luma.h"
 #include "imaging/engine/Rounding.h"
+#include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -59,11 +60,12 @@ void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width) {
 }
 
 void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const ColourMaps& maps) {
-    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
-        out[0] = maps.blue[in[0]];
-        out[1] = maps.green[in[1]];
-        out[2] = maps.red[in[2]];
-        out[3] = in[3];
+    for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) { // one load and store a pixel
+        const std::uint32_t pixel = LoadPixel(in);
+        const std::uint32_t blue = maps.blue[pixel & 0xFF];
+        const std::uint32_t green = maps.green[pixel >> 8 & 0xFF];
+        const std::uint32_t red = maps.red[pixel >> 16 & 0xFF];
+        StorePixel(out, blue | green << 8 | red << 16 | (pixel & 0xFF000000U));
     }
 }
 

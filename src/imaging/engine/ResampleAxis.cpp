@@ -6,20 +6,19 @@
 #include <numbers>
 
 namespace pictorel::engine {
-namespace {
-
-constexpr double kLobes = 3;
 
 double Lanczos(double x) {
     if (x == 0) {
         return 1;
     }
-    if (std::abs(x) >= kLobes) {
+    if (std::abs(x) >= kLanczosLobes) {
         return 0;
     }
     const double angle = std::numbers::pi * x;
-    return kLobes * std::sin(angle) * std::sin(angle / kLobes) / (angle * angle);
+    return kLanczosLobes * std::sin(angle) * std::sin(angle / kLanczosLobes) / (angle * angle);
 }
+
+namespace {
 
 struct LanczosRun {
     int first;
@@ -28,8 +27,9 @@ struct LanczosRun {
 
 LanczosRun LanczosAround(double centre, double width, int sourceLength) {
     const double scale = std::max(width, 1.0);
-    const int first = std::max(static_cast<int>(std::ceil(centre - 0.5 - kLobes * scale)), 0);
-    const int last = std::min(static_cast<int>(std::floor(centre - 0.5 + kLobes * scale)), sourceLength - 1);
+    const int first = std::max(static_cast<int>(std::ceil(centre - 0.5 - kLanczosLobes * scale)), 0);
+    const int last =
+        std::min(static_cast<int>(std::floor(centre - 0.5 + kLanczosLobes * scale)), sourceLength - 1);
     LanczosRun run{first, {}};
     run.weights.reserve(static_cast<std::size_t>(last) - static_cast<std::size_t>(first) + 1);
     for (int i = first; i <= last; ++i) {

@@ -36,8 +36,12 @@ class AxisWeights {
     std::vector<float> weights_;
 };
 
-// The Lanczos-3 kernel sinc(x) sinc(x / 3) for `resultLength` samples evenly spread over `sourceLength`,
-// widened by the scale when reducing (Duchon 1979). The picture ends at its border: weights beyond it are
+// The Lanczos-3 kernel sinc(x) sinc(x / 3) (Duchon 1979).
+inline constexpr double kLanczosLobes = 3;
+double Lanczos(double x);
+
+// That kernel for `resultLength` samples evenly spread over `sourceLength`,
+// widened by the scale when reducing. The picture ends at its border: weights beyond it are
 // left out.
 AxisWeights LanczosWeights(int sourceLength, int resultLength);
 

@@ -1,10 +1,11 @@
 // Diffuse: pixels change places with random neighbours, see Stylize.h.
 #include "imaging/ForEachBand.h"
+#include "imaging/engine/DiffuseRows.h"
 #include "imaging/engine/Parameters.h"
+#include "imaging/engine/RankRows.h"
 #include "imaging/engine/ResampleSeparable.h"
 #include "imaging/engine/Rounding.h"
 #include "imaging/engine/Stylize.h"
-#include "imaging/engine/StylizeRandom.h"
 #include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
@@ -14,31 +15,25 @@
 namespace pictorel::engine {
 namespace {
 
-// Evenly one of -radius..radius, from 16 random bits.
-int Displacement(std::uint32_t random, int radius) {
-    return static_cast<int>((random * (2 * static_cast<std::uint32_t>(radius) + 1)) >> 16) - radius;
-}
-
 PixelArray Scattered(const PixelArray& source, int radius, double percent) {
+    const auto moved = static_cast<std::uint64_t>(percent / 100 * 0x1p32); // of 2^32 random numbers
+    if (moved == 0) {
+        return source;
+    }
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
-    const auto limit = static_cast<std::uint64_t>(percent / 100 * 0x1p32);
-    const int lastColumn = source.Width() - 1;
-    const int lastRow = source.Height() - 1;
+    const std::uint8_t* const pixels = source.Row(0);
+    const Scatter scatter{source.Width() - 1, source.Height() - 1, static_cast<int>(source.Stride() / 4),
+                          radius, static_cast<std::uint32_t>(moved - 1)};
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
+        constexpr std::size_t kRoom = 16;
+        std::vector<std::int32_t> sources(static_cast<std::size_t>(result.Width()) + kRoom);
         for (int y = first; y < end; ++y) {
-            const std::uint32_t randomRow = RandomRow(y);
+            simd::ChooseSources(scatter, y, sources.data());
             std::uint8_t* const to = rows + y * result.Stride();
-            for (int x = 0; x < result.Width(); ++x) {
-                const std::uint32_t choice = RandomAt(randomRow, x);
-                int fromX = x;
-                int fromY = y;
-                if (choice < limit) {
-                    const std::uint32_t place = MixBits(choice);
-                    fromX = std::clamp(x + Displacement(place & 0xFFFF, radius), 0, lastColumn);
-                    fromY = std::clamp(y + Displacement(place >> 16, radius), 0, lastRow);
-                }
-                StorePixel(to + 4 * x, LoadPixel(source.Row(fromY) + 4 * fromX));
+            for (std::ptrdiff_t x = 0; x < result.Width(); ++x) {
+                StorePixel(to + 4 * x,
+                           LoadPixel(pixels + std::ptrdiff_t{4} * sources[static_cast<std::size_t>(x)]));
             }
         }
     });
@@ -73,6 +68,21 @@ AxisWeights BoxOfVariance(int length, double variance) {
     return axis;
 }
 
+// `moved` becomes the mean of itself, of weight `share`, and `kept`, for pixels with alpha.
+void MixPremultiplied(const std::uint8_t* kept, int width, float share, std::uint8_t* moved) {
+    for (int i = 0; i < 4 * width; i += 4) {
+        const float keptAlpha = (1 - share) * static_cast<float>(kept[i + 3]);
+        const float movedAlpha = share * static_cast<float>(moved[i + 3]);
+        const float alpha = keptAlpha + movedAlpha;
+        for (int c = i; c < i + 3; ++c) {
+            const float sum =
+                keptAlpha * static_cast<float>(kept[c]) + movedAlpha * static_cast<float>(moved[c]);
+            moved[c] = RoundToByte(alpha == 0 ? 0.0F : sum / alpha);
+        }
+        moved[i + 3] = RoundToByte(alpha);
+    }
+}
+
 // What a copy so much reduced shows of a scattered picture: each of its pixels is the mean of many, so it is
 // the expected value, a blend with the mean over the neighbourhood. That one is a fraction of a pixel of the
 // copy wide, so what is matched is its variance: R (R + 1) / 3 along each axis, in pixels of the picture.
@@ -83,20 +93,20 @@ PixelArray ExpectedScatter(const PixelArray& source, int radius, double percent)
                                           BoxOfVariance(source.Height(), variance));
     std::uint8_t* const rows = result.WritableRows();
     const double share = percent / 100;
-    for (int y = 0; y < result.Height(); ++y) {
-        std::uint8_t* const to = rows + y * result.Stride();
-        const std::uint8_t* const kept = source.Row(y);
-        for (int x = 0; x < result.Width(); ++x) {
-            const double keptAlpha = (1 - share) * kept[4 * x + 3];
-            const double movedAlpha = share * to[4 * x + 3];
-            const double alpha = keptAlpha + movedAlpha;
-            for (int c = 4 * x; c < 4 * x + 3; ++c) {
-                const double colour = alpha == 0 ? 0 : (keptAlpha * kept[c] + movedAlpha * to[c]) / alpha;
-                to[c] = RoundToByte(colour);
-            }
-            to[4 * x + 3] = RoundToByte(alpha);
-        }
+    if (share == 1) {
+        return result;
     }
+    ForEachBand(result.Height(), 3 * result.RowBytes(), [&](int first, int end) {
+        for (int y = first; y < end; ++y) {
+            std::uint8_t* const to = rows + y * result.Stride();
+            if (source.HasAlpha()) {
+                MixPremultiplied(source.Row(y), result.Width(), static_cast<float>(share), to);
+            } else {
+                simd::MixRow(source.Row(y), to, static_cast<int>(share * (1 << kShareBits)),
+                             {source.Row(y), to, result.Width(), false});
+            }
+        }
+    });
     return result;
 }
 

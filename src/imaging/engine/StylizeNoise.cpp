@@ -1,37 +1,25 @@
 // Noise, see Stylize.h.
 #include "imaging/ForEachBand.h"
-#include "imaging/engine/NoiseSums.h"
+#include "imaging/Limits.h"
+#include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/Rounding.h"
+#include "imaging/engine/Streaming.h"
 #include "imaging/engine/Stylize.h"
-#include "imaging/engine/StylizeRandom.h"
-#include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <numeric>
 #include <vector>
 
 namespace pictorel::engine {
 namespace {
 
-constexpr std::uint32_t kStepMask = kNoiseSteps - 1;
-
 // The steps lie symmetrically about 0.
 constexpr double NoiseOf(double step, double amplitude) {
     return (2 * step - (kNoiseSteps - 1)) * amplitude / kNoiseSteps;
-}
-
-std::array<std::int16_t, kNoiseSteps> RoundedNoise(double amplitude) {
-    std::array<std::int16_t, kNoiseSteps> noise{};
-    for (int step = 0; step < kNoiseSteps; ++step) {
-        noise[static_cast<std::size_t>(step)] =
-            static_cast<std::int16_t>(std::lround(NoiseOf(step, amplitude)));
-    }
-    return noise;
 }
 
 // What the mean of many pixels of value c becomes when each gets its own noise: the mean of the clipped
@@ -60,22 +48,6 @@ std::array<MeanEffect, 256> MeanEffects(double amplitude) {
     return effects;
 }
 
-void AddNoise(const std::uint8_t* from, int width, int y, const std::array<std::int16_t, kNoiseSteps>& noise,
-              std::uint8_t* to) {
-    const std::uint32_t randomRow = RandomRow(y);
-    const auto noisy = [&](std::uint32_t c, std::uint32_t step) -> std::uint32_t {
-        return ClampToByte(static_cast<int>(c) + noise[step]);
-    };
-    for (int x = 0; x < width; ++x) {
-        const std::uint32_t pixel = LoadPixel(from + 4 * x);
-        const std::uint32_t random = RandomAt(randomRow, x);
-        const std::uint32_t blue = noisy(pixel & 0xFF, random & kStepMask);
-        const std::uint32_t green = noisy(pixel >> 8 & 0xFF, random >> 10 & kStepMask);
-        const std::uint32_t red = noisy(pixel >> 16 & 0xFF, random >> 20 & kStepMask);
-        StorePixel(to + 4 * x, blue | green << 8 | red << 16 | (pixel & 0xFF000000U));
-    }
-}
-
 // The pixels of the picture that pixel i of a reduced copy stands for, along one axis: from First to End.
 class Block {
   public:
@@ -91,13 +63,51 @@ class Block {
 PixelArray AddWholeNoise(const PixelArray& source, double amplitude) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
-    const auto noise = RoundedNoise(amplitude);
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            AddNoise(source.Row(y), result.Width(), y, noise, rows + y * result.Stride());
+            simd::AddNoise({source.Row(y), rows + y * result.Stride(), result.Width(), y,
+                            static_cast<float>(amplitude / kNoiseSteps), IsStreamed(result)});
         }
     });
     return result;
+}
+
+// The steps of the columns of one block, added up.
+std::array<float, 3> BlockSum(const std::int32_t* sums, int columns) {
+    constexpr int kColumnsTogether = 64; // their sums stay within 32 bits
+    static_assert(std::int64_t{kMaximumSide} * kNoiseSteps * kColumnsTogether <= INT32_MAX + 1LL);
+    std::array<float, 3> total{};
+    for (int first = 0; first < columns; first += kColumnsTogether) {
+        const int count = std::min(kColumnsTogether, columns - first);
+        std::array<std::int32_t, 3> part{};
+        for (int i = 0; i < count; ++i, sums += kNoiseSumNumbers) {
+            part = {part[0] + sums[0], part[1] + sums[1], part[2] + sums[2]};
+        }
+        for (std::size_t k = 0; k < total.size(); ++k) {
+            total[k] += static_cast<float>(part[k]);
+        }
+    }
+    return total;
+}
+
+// A row of a reduced copy with the noise whose steps are given as sums of the columns of the picture, of
+// `rowCount` rows. Pixel x stands for the columns from firsts[x] up to firsts[x + 1], at least one.
+void AddMeanNoiseRow(const std::uint8_t* from, const std::vector<int>& firsts, const std::int32_t* sums,
+                     int rowCount, double amplitude, const std::array<MeanEffect, 256>& effects,
+                     std::uint8_t* to) {
+    const auto origin = static_cast<float>(NoiseOf(0, amplitude));
+    const auto perStep = static_cast<float>((NoiseOf(1, amplitude) - NoiseOf(0, amplitude)) / rowCount);
+    for (std::size_t x = 0; x + 1 < firsts.size(); ++x, from += 4, to += 4) {
+        const int columns = std::max(firsts[x + 1] - firsts[x], 1);
+        const auto steps =
+            BlockSum(sums + static_cast<std::ptrdiff_t>(firsts[x]) * kNoiseSumNumbers, columns);
+        const float perSum = perStep / static_cast<float>(columns);
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            const MeanEffect& effect = effects[from[channel]];
+            to[channel] = RoundToByte(effect.mean + effect.follows * (origin + steps[channel] * perSum));
+        }
+        to[3] = from[3];
+    }
 }
 
 // A reduced copy shows the very noise that its picture will get, averaged over the pixels that each of its
@@ -107,31 +117,20 @@ PixelArray AddMeanNoise(const PixelArray& source, double amplitude) {
     std::uint8_t* const rows = result.WritableRows();
     const auto effects = MeanEffects(amplitude);
     const Block block(source.Reduction());
+    std::vector<int> firsts;
+    for (int x = 0; x <= source.Width(); ++x) {
+        firsts.push_back(block.First(x));
+    }
     const int width = block.End(source.Width() - 1);
     const int blockRows = block.End(0);
     const auto work = static_cast<std::size_t>(width) * static_cast<std::size_t>(blockRows);
     ForEachBand(result.Height(), work, [&](int first, int end) {
         constexpr std::size_t kRoom = 64;
-        const std::size_t length = static_cast<std::size_t>(width) + kRoom;
-        std::vector<std::int32_t> sums(3 * length);
+        std::vector<std::int32_t> sums((static_cast<std::size_t>(width) + kRoom) * kNoiseSumNumbers);
         for (int y = first; y < end; ++y) {
-            simd::SumNoise(block.First(y), block.End(y), width,
-                           {sums.data(), sums.data() + length, sums.data() + 2 * length});
-            const int rowCount = block.End(y) - block.First(y);
-            const std::uint8_t* from = source.Row(y);
-            std::uint8_t* to = rows + y * result.Stride();
-            for (int x = 0; x < result.Width(); ++x, from += 4, to += 4) {
-                const int count = (block.End(x) - block.First(x)) * rowCount;
-                for (std::size_t channel = 0; channel < 3; ++channel) {
-                    const auto column = sums.begin() + static_cast<std::ptrdiff_t>(channel * length);
-                    const double steps =
-                        std::accumulate(column + block.First(x), column + block.End(x), std::int64_t{0});
-                    const MeanEffect& effect = effects[from[channel]];
-                    to[channel] = RoundToByte(
-                        effect.mean + effect.follows * static_cast<float>(NoiseOf(steps / count, amplitude)));
-                }
-                to[3] = from[3];
-            }
+            simd::SumNoise(block.First(y), block.End(y), width, sums.data());
+            AddMeanNoiseRow(source.Row(y), firsts, sums.data(), block.End(y) - block.First(y), amplitude,
+                            effects, rows + y * result.Stride());
         }
     });
     return result;

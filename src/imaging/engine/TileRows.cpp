@@ -5,8 +5,6 @@
 #include "imaging/engine/Rounding.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/TileRows.cpp"
@@ -71,34 +69,6 @@ void SharpenRow(const std::uint8_t* HWY_RESTRICT in, const WideComponent* HWY_RE
     }
 }
 
-void BrightestOf(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, std::size_t count,
-                 std::uint8_t* HWY_RESTRICT out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        out[i] = a[i] < b[i] ? b[i] : a[i];
-    }
-}
-
-void DarkestOf(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, std::size_t count,
-               std::uint8_t* HWY_RESTRICT out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        out[i] = a[i] < b[i] ? a[i] : b[i];
-    }
-}
-
-void JoinAlpha(const std::uint8_t* HWY_RESTRICT colour, const std::uint8_t* HWY_RESTRICT alpha, int width,
-               std::uint8_t* HWY_RESTRICT out) {
-    constexpr std::uint32_t kAlphaBits = 0xFF000000; // the last of a pixel's four bytes
-    static_assert(std::endian::native == std::endian::little);
-    for (int i = 0; i < width * kComponents; i += kComponents) {
-        std::uint32_t pixel = 0;
-        std::uint32_t other = 0;
-        std::memcpy(&pixel, colour + i, sizeof pixel);
-        std::memcpy(&other, alpha + i, sizeof other);
-        pixel = (pixel & ~kAlphaBits) | (other & kAlphaBits);
-        std::memcpy(out + i, &pixel, sizeof pixel);
-    }
-}
-
 // What a component contributes to the sums of a picture that has alpha: premultiplied colour, scaled alpha.
 inline std::int32_t Premultiplied(const std::uint8_t* pixel, int k) {
     return pixel[k] * (k == 3 ? 255 : pixel[3]);
@@ -155,6 +125,20 @@ void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whol
     hasAlpha ? SlidePremultiplied(step, count, whole, out) : SlideOpaque(step, count, whole, out);
 }
 
+void SlideAlong(const MeanStep& first, int steps, bool hasAlpha, std::int32_t* whole, std::uint8_t* out) {
+    std::int32_t sums[kComponents];
+    std::copy_n(whole, kComponents, sums);
+    MeanStep step = first;
+    for (int i = 0; i < steps; ++i, out += kComponents) {
+        hasAlpha ? SlidePremultiplied(step, kComponents, sums, out)
+                 : SlideOpaque(step, kComponents, sums, out);
+        step.before += kComponents;
+        step.leaving += kComponents;
+        step.entering += kComponents;
+    }
+    std::copy_n(sums, kComponents, whole);
+}
+
 void AddWeighted(const WideComponent* HWY_RESTRICT row, float weight, std::size_t count,
                  float* HWY_RESTRICT sums) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -171,11 +155,9 @@ namespace pictorel::engine {
 HWY_EXPORT(WidenRow);
 HWY_EXPORT(NarrowRow);
 HWY_EXPORT(SharpenRow);
-HWY_EXPORT(BrightestOf);
-HWY_EXPORT(DarkestOf);
-HWY_EXPORT(JoinAlpha);
 HWY_EXPORT(AddToMean);
 HWY_EXPORT(SlideRow);
+HWY_EXPORT(SlideAlong);
 HWY_EXPORT(AddWeighted);
 
 void WidenRow(const std::uint8_t* in, int width, bool hasAlpha, WideComponent* wide) {
@@ -191,24 +173,16 @@ void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width,
     HWY_DYNAMIC_DISPATCH(SharpenRow)(in, blurred, width, hasAlpha, amount, out);
 }
 
-void BrightestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(BrightestOf)(a, b, count, out);
-}
-
-void DarkestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(DarkestOf)(a, b, count, out);
-}
-
-void JoinAlpha(const std::uint8_t* colour, const std::uint8_t* alpha, int width, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(JoinAlpha)(colour, alpha, width, out);
-}
-
 void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole) {
     HWY_DYNAMIC_DISPATCH(AddToMean)(row, count, hasAlpha, whole);
 }
 
 void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whole, std::uint8_t* out) {
     HWY_DYNAMIC_DISPATCH(SlideRow)(step, count, hasAlpha, whole, out);
+}
+
+void SlideAlong(const MeanStep& first, int steps, bool hasAlpha, std::int32_t* whole, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(SlideAlong)(first, steps, hasAlpha, whole, out);
 }
 
 void AddWeighted(const WideComponent* row, float weight, std::size_t count, float* sums) {

@@ -20,13 +20,6 @@ void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t
 void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width, bool hasAlpha, float amount,
                 std::uint8_t* out);
 
-// The brighter or the darker of two components.
-void BrightestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out);
-void DarkestOf(const std::uint8_t* a, const std::uint8_t* b, std::size_t count, std::uint8_t* out);
-
-// Colour of one row with the alpha of another.
-void JoinAlpha(const std::uint8_t* colour, const std::uint8_t* alpha, int width, std::uint8_t* out);
-
 // One step of a running mean over rows of `count` components: out = (whole + tip (before + entering))
 // perLength, then `entering` is added to `whole` and `leaving` taken off.
 struct MeanStep {
@@ -37,6 +30,9 @@ struct MeanStep {
     float perLength;
 };
 void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whole, std::uint8_t* out);
+// The same steps for one pixel after the other along a row: `whole` holds the sums of one pixel, for step i
+// the three rows and `out` go on by a pixel.
+void SlideAlong(const MeanStep& first, int steps, bool hasAlpha, std::int32_t* whole, std::uint8_t* out);
 // whole += row, as SlideRow adds it.
 void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole);
 

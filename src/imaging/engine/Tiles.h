@@ -33,8 +33,8 @@ void LoadTile(const PixelArray& source, const TileArea& area, Margins margins, s
 // Scratch that consecutive calls on one thread share.
 template <class Scratch, class Body>
 void ForEachTile(int width, int height, const Body& body) {
-    constexpr int kTileWidth = 256;
-    constexpr int kTileHeight = 64;
+    constexpr int kTileWidth = 1024; // long runs, which the processor fetches ahead
+    constexpr int kTileHeight = 32;
     const int tileRows = (height + kTileHeight - 1) / kTileHeight;
     const auto bytesPerTileRow =
         std::size_t{2} * kTileHeight * PixelArray::kComponents * static_cast<std::size_t>(width);

@@ -26,7 +26,8 @@ struct WarpPoint {
 //   WarpPoint Source(WarpPoint)   where a point of the result comes from,
 //   ColumnSpan Moved(int row)     the columns of that row that are not just copied,
 //   kOutside                      what is seen where the source is outside the picture,
-//   kIsAffine                     whether every pixel is moved by the same linear map.
+//   kIsAffine                     whether every pixel is moved by the same linear map,
+// and, if that is faster, LocateRun(WarpPoint first, SampleRun&), which fills in run.count points.
 
 namespace warp {
 
@@ -158,9 +159,14 @@ inline std::int32_t ToSamplePosition(double position, int size) {
            static_cast<std::int32_t>(kBias) * kPhases;
 }
 
+// A map may bring its own way to locate a run of points.
 template <class Map>
 void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count, SampleRun& run) {
     run.count = count;
+    if constexpr (requires { map.LocateRun(first, run); }) {
+        map.LocateRun(first, run);
+        return;
+    }
     for (int i = 0; i < count; ++i) {
         const WarpPoint point = map.Source({first.x + i, first.y});
         run.x[i] = ToSamplePosition(point.x, source.Width());
@@ -218,12 +224,19 @@ class RunWarper {
             sampler_.FillBackground(count, to);
         } else if (pattern.count == 1) {
             sampler_.Sample(run, pattern.border, to);
+        } else if (!Map::kIsAffine && pattern.count > kManySamples && count > kShortRun) {
+            const int half = count / 2; // most pixels of a run need fewer samples than its worst
+            Make(first, half, to);
+            Make({first.x + half, first.y}, count - half, to + half * PixelArray::kComponents);
         } else {
             MakeFromPattern(pattern, first, count, to);
         }
     }
 
   private:
+    static constexpr int kManySamples = 12;
+    static constexpr int kShortRun = 16;
+
     // Perspective reduces without limit towards its horizon: only what is seen of the picture decides.
     SamplePattern PatternForRun(WarpPoint first, const SampleRun& run) const {
         const ColumnSpan seen = sampler_.NearestToPicture(run);

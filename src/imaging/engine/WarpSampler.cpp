@@ -31,14 +31,12 @@ WarpSampler::Bounds WarpSampler::BoundsOf(const SampleRun& run) {
 }
 
 // Inside are points whose 4 x 4 neighbours exist and that the border's fading does not reach.
-bool WarpSampler::IsInside(const Bounds& bounds, BorderWidth border) const {
+WarpSampler::Bounds WarpSampler::InsideOf(BorderWidth border) const {
     const auto margin = [](double width) {
         return static_cast<std::int32_t>(std::max(1.0, std::ceil(width / 2)) * kPhases);
     };
-    const std::int32_t marginX = margin(border.x);
-    const std::int32_t marginY = margin(border.y);
-    return bounds.left >= marginX && bounds.right < (source_.Width() - 1) * kPhases - marginX &&
-           bounds.top >= marginY && bounds.bottom < (source_.Height() - 1) * kPhases - marginY;
+    return {margin(border.x), (source_.Width() - 1) * kPhases - margin(border.x) - 1, margin(border.y),
+            (source_.Height() - 1) * kPhases - margin(border.y) - 1};
 }
 
 bool WarpSampler::IsBackground(const SampleRun& run, BorderWidth border) const {
@@ -83,12 +81,28 @@ void WarpSampler::FillBackground(int count, std::uint8_t* to) const {
 }
 
 void WarpSampler::Sample(const SampleRun& run, BorderWidth border, std::uint8_t* to) const {
-    if (IsInside(BoundsOf(run), border)) {
+    const Bounds safe = InsideOf(border);
+    const Bounds all = BoundsOf(run);
+    if (all.left >= safe.left && all.right <= safe.right && all.top >= safe.top &&
+        all.bottom <= safe.bottom) {
         SampleInside(source_.Row(0), source_.Stride(), run, to);
         return;
     }
-    for (int i = 0; i < run.count; ++i) {
-        SampleNearBorder(run.x[i], run.y[i], border, to + i * kComponents);
+    const auto isInside = [&](int i) {
+        return run.x[i] >= safe.left && run.x[i] <= safe.right && run.y[i] >= safe.top &&
+               run.y[i] <= safe.bottom;
+    };
+    SampleRun inside; // consecutive points
+    for (int i = 0; i < run.count; i += std::max(inside.count, 1)) {
+        for (inside.count = 0; i + inside.count < run.count && isInside(i + inside.count); ++inside.count) {
+            inside.x[inside.count] = run.x[i + inside.count];
+            inside.y[inside.count] = run.y[i + inside.count];
+        }
+        if (inside.count > 0) {
+            SampleInside(source_.Row(0), source_.Stride(), inside, to + i * kComponents);
+        } else {
+            SampleNearBorder(run.x[i], run.y[i], border, to + i * kComponents);
+        }
     }
 }
 

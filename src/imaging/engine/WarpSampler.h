@@ -75,7 +75,7 @@ class WarpSampler {
     };
     static Bounds BoundsOf(const SampleRun& run);
 
-    bool IsInside(const Bounds& bounds, BorderWidth border) const;
+    Bounds InsideOf(BorderWidth border) const;
     void SampleInside(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                       std::uint8_t* to) const;
     void SampleNearBorder(std::int32_t x, std::int32_t y, BorderWidth border, std::uint8_t* to) const;

@@ -6,8 +6,10 @@
 #include "imaging/ForEachBand.h"
 #include "imaging/engine/Filters.h"
 #include "imaging/engine/Parameters.h"
-#include "imaging/engine/Rounding.h"
+#include "imaging/engine/ZoomRays.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -20,15 +22,13 @@ constexpr int kComponents = PixelArray::kComponents;
 // them, and this keeps that mixing from softening what lies across the rays. Long paths soften more by
 // themselves and need fewer.
 int RaysPerPixel(double longestPath) {
-    constexpr double kLongPath = 20; // pixels
-    return longestPath < kLongPath ? 8 : 4;
+    constexpr double kShortPath = 20; // pixels
+    constexpr double kLongPath = 50;
+    return longestPath < kShortPath ? 8 : longestPath < kLongPath ? 3 : 2;
 }
 
-constexpr int kRaysPerBlock = 16;     // their sums stay in cache
+constexpr int kRaysPerBlock = 128;    // the sums that a stretch needs stay in cache
 constexpr double kShortestPath = 0.1; // pixels; less moves nothing that could be seen
-
-// Four components that the compiler keeps in one register; sums and products go lane by lane.
-using Quad = float __attribute__((vector_size(16)));
 
 // One wedge: nodes 0, 1, ... lie on whole pixels along the major axis, starting at the centre or half a pixel
 // before it; rays 0..rayCount - 1 differ in slope (minor per major pixel) from -1 to 1.
@@ -58,14 +58,12 @@ struct Wedge {
 struct StretchEnd {
     int node; // the middle one
     float before;
-    float at;
     float after;
 
     explicit StretchEnd(double position) : node(static_cast<int>(position)) {
         const auto fraction = static_cast<float>(position - node);
         after = fraction * fraction / 2;
         before = 0.5F - fraction + after;
-        at = 1 - before - after;
     }
 };
 
@@ -87,6 +85,13 @@ class RayBlock {
   private:
     int RayCount() const { return endRay_ - firstRay_ + 1; } // one more than intervals
 
+    // Numbers from one node's sums to the next node's.
+    std::ptrdiff_t NodeLength() const {
+        return static_cast<std::ptrdiff_t>(RayCount() + kRaysTogether - 1) / kRaysTogether * kRaysTogether *
+               kComponents;
+    }
+    const std::int32_t* SumsBefore(int node) const { return sums_.data() + node * NodeLength(); }
+
     // Steep rays leave the picture before the wedge ends.
     int NodesInside() const {
         const double low = wedge_.Slope(firstRay_);
@@ -98,64 +103,61 @@ class RayBlock {
                    : std::min(wedge_.Nodes(), static_cast<int>(longest / flattest) + 1);
     }
 
-    // Premultiplied where the picture has alpha.
-    Quad PixelAt(const std::uint8_t* column, int minor) const {
-        const std::uint8_t* const p = column + std::min(minor, wedge_.minorSize - 1) * wedge_.minorStep;
-        const Quad pixel{static_cast<float>(p[0]), static_cast<float>(p[1]), static_cast<float>(p[2]),
-                         static_cast<float>(p[3])};
-        const float alpha = pixel[3] / 255.0F;
-        return source_.HasAlpha() ? pixel * Quad{alpha, alpha, alpha, 1.0F} : pixel;
-    }
-
     // Row n + 1 of sums_ is the sum of the values at nodes 0..n, for each ray; row 0 is zero.
     void SumAlongRays() {
-        const auto rays = static_cast<std::size_t>(RayCount());
-        sums_.resize(rays * static_cast<std::size_t>(nodes_ + 1));
-        std::fill_n(sums_.begin(), rays, Quad{});
+        const auto length = static_cast<std::size_t>(NodeLength());
+        sums_.resize(std::max(sums_.size(), length * static_cast<std::size_t>(nodes_ + 1)));
+        std::fill_n(sums_.begin(), length, 0);
         for (int node = 0; node < nodes_; ++node) {
-            Quad* const before = sums_.data() + static_cast<std::size_t>(node) * rays;
-            AddNode(node, before, before + rays);
+            std::int32_t* const before = sums_.data() + static_cast<std::size_t>(node) * length;
+            AddNode(node, before, before + length);
         }
     }
 
-    // after = before + the values where the rays pass this node's column, between whole pixels in a straight
+    // after = before + the values where the rays pass this node's line, between whole pixels in a straight
     // line.
-    void AddNode(int node, const Quad* before, Quad* after) const {
-        const std::uint8_t* const column = source_.Row(0) + wedge_.MajorIndex(node) * wedge_.majorStep;
+    void AddNode(int node, const std::int32_t* before, std::int32_t* after) {
+        constexpr double kPositions = 1 << kRayPositionBits;
         const double distance = wedge_.Distance(node);
-        const double origin = wedge_.MinorCentre() + wedge_.Slope(firstRay_) * distance;
+        const double origin = wedge_.MinorCentre() + wedge_.Slope(firstRay_) * distance +
+                              0.5 / kRayShares; // so that shares are rounded
         const double step = 2.0 / wedge_.Intervals() * distance;
-        const double last = wedge_.minorSize - 1.0;
-        int pixel = -1;
-        Quad value{};
-        Quad ahead{}; // from this pixel to the next
-        for (int ray = 0; ray < RayCount(); ++ray) {
-            const double minor = std::clamp(origin + step * ray, 0.0, last);
-            const int index = static_cast<int>(minor);
-            if (index != pixel) { // neighbouring rays mostly pass between the same two pixels
-                value = index == pixel + 1 && pixel >= 0 ? value + ahead : PixelAt(column, index);
-                ahead = PixelAt(column, index + 1) - value;
-                pixel = index;
-            }
-            after[ray] = before[ray] + (value + ahead * static_cast<float>(minor - index));
-        }
+        const double last = origin + step * (RayCount() - 1);
+        const int lowest = static_cast<int>(std::floor(std::min(origin, last) - 1 / kPositions));
+        const int highest = static_cast<int>(std::floor(std::max(origin, last)));
+        const int count = highest - lowest + 2; // one more, since steps are rounded
+        pairs_.resize(std::max(pairs_.size(), static_cast<std::size_t>(count) * 2 * kComponents));
+        simd::PairPixels({source_.Row(0) + wedge_.MajorIndex(node) * wedge_.majorStep, wedge_.minorStep,
+                          wedge_.minorSize, lowest},
+                         count, source_.HasAlpha(), pairs_.data());
+        const Crossing crossing{static_cast<std::int32_t>(std::lround((origin - lowest) * kPositions)),
+                                static_cast<std::int32_t>(std::lround(step * kPositions))};
+        simd::AddCrossings(pairs_.data(), crossing, RayCount(), before, after);
     }
 
-    // The pixels of this node's column that lie between the block's first and last ray.
+    // The pixels of this node's line that lie between the block's first and last ray.
     void BlurNode(int node, std::uint8_t* resultPixels) {
         const double distance = wedge_.Distance(node);
         const int first = std::max(FirstPixel(firstRay_, distance), 0);
         const int end = std::min(FirstPixel(endRay_, distance), wedge_.minorSize);
-        const StretchEnd inner(distance * innerScale_ - wedge_.FirstDistance());
-        const auto perLength = static_cast<float>(1 / (distance * (1 - innerScale_)));
-        std::uint8_t* const column = resultPixels + wedge_.MajorIndex(node) * wedge_.majorStep;
-        for (int minor = first; minor < end; ++minor) {
-            const double slope = (minor - wedge_.MinorCentre()) / distance;
-            const double position = (slope + 1) / 2 * wedge_.Intervals() - firstRay_;
-            const int ray = std::clamp(static_cast<int>(position), 0, RayCount() - 2);
-            const float share = std::clamp(static_cast<float>(position - ray), 0.0F, 1.0F);
-            Store(Mean(node, ray, share, inner, perLength), column + minor * wedge_.minorStep);
+        if (first >= end) {
+            return;
         }
+        const StretchEnd inner(distance * innerScale_ - wedge_.FirstDistance());
+        const double length = distance * (1 - innerScale_) * kRayValueUnit * kRayShares;
+        // The inner end's third sum has weight 0 where it would lie beyond the last node.
+        simd::MeansOf({SumsBefore(node), SumsBefore(node + 1), SumsBefore(inner.node),
+                       SumsBefore(inner.node + 1), SumsBefore(std::min(inner.node + 2, nodes_)), inner.before,
+                       inner.after, static_cast<float>(1 / length)},
+                      RayCount(), means_.data());
+        const double raysPerPixel = wedge_.Intervals() / (2 * distance);
+        const double position =
+            (first - wedge_.MinorCentre()) * raysPerPixel + wedge_.Intervals() / 2.0 - firstRay_;
+        std::uint8_t* const line = resultPixels + wedge_.MajorIndex(node) * wedge_.majorStep;
+        simd::MixMeans(means_.data(),
+                       {position, raysPerPixel, end - first, RayCount() - 2, line + first * wedge_.minorStep,
+                        wedge_.minorStep},
+                       source_.HasAlpha());
     }
 
     int FirstPixel(int ray, double distance) const {
@@ -165,40 +167,21 @@ class RayBlock {
         return behindDiagonal ? static_cast<int>(std::floor(minor)) + 1 : static_cast<int>(std::ceil(minor));
     }
 
-    Quad Mean(int node, int ray, float share, const StretchEnd& inner, float perLength) const {
-        const std::ptrdiff_t rays = RayCount();
-        const Quad* const outer = sums_.data() + node * rays + ray;
-        const Quad* const start = sums_.data() + inner.node * rays + ray;
-        // The inner end's third sum has weight 0 where it would lie beyond the last node.
-        const std::ptrdiff_t third = inner.node + 2 <= nodes_ ? 2 * rays : rays;
-        const auto stretch = [&](std::ptrdiff_t r) {
-            return (outer[r] + outer[r + rays]) * 0.5F -
-                   (start[r] * inner.before + start[r + rays] * inner.at + start[r + third] * inner.after);
-        };
-        const Quad left = stretch(0);
-        return (left + (stretch(1) - left) * share) * perLength;
-    }
-
-    void Store(const Quad& mean, std::uint8_t* pixel) const {
-        const float perAlpha = source_.HasAlpha() ? 255.0F / std::max(mean[3], 1.0F / 1024) : 1.0F;
-        for (int k = 0; k < 3; ++k) {
-            pixel[k] = RoundToByte(mean[k] * perAlpha);
-        }
-        pixel[3] = source_.HasAlpha() ? RoundToByte(mean[3]) : 255;
-    }
-
     const PixelArray& source_;
     const Wedge& wedge_;
     double innerScale_;
     int firstRay_ = 0;
     int endRay_ = 0;
     int nodes_ = 0;
-    std::vector<Quad> sums_;
+    std::vector<std::int32_t> sums_;
+    std::vector<std::int16_t> pairs_;
+    std::array<float, std::size_t{kRaysPerBlock + kRaysTogether} * kComponents> means_;
 };
 
 void BlurWedge(const PixelArray& source, const Wedge& wedge, double innerScale, std::uint8_t* resultPixels) {
     const int blocks = (wedge.Intervals() + kRaysPerBlock - 1) / kRaysPerBlock;
-    const std::size_t bytesPerBlock = sizeof(Quad) * kRaysPerBlock * static_cast<std::size_t>(wedge.Nodes());
+    const std::size_t bytesPerBlock =
+        sizeof(std::int32_t) * kComponents * kRaysPerBlock * static_cast<std::size_t>(wedge.Nodes());
     ForEachBand(blocks, bytesPerBlock, [&](int first, int end) {
         RayBlock block(source, wedge, innerScale);
         for (int i = first; i < end; ++i) {

@@ -1,0 +1,45 @@
+// The random numbers of a row of pixels, see NoiseRows.h.
+#include "imaging/engine/NoiseRows.h"
+
+#include "imaging/engine/Rounding.h"
+#include "imaging/engine/StylizeRandom.h"
+
+#include <algorithm>
+
+namespace pictorel::engine::scalar {
+namespace {
+
+constexpr std::uint32_t kStepMask = kNoiseSteps - 1;
+constexpr int kStepBits = 10;
+
+} // namespace
+
+void AddNoise(const NoiseRow& row) {
+    const std::uint32_t randomRow = RandomRow(row.y);
+    for (int x = 0; x < row.width; ++x) {
+        const std::uint8_t* const in = row.in + static_cast<std::ptrdiff_t>(x) * 4;
+        std::uint8_t* const out = row.out + static_cast<std::ptrdiff_t>(x) * 4;
+        std::uint32_t random = RandomAt(randomRow, x);
+        for (int k = 0; k < 3; ++k, random >>= kStepBits) {
+            const auto step = static_cast<int>(random & kStepMask);
+            const float noise = static_cast<float>(2 * step - (kNoiseSteps - 1)) * row.perStep;
+            out[k] = RoundToByte(static_cast<float>(in[k]) + noise);
+        }
+        out[3] = in[3];
+    }
+}
+
+void SumNoise(int firstRow, int endRow, int width, std::int32_t* sums) {
+    std::fill_n(sums, width * kNoiseSumNumbers, 0);
+    for (int y = firstRow; y < endRow; ++y) {
+        const std::uint32_t randomRow = RandomRow(y);
+        for (int x = 0; x < width; ++x) {
+            std::uint32_t random = RandomAt(randomRow, x);
+            for (int k = 0; k < 3; ++k, random >>= kStepBits) {
+                sums[x * kNoiseSumNumbers + k] += static_cast<std::int32_t>(random & kStepMask);
+            }
+        }
+    }
+}
+
+} // namespace pictorel::engine::scalar

@@ -1,0 +1,41 @@
+// The mixing of random bits in vectors, for the kernels that need many; included once for each kind of
+// vectors.
+#if defined(PICTOREL_RANDOM_LANES_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef PICTOREL_RANDOM_LANES_INL_H
+#undef PICTOREL_RANDOM_LANES_INL_H
+#else
+#define PICTOREL_RANDOM_LANES_INL_H
+#endif
+
+#include "imaging/engine/StylizeRandom.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace pictorel::engine::HWY_NAMESPACE {
+
+using RandomLanes = hwy::HWY_NAMESPACE::ScalableTag<std::uint32_t>;
+using RandomVector = hwy::HWY_NAMESPACE::Vec<RandomLanes>;
+
+// MixBits of every lane.
+HWY_INLINE RandomVector Mixed(RandomVector bits) {
+    namespace hn = hwy::HWY_NAMESPACE;
+    const RandomLanes lanes;
+    bits = hn::Xor(bits, hn::ShiftRight<16>(bits));
+    bits = hn::Mul(bits, hn::Set(lanes, kFirstMixer));
+    bits = hn::Xor(bits, hn::ShiftRight<15>(bits));
+    bits = hn::Mul(bits, hn::Set(lanes, kSecondMixer));
+    return hn::Xor(bits, hn::ShiftRight<16>(bits));
+}
+
+// What RandomAt mixes for the columns x, x + 1, ... of a row whose random bits are 0.
+HWY_INLINE RandomVector PlacesFrom(int x) {
+    namespace hn = hwy::HWY_NAMESPACE;
+    const RandomLanes lanes;
+    return hn::Mul(hn::Iota(lanes, static_cast<std::uint32_t>(x)), hn::Set(lanes, kColumnStride));
+}
+
+} // namespace pictorel::engine::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif
