@@ -73,7 +73,7 @@ std::vector<Pair> RowPairs() {
 
 TEST(Simd, PointRowsEqualPlainLoops) {
     ForEachTarget([](const char* target) {
-        for (const Size size : {Size{1, 1}, {7, 5}, {33, 17}, {257, 3}, {400, 300}}) {
+        for (const Size size : {Size{1, 1}, {7, 5}, {33, 17}, {257, 3}, {400, 300}, {2049, 2}}) {
             const PixelArray source = Random(size, Alpha::Random, 3);
             for (const Pair& pair : RowPairs()) {
                 EXPECT_TRUE(SamePixels(Apply(source, pair.vectors), Apply(source, pair.plain)))

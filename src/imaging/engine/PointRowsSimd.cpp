@@ -37,16 +37,44 @@ using ByteVector = hn::Vec<Bytes>;
 using PixelVector = hn::Vec<Pixels>;
 using FloatVector = hn::Vec<Floats>;
 
+// Results of long rows go past the cache, since a picture that has them is larger than it; those of short
+// ones, which a preview shows right away, stay there.
+class RowWriter {
+  public:
+    RowWriter(std::uint8_t* out, int width) : out_(out), streams_(width >= kStreamedWidth) {}
+    ~RowWriter() {
+        if (streams_) {
+            hwy::FlushStream();
+        }
+    }
+    RowWriter(const RowWriter&) = delete;
+    RowWriter& operator=(const RowWriter&) = delete;
+
+    HWY_INLINE void Write(ByteVector pixels, std::size_t at) const {
+        if (streams_) {
+            hn::Stream(pixels, Bytes(), out_ + at);
+        } else {
+            hn::Store(pixels, Bytes(), out_ + at);
+        }
+    }
+
+  private:
+    static constexpr int kStreamedWidth = 2048;
+
+    std::uint8_t* out_;
+    bool streams_;
+};
+
 // Rows begin on 64-byte boundaries and have room up to the next one, so there is no rest shorter than a
-// vector. Results go past the cache: a picture is larger than it.
+// vector.
 template <class Change>
 void ChangeBytes(const std::uint8_t* in, std::uint8_t* out, int width, const Change& change) {
     const Bytes bytes;
     const std::size_t size = static_cast<std::size_t>(width) * kComponents;
+    const RowWriter writer(out, width);
     for (std::size_t i = 0; i < size; i += hn::Lanes(bytes)) {
-        hn::Stream(change(hn::Load(bytes, in + i)), bytes, out + i);
+        writer.Write(change(hn::Load(bytes, in + i)), i);
     }
-    hwy::FlushStream();
 }
 
 struct Colours {
@@ -76,15 +104,15 @@ void ChangeColours(const std::uint8_t* in, std::uint8_t* out, int width, const C
     const Bytes bytes;
     const Pixels pixels;
     const std::size_t size = static_cast<std::size_t>(width) * kComponents;
+    const RowWriter writer(out, width);
     for (std::size_t i = 0; i < size; i += hn::Lanes(bytes)) {
         const auto before = hn::BitCast(pixels, hn::Load(bytes, in + i));
         const Colours after = change(Split(before));
         const auto blueGreen = hn::Or(RoundToBytes(after.blue), hn::ShiftLeft<8>(RoundToBytes(after.green)));
         const auto redAlpha =
             hn::Or(hn::ShiftLeft<16>(RoundToBytes(after.red)), hn::And(before, hn::Set(pixels, 0xFF000000)));
-        hn::Stream(hn::BitCast(bytes, hn::Or(blueGreen, redAlpha)), bytes, out + i);
+        writer.Write(hn::BitCast(bytes, hn::Or(blueGreen, redAlpha)), i);
     }
-    hwy::FlushStream();
 }
 
 // Exact: every product and sum is a whole number below 2^24.
