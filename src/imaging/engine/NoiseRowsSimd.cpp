@@ -1,6 +1,9 @@
 // The random numbers of a row of pixels in vectors, see NoiseRows.h.
 #include "imaging/engine/NoiseRows.h"
 
+#include <cstdint>
+#include <vector>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/NoiseRowsSimd.cpp"
 #include <hwy/cache_control.h>
@@ -71,14 +74,18 @@ void SumNoise(int firstRow, int endRow, int width, std::int32_t* sums) {
     const hn::Rebind<std::int32_t, Lanes> ints;
     const auto mask = hn::Set(lanes, kNoiseSteps - 1);
     const auto one = static_cast<int>(hn::Lanes(lanes));
+    std::vector<std::uint32_t> randomRows;
+    for (int y = firstRow; y < endRow; ++y) {
+        randomRows.push_back(RandomRow(y));
+    }
     for (int x = 0; x < width; x += 2 * one) {
         const Vector left = PlacesFrom(x);
         const Vector right = PlacesFrom(x + one);
         Vector blue[2] = {hn::Zero(lanes), hn::Zero(lanes)};
         Vector green[2] = {hn::Zero(lanes), hn::Zero(lanes)};
         Vector red[2] = {hn::Zero(lanes), hn::Zero(lanes)};
-        for (int y = firstRow; y < endRow; ++y) {
-            const auto row = hn::Set(lanes, RandomRow(y));
+        for (const std::uint32_t randomRow : randomRows) {
+            const auto row = hn::Set(lanes, randomRow);
             const Vector random[2] = {Mixed(hn::Add(row, left)), Mixed(hn::Add(row, right))};
             for (int side = 0; side < 2; ++side) {
                 blue[side] = hn::Add(blue[side], hn::And(random[side], mask));

@@ -30,19 +30,21 @@ struct MeanEffect {
 };
 
 std::array<MeanEffect, 256> MeanEffects(double amplitude) {
+    constexpr int kSamples = 64; // in the middles of as many runs of steps
+    constexpr int kStepsEach = kNoiseSteps / kSamples;
     std::array<MeanEffect, 256> effects{};
     for (int c = 0; c < 256; ++c) {
         double sum = 0;
         double product = 0;
         double square = 0;
-        for (int step = 0; step < kNoiseSteps; ++step) {
-            const double noise = NoiseOf(step, amplitude);
+        for (int i = 0; i < kSamples; ++i) {
+            const double noise = NoiseOf(i * kStepsEach + (kStepsEach - 1) / 2.0, amplitude);
             const double clipped = std::clamp(c + noise, 0.0, 255.0);
             sum += clipped;
             product += clipped * noise;
             square += noise * noise;
         }
-        effects[static_cast<std::size_t>(c)] = {static_cast<float>(sum / kNoiseSteps),
+        effects[static_cast<std::size_t>(c)] = {static_cast<float>(sum / kSamples),
                                                 static_cast<float>(product / square)};
     }
     return effects;
@@ -79,9 +81,11 @@ std::array<float, 3> BlockSum(const std::int32_t* sums, int columns) {
     std::array<float, 3> total{};
     for (int first = 0; first < columns; first += kColumnsTogether) {
         const int count = std::min(kColumnsTogether, columns - first);
-        std::array<std::int32_t, 3> part{};
+        std::array<std::int32_t, kNoiseSumNumbers> part{}; // all four, which is one vector
         for (int i = 0; i < count; ++i, sums += kNoiseSumNumbers) {
-            part = {part[0] + sums[0], part[1] + sums[1], part[2] + sums[2]};
+            for (std::size_t k = 0; k < part.size(); ++k) {
+                part[k] += sums[k];
+            }
         }
         for (std::size_t k = 0; k < total.size(); ++k) {
             total[k] += static_cast<float>(part[k]);

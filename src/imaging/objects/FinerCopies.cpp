@@ -11,6 +11,7 @@ namespace pictorel {
 namespace {
 
 constexpr double kOrdinary = 1000.0 * 667; // pixels
+constexpr double kLighter = 600.0 * 400;
 constexpr double kForExtremes = 2400.0 * 1600;
 
 const PixelArray& MadeOnce(PixelArray& copy, const std::function<PixelArray()>& make) {
@@ -53,12 +54,17 @@ const PixelArray& FinerCopies::Ordinary() const {
     return MadeOnce(ordinary_, [this] { return CopyOf(kOrdinary); });
 }
 
+const PixelArray& FinerCopies::Lighter() const {
+    return MadeOnce(lighter_, [this] { return CopyOf(kLighter); });
+}
+
 const PixelArray& FinerCopies::ForExtremes() const {
     return MadeOnce(forExtremes_, [this] { return CopyOf(kForExtremes); });
 }
 
 bool FinerCopies::Holds(const PixelArray& array) const noexcept {
-    return array.SharesPixelsWith(ordinary_) || array.SharesPixelsWith(forExtremes_);
+    return array.SharesPixelsWith(ordinary_) || array.SharesPixelsWith(lighter_) ||
+           array.SharesPixelsWith(forExtremes_);
 }
 
 } // namespace pictorel

@@ -21,6 +21,9 @@ class FinerCopies {
     // Enough for all operations but those below: structural similarity of preview and result above 0.98.
     const PixelArray& Ordinary() const;
 
+    // A third of the pixels, for what takes long and can be told from fewer: what moves pixels, and noise.
+    const PixelArray& Lighter() const;
+
     // For the brightest and the darkest of a square, which averaging loses soonest.
     const PixelArray& ForExtremes() const;
 
@@ -32,6 +35,7 @@ class FinerCopies {
 
     std::shared_ptr<PicturePyramid> pyramid_;
     mutable PixelArray ordinary_;
+    mutable PixelArray lighter_;
     mutable PixelArray forExtremes_;
 };
 

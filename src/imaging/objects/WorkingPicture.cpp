@@ -36,6 +36,10 @@ const PixelArray& WorkingPicture::Source() const {
     return finer_ && IsUntouched() ? finer_->Ordinary() : picture_;
 }
 
+const PixelArray& WorkingPicture::LighterSource() const {
+    return finer_ && IsUntouched() ? finer_->Lighter() : Source();
+}
+
 const PixelArray& WorkingPicture::SourceForExtremes() const {
     return finer_ && IsUntouched() ? finer_->ForExtremes() : Source();
 }
@@ -158,11 +162,11 @@ void WorkingPicture::GaussianBlur(std::int32_t sigma) {
 }
 
 void WorkingPicture::ZoomBlur(double percent) {
-    picture_ = engine::ZoomBlur(Source(), percent);
+    picture_ = engine::ZoomBlur(LighterSource(), percent);
 }
 
 void WorkingPicture::Noise(std::int32_t percent, bool /*monochrome*/) {
-    picture_ = engine::Noise(Source(), percent);
+    picture_ = engine::Noise(LighterSource(), percent);
 }
 
 void WorkingPicture::Diffuse(std::int32_t radius, double percent) {
@@ -186,7 +190,7 @@ void WorkingPicture::Mirror(bool topToBottom) {
 }
 
 void WorkingPicture::Rotate(double degrees, ColourValue background) {
-    picture_ = engine::Rotate(Source(), degrees, background);
+    picture_ = engine::Rotate(LighterSource(), degrees, background);
 }
 
 void WorkingPicture::Resize(std::int32_t width, std::int32_t height, std::int32_t /*method*/,
@@ -195,15 +199,15 @@ void WorkingPicture::Resize(std::int32_t width, std::int32_t height, std::int32_
 }
 
 void WorkingPicture::Perspective(bool vertical, double degrees) {
-    picture_ = engine::Perspective(Source(), vertical, degrees, background_);
+    picture_ = engine::Perspective(LighterSource(), vertical, degrees, background_);
 }
 
 void WorkingPicture::Skew(bool vertical, double degrees) {
-    picture_ = engine::Skew(Source(), vertical, degrees, background_);
+    picture_ = engine::Skew(LighterSource(), vertical, degrees, background_);
 }
 
 void WorkingPicture::Twirl(double degrees) {
-    picture_ = engine::Twirl(Source(), degrees, background_);
+    picture_ = engine::Twirl(LighterSource(), degrees, background_);
 }
 
 void WorkingPicture::Reproduce(std::int32_t count) {

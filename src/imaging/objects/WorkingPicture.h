@@ -57,6 +57,7 @@ class WorkingPicture : public ImageTransform {
   private:
     // What the next operation starts from; throws ImagingError(InvalidValue) where there is no picture.
     const PixelArray& Source() const;
+    const PixelArray& LighterSource() const;     // for what takes long, see FinerCopies
     const PixelArray& SourceForExtremes() const; // for the brightest and the darkest of a square
     const PixelArray& SourceOfItsSize();         // for what changes the size: never a finer copy
 
