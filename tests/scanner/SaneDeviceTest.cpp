@@ -3,8 +3,13 @@
 #include "scanner/TestScanner.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
 
 // The library's virtual device keeps some of its buffers when a scan is broken off. It is unloaded before
 // leaks are looked for, so they cannot be told from others by their module.
@@ -19,7 +24,7 @@ PixelArray Scan(const ScanWishes& wishes = {}, const ScanProgress& progress = {}
     const SaneSession session;
     const auto sources = session.Sources();
     EXPECT_FALSE(sources.empty()) << "the package with the library's scanner for tests is not installed";
-    return sources.empty() ? PixelArray() : session.ScanPage(sources.front(), wishes, progress);
+    return sources.empty() ? PixelArray() : Scanner(sources.front()).ScanPage(wishes, progress);
 }
 
 int LargestDifference(const PixelArray& a, const PixelArray& b) {
@@ -131,6 +136,37 @@ TEST(SaneDevice, WhiteIsWhiteInEveryMode) {
     }
 }
 
+// What a scan in a process of its own says of its fault; that process ends without parking the scanner, since
+// the virtual device now and then hangs when it is cancelled before its first byte.
+std::string FaultOfScan() {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::pipe(ends.data()), 0);
+    const pid_t scan = ::fork();
+    if (scan == 0) {
+        std::string said = "a page";
+        try {
+            const SaneSession session;
+            const Scanner device(session.Sources().front());
+            try {
+                device.ScanPage({}, {});
+            } catch (const std::exception& error) {
+                said = error.what();
+            }
+            const bool written = ::write(ends[1], said.data(), said.size()) > 0;
+            ::_exit(written ? 0 : 1);
+        } catch (const std::exception& error) {
+            const bool written = ::write(ends[1], error.what(), std::strlen(error.what())) > 0;
+            ::_exit(written ? 0 : 1);
+        }
+    }
+    ::close(ends[1]);
+    std::array<char, 256> text{};
+    const ssize_t length = ::read(ends[0], text.data(), text.size());
+    ::close(ends[0]);
+    ::waitpid(scan, nullptr, 0);
+    return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
+}
+
 struct FaultCase {
     const char* status;
     const char* saying;
@@ -146,20 +182,15 @@ TEST(SaneDevice, FaultsAreSaidInWords) {
           FaultCase{"SANE_STATUS_EOF", "empty page"}}) {
         const std::string setting = std::string("read-status-code \"") + c.status + '"';
         const TestScanner scanner({setting.c_str()});
-        try {
-            Scan();
-            ADD_FAILURE() << c.status << " gave a page";
-        } catch (const std::exception& error) {
-            EXPECT_NE(std::string(error.what()).find(c.saying), std::string::npos)
-                << c.status << ": " << error.what();
-        }
+        const std::string said = FaultOfScan();
+        EXPECT_NE(said.find(c.saying), std::string::npos) << c.status << ": " << said;
     }
 }
 
 TEST(SaneDevice, AScannerThatIsGoneIsAnError) {
     const TestScanner scanner;
     const SaneSession session;
-    EXPECT_THROW(session.ScanPage("test:99", {}, {}), ScanError);
+    EXPECT_THROW(Scanner("test:99"), ScanError);
 }
 
 TEST(SaneDevice, StopsWhenAskedAndTellsHowFarItIs) {

@@ -54,24 +54,6 @@ void Check(SANE_Status status) {
     }
 }
 
-// An open device. Cancelling is due after every start, also when the page is complete: it sends the lamp
-// home.
-class OpenDevice {
-  public:
-    explicit OpenDevice(const std::string& name) { Check(sane_open(name.c_str(), &handle_)); }
-    ~OpenDevice() {
-        sane_cancel(handle_);
-        sane_close(handle_);
-    }
-    OpenDevice(const OpenDevice&) = delete;
-    OpenDevice& operator=(const OpenDevice&) = delete;
-
-    SANE_Handle Handle() const { return handle_; }
-
-  private:
-    SANE_Handle handle_ = nullptr;
-};
-
 struct BandOfFormat {
     SANE_Frame format;
     Band band;
@@ -183,12 +165,20 @@ std::vector<std::string> SaneSession::Sources() const {
     return scanners;
 }
 
-PixelArray SaneSession::ScanPage(const std::string& source, const ScanWishes& wishes,
-                                 const ScanProgress& progress) const {
-    const OpenDevice device(source);
-    ApplyWishes(device.Handle(), wishes);
-    PixelArray picture = ReadFrames(device.Handle(), progress).Picture();
-    const Resolution resolution = CurrentResolution(device.Handle());
+Scanner::Scanner(const std::string& source) {
+    Check(sane_open(source.c_str(), &handle_));
+}
+
+// Cancelling is due after every start, also when the page is complete: it sends the lamp home.
+Scanner::~Scanner() {
+    sane_cancel(handle_);
+    sane_close(handle_);
+}
+
+PixelArray Scanner::ScanPage(const ScanWishes& wishes, const ScanProgress& progress) const {
+    ApplyWishes(handle_, wishes);
+    PixelArray picture = ReadFrames(handle_, progress).Picture();
+    const Resolution resolution = CurrentResolution(handle_);
     Metadata details;
     details.dotsPerInchX = resolution.x;
     details.dotsPerInchY = resolution.y;

@@ -39,11 +39,23 @@ class SaneSession {
     // The names of all sources, those of the network included, which may take seconds. Cameras, which the
     // library lists too, stand behind the scanners; the source that SANE_DEFAULT_DEVICE names stands first.
     std::vector<std::string> Sources() const;
+};
+
+// A source of the session, open. Its end parks the scanner, which takes its time and may hang in a driver:
+// what became of the page should be told before.
+class Scanner {
+  public:
+    explicit Scanner(const std::string& source); // throws ScanError
+    ~Scanner();
+    Scanner(const Scanner&) = delete;
+    Scanner& operator=(const Scanner&) = delete;
 
     // One page of the whole glass, its resolution in its details. Throws ScanError, and ImagingError where
     // what the scanner sends makes no picture.
-    PixelArray ScanPage(const std::string& source, const ScanWishes& wishes,
-                        const ScanProgress& progress) const;
+    PixelArray ScanPage(const ScanWishes& wishes, const ScanProgress& progress) const;
+
+  private:
+    void* handle_ = nullptr; // the library's
 };
 
 } // namespace pictorel::scanner

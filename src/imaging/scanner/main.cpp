@@ -8,8 +8,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <vector>
 #ifdef __linux__
 #include <sys/prctl.h>
 #endif
@@ -61,7 +63,8 @@ void SendPage(const PixelArray& picture) {
     std::cout.flush();
 }
 
-void Scan(const scanner::SaneSession& session, const std::vector<std::string>& sources, std::size_t index) {
+void Scan(const std::vector<std::string>& sources, std::size_t index) {
+    std::optional<scanner::Scanner> device; // parked when all is told
     try {
         if (index >= sources.size()) {
             throw scanner::ScanError("There is no such scanner.");
@@ -69,7 +72,8 @@ void Scan(const scanner::SaneSession& session, const std::vector<std::string>& s
         scanner::ScanProgress progress;
         progress.report = [](int percent) { std::cout << scanner::kProgress << ' ' << percent << std::endl; };
         progress.isStopped = [] { return stopAsked != 0 || !std::cout; };
-        SendPage(session.ScanPage(sources[index], {}, progress));
+        device.emplace(sources[index]);
+        SendPage(device->ScanPage({}, progress));
     } catch (const std::exception& error) {
         std::cout << scanner::kFailure << ' ' << Line(error.what()) << std::endl;
     }
@@ -87,7 +91,7 @@ void Converse() {
         std::string command;
         std::size_t index = 0;
         if (words >> command >> index && command == scanner::kScan) {
-            Scan(session, sources, index);
+            Scan(sources, index);
         }
     }
 }
