@@ -18,8 +18,9 @@ class OperationDispatcher : public ImageOperations {
     OperationDispatcher(Image_Mods& document, ProgressBar& progressBar, PreviewView previewView);
 
     // Starts from PreviewPixels (previewMode) or ImagePixels, so calls never pile up; leaves both as they
-    // are. After a preview the working picture is the committed one again. A step that fails is skipped: the view is then refreshed from the unchanged picture. A code
-    // outside 0..35 changes no pixels. Sets the changed mark in either mode.
+    // are. After a preview the working picture is the committed one again. A step that fails is skipped: the
+    // view is then refreshed from the unchanged picture. A code outside 0..35 changes no pixels. Sets the
+    // changed mark in either mode.
     void ApplyImageOperation(PictureSlot slot, std::int32_t code, bool previewMode, std::int32_t value1,
                              std::int32_t value2, std::int32_t value3) override;
 

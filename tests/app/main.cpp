@@ -6,7 +6,7 @@
 int main(int count, char** words) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("SANE_CONFIG_DIR", "/nowhere"); // no test looks for real scanners
-    qputenv("PICTOREL_UPDATE_URL", ""); // no start here asks the network
+    qputenv("PICTOREL_UPDATE_URL", "");     // no start here asks the network
     testing::InitGoogleTest(&count, words);
     const QApplication application(count, words);
     QApplication::setApplicationVersion(QStringLiteral("2.0.5"));
