@@ -12,7 +12,7 @@
 namespace pictorel {
 namespace {
 
-// The layout is that of the "Multimedia Programming Interface and Data Specifications 1.0" (1991): a RIFF
+// The layout is the one published in 1991 with the first multimedia programming interface: a RIFF
 // header of 12 bytes, then chunks of a name, a 32-bit size and so many bytes, padded to an even number.
 constexpr qsizetype kHeaderBytes = 12;
 constexpr qsizetype kChunkHeaderBytes = 8;
