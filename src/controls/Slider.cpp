@@ -1,6 +1,7 @@
 // A horizontal slider, see Slider.h.
 #include "controls/Slider.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -117,8 +118,12 @@ bool Slider::LosesMouse(const QEvent& event) const {
     switch (event.type()) {
         case QEvent::Hide:
         case QEvent::WindowBlocked: // a modal window came up
-        case QEvent::WindowDeactivate:
             return true;
+        case QEvent::WindowDeactivate: {
+            // Some desktops make every new window the active one, also the preview that this press shows.
+            const QWidget* const active = QApplication::activeWindow();
+            return active == nullptr || active == window() || active->parentWidget() != window();
+        }
         case QEvent::EnabledChange:
             return !isEnabled();
         default:

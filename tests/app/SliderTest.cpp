@@ -135,6 +135,17 @@ TEST_F(SliderHeld, LosingTheMouseGivesUp) {
     }
 }
 
+TEST_F(SliderHeld, AWindowOfItsOwnTakesNothing) {
+    QWidget tool(&editor_.Window(), Qt::Tool);
+    Press();
+    tool.show();
+    QApplication::setActiveWindow(&tool);
+    ASSERT_EQ(QApplication::activeWindow(), &tool);
+    EXPECT_NE(PreviewWindowOf(editor_), nullptr);
+    QTest::mouseRelease(&slider_, Qt::LeftButton, Qt::NoModifier, Thumb() + QPoint(25, 0));
+    EXPECT_EQ(editor_.HistoryCaptions(), (QStringList{"Open", "Brightness"}));
+}
+
 TEST_F(SliderHeld, KeysPreviewWithoutAWindowAndNeverTakeThePicturesPlace) {
     const PixelArray scene = editor_.Shown();
     slider_.setFocus();
