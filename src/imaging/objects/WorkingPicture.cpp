@@ -19,9 +19,10 @@ constexpr double kSharpenUnit = 25.0; // strength of amount 1
 } // namespace
 
 void WorkingPicture::SetPicture(const PixelArray& picture) {
-    asSet_ = picture;
     picture_ = picture;
     finer_ = picture.Finer();
+    // Kept for a reduced copy only: the picture before an edit would take as much memory as the one after.
+    asSet_ = finer_ ? picture : PixelArray();
     reduced_ = reducedFrom_ = PixelArray();
 }
 
@@ -54,8 +55,11 @@ const PixelArray& WorkingPicture::Result() const {
     if (picture_.IsEmpty()) {
         throw ImagingError(ImagingFailure::InvalidValue, "There is no picture.");
     }
-    if (!finer_ || IsUntouched()) {
-        return finer_ ? asSet_ : picture_;
+    if (!finer_) {
+        return picture_;
+    }
+    if (IsUntouched()) {
+        return asSet_;
     }
     if (!reducedFrom_.SharesPixelsWith(picture_)) {
         reduced_ = engine::Resize(picture_, asSet_.Width(), asSet_.Height());

@@ -61,13 +61,13 @@ class WorkingPicture : public ImageTransform {
     const PixelArray& SourceForExtremes() const; // for the brightest and the darkest of a square
     const PixelArray& SourceOfItsSize();         // for what changes the size: never a finer copy
 
-    // Whether no operation has changed a pixel of what was set.
+    // Whether no operation has changed a pixel of the reduced copy that was set.
     bool IsUntouched() const noexcept;
 
     // The working picture in the size of what was set.
     const PixelArray& Result() const;
 
-    PixelArray asSet_;
+    PixelArray asSet_; // the reduced copy where there are finer ones; empty otherwise
     PixelArray picture_;
     std::shared_ptr<const FinerCopies> finer_; // of asSet_, or null
 
