@@ -57,7 +57,19 @@ std::vector<Pair> RowPairs() {
     for (std::size_t i = 0; i < change.size(); ++i) {
         change[i] = static_cast<std::int32_t>(i * 37 % 511) - 255;
     }
-    add("add by luma", scalar::AddByLumaRow, simd::AddByLumaRow, change);
+    const auto addLookUp = [&](const std::string& name, auto plain, auto vectors, auto table,
+                               auto sectioned) {
+        pairs.push_back({name, [=](auto* in, auto* out, int width) { plain(in, out, width, table); },
+                         [=](auto* in, auto* out, int width) { vectors(in, out, width, sectioned); }});
+    };
+    addLookUp("add by luma", scalar::AddByLumaRow, simd::AddByLumaRow, change, SectionedChange(change));
+    ColourMaps maps{};
+    for (std::size_t i = 0; i < maps.blue.size(); ++i) {
+        maps.blue[i] = static_cast<std::uint8_t>(i * 7 + 3);
+        maps.green[i] = static_cast<std::uint8_t>(i * i + 91);
+        maps.red[i] = static_cast<std::uint8_t>(255 - i / 3);
+    }
+    addLookUp("map", scalar::MapRow, simd::MapRow, maps, SectionedMaps(maps));
     for (const int level : {0, 1, 128, 255, 256}) {
         add("threshold", scalar::ThresholdRow, simd::ThresholdRow, level);
     }

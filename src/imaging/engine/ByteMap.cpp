@@ -19,8 +19,9 @@ PixelArray ApplyMaps(const PixelArray& source, const ColourMaps& maps) {
     if (maps.blue == identity && maps.green == identity && maps.red == identity) {
         return source;
     }
+    const SectionedMaps sectioned(maps);
     return MapRows(source, [&](const std::uint8_t* in, std::uint8_t* out, int width) {
-        scalar::MapRow(in, out, width, maps);
+        simd::MapRow(in, out, width, sectioned);
     });
 }
 

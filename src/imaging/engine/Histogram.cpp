@@ -4,6 +4,9 @@
 #include "imaging/ForEachBand.h"
 #include "imaging/engine/PointRows.h"
 
+#include <algorithm>
+#include <cstring>
+#include <functional>
 #include <mutex>
 #include <vector>
 
@@ -15,70 +18,114 @@ namespace {
 constexpr std::size_t kSets = 4;
 using BandCounts = std::array<std::array<std::uint32_t, 256>, kSets>; // a band has fewer than 2^32 pixels
 
-// Each band makes a counter, which is given each row and then asked to count its visible pixels.
-template <std::size_t kHistograms, class MakeCounter>
-std::array<Histogram, kHistograms> CountAll(const PixelArray& source, const MakeCounter& makeCounter) {
-    std::array<Histogram, kHistograms> totals{};
-    std::mutex mutex;
-    const bool skipInvisible = source.HasAlpha();
-    ForEachBand(source.Height(), source.RowBytes(), [&](int first, int end) {
-        std::array<BandCounts, kHistograms> counts{};
-        auto counter = makeCounter();
-        for (int y = first; y < end; ++y) {
-            const std::uint8_t* const row = source.Row(y);
-            counter.Begin(row, source.Width());
-            for (int x = 0; x < source.Width(); ++x) {
-                if (!skipInvisible ||
-                    row[static_cast<std::ptrdiff_t>(x) * PixelArray::kComponents + 3] != 0) {
-                    counter.Count(counts, static_cast<std::size_t>(x));
-                }
-            }
-        }
-        const std::lock_guard lock(mutex);
-        for (std::size_t h = 0; h < kHistograms; ++h) {
-            for (const auto& set : counts[h]) {
-                for (std::size_t value = 0; value < set.size(); ++value) {
-                    totals[h][value] += set[value];
-                }
-            }
-        }
-    });
-    return totals;
+// Byte `k` of a number.
+constexpr std::size_t Byte(std::uint64_t number, unsigned k) {
+    return static_cast<std::size_t>(number >> (8 * k) & 0xFF);
 }
 
+// Counts the luma of rows. What eight pixels have is loaded at once.
 class LumaCounter {
   public:
+    static constexpr std::size_t kHistograms = 1;
+    using Counts = std::array<BandCounts, kHistograms>;
+
     explicit LumaCounter(int width) : luma_(static_cast<std::size_t>(width + 15) / 16 * 16) {}
 
     void Begin(const std::uint8_t* row, int width) { simd::LumaRow(row, luma_.data(), width); }
-    void Count(std::array<BandCounts, 1>& counts, std::size_t x) { ++counts[0][x % kSets][luma_[x]]; }
+
+    void CountOne(std::size_t x, Counts& counts) const { ++counts[0][x % kSets][luma_[x]]; }
+
+    static constexpr std::size_t kAtOnce = sizeof(std::uint64_t);
+    void CountSome(std::size_t x, Counts& counts) const {
+        std::uint64_t eight;
+        std::memcpy(&eight, luma_.data() + x, sizeof eight);
+        for (unsigned k = 0; k < kAtOnce; ++k) {
+            ++counts[0][k % kSets][Byte(eight, k)];
+        }
+    }
 
   private:
     std::vector<std::uint8_t> luma_; // of the row
 };
 
+// Counts the components of rows, two pixels at once.
 class ChannelCounter {
   public:
-    void Begin(const std::uint8_t* row, int) { row_ = row; }
-    void Count(std::array<BandCounts, 3>& counts, std::size_t x) {
-        const std::uint8_t* const pixel = row_ + x * PixelArray::kComponents;
-        ++counts[0][x % kSets][pixel[0]];
-        ++counts[1][x % kSets][pixel[1]];
-        ++counts[2][x % kSets][pixel[2]];
+    static constexpr std::size_t kHistograms = 3;
+    using Counts = std::array<BandCounts, kHistograms>;
+
+    explicit ChannelCounter(int /*width*/) {}
+
+    void Begin(const std::uint8_t* row, int /*width*/) { row_ = row; }
+
+    void CountOne(std::size_t x, Counts& counts) const {
+        for (std::size_t k = 0; k < kHistograms; ++k) {
+            ++counts[k][x % kSets][row_[x * PixelArray::kComponents + k]];
+        }
+    }
+
+    static constexpr std::size_t kAtOnce = 4;
+    void CountSome(std::size_t x, Counts& counts) const {
+        for (unsigned pair = 0; pair < 2; ++pair) {
+            std::uint64_t two;
+            std::memcpy(&two, row_ + (x + 2 * pair) * PixelArray::kComponents, sizeof two);
+            for (unsigned k = 0; k < kHistograms; ++k) {
+                ++counts[k][2 * pair][Byte(two, k)];
+                ++counts[k][2 * pair + 1][Byte(two, k + PixelArray::kComponents)];
+            }
+        }
     }
 
   private:
     const std::uint8_t* row_ = nullptr;
 };
 
+template <class Counter>
+void CountRow(const Counter& counter, const std::uint8_t* row, std::size_t width, bool hasAlpha,
+              typename Counter::Counts& counts) {
+    std::size_t x = 0;
+    if (!hasAlpha) {
+        for (; x + Counter::kAtOnce <= width; x += Counter::kAtOnce) {
+            counter.CountSome(x, counts);
+        }
+    }
+    for (; x < width; ++x) {
+        if (!hasAlpha || row[x * PixelArray::kComponents + 3] != 0) {
+            counter.CountOne(x, counts);
+        }
+    }
+}
+
+template <class Counter>
+std::array<Histogram, Counter::kHistograms> CountAll(const PixelArray& source) {
+    std::array<Histogram, Counter::kHistograms> totals{};
+    std::mutex mutex;
+    ForEachBand(source.Height(), source.RowBytes(), [&](int first, int end) {
+        typename Counter::Counts counts{};
+        Counter counter(source.Width());
+        for (int y = first; y < end; ++y) {
+            const std::uint8_t* const row = source.Row(y);
+            counter.Begin(row, source.Width());
+            CountRow(counter, row, static_cast<std::size_t>(source.Width()), source.HasAlpha(), counts);
+        }
+        const std::lock_guard lock(mutex);
+        for (std::size_t h = 0; h < counts.size(); ++h) {
+            for (const auto& set : counts[h]) {
+                std::transform(set.begin(), set.end(), totals[h].begin(), totals[h].begin(), std::plus<>());
+            }
+        }
+    });
+    return totals;
+}
+
 } // namespace
 
 Histogram LumaHistogram(const PixelArray& source) {
-    return CountAll<1>(source, [&] { return LumaCounter(source.Width()); })[0];
+    return CountAll<LumaCounter>(source)[0];
 }
 
 ColourHistograms ChannelHistograms(const PixelArray& source) {
-    const auto [blue, green, red] = CountAll<3>(source, [] { return ChannelCounter(); });
+    const auto [blue, green, red] = CountAll<ChannelCounter>(source);
     return {blue, green, red};
 }
 

@@ -85,8 +85,9 @@ PixelArray Equalize(const PixelArray& source, double weight) {
     if (added == std::array<std::int32_t, 256>{}) {
         return source;
     }
+    const SectionedChange sectioned(added);
     return MapRows(source, [&](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::AddByLumaRow(in, out, width, added);
+        simd::AddByLumaRow(in, out, width, sectioned);
     });
 }
 

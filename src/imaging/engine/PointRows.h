@@ -2,6 +2,7 @@
 #pragma once
 
 #include "imaging/engine/ByteMap.h"
+#include "imaging/engine/SectionedMap.h"
 
 #include <array>
 #include <cstdint>
@@ -42,12 +43,12 @@ namespace simd {
 
 void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum);
 void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width);
+void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const SectionedMaps& maps);
 void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);
 void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor);
 void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants);
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount);
-void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
-                  const std::array<std::int32_t, 256>& change);
+void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width, const SectionedChange& change);
 void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width);
 
 } // namespace simd

@@ -5,8 +5,11 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/PointRowsSimd.cpp"
-#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
+// Included again for every kind of vectors, after the line above.
+#include "imaging/engine/LumaLanes-inl.h"
+#include "imaging/engine/RowWriter-inl.h"
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -14,7 +17,6 @@ namespace pictorel::engine::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 // Without vectors, the plain loops are what is best.
-using scalar::AddByLumaRow;
 using scalar::AddRow;
 using scalar::HueRow;
 using scalar::InvertRow;
@@ -36,34 +38,6 @@ using Floats = hn::ScalableTag<float>;
 using ByteVector = hn::Vec<Bytes>;
 using PixelVector = hn::Vec<Pixels>;
 using FloatVector = hn::Vec<Floats>;
-
-// Results of long rows go past the cache, since a picture that has them is larger than it; those of short
-// ones, which a preview shows right away, stay there.
-class RowWriter {
-  public:
-    RowWriter(std::uint8_t* out, int width) : out_(out), streams_(width >= kStreamedWidth) {}
-    ~RowWriter() {
-        if (streams_) {
-            hwy::FlushStream();
-        }
-    }
-    RowWriter(const RowWriter&) = delete;
-    RowWriter& operator=(const RowWriter&) = delete;
-
-    HWY_INLINE void Write(ByteVector pixels, std::size_t at) const {
-        if (streams_) {
-            hn::Stream(pixels, Bytes(), out_ + at);
-        } else {
-            hn::Store(pixels, Bytes(), out_ + at);
-        }
-    }
-
-  private:
-    static constexpr int kStreamedWidth = 2048;
-
-    std::uint8_t* out_;
-    bool streams_;
-};
 
 // Rows begin on 64-byte boundaries and have room up to the next one, so there is no rest shorter than a
 // vector.
@@ -123,14 +97,6 @@ FloatVector ScaledLumaOf(const Colours& c) {
         hn::Mul(c.red, hn::Set(floats, kLumaRed)));
 }
 
-// Rounding down after multiplying by the reciprocal is exact too: at a whole quotient the float product
-// rounds to the quotient, and the next value below it is further off than a float of this size resolves.
-hn::Vec<Ints> LumaOf(const Colours& c) {
-    const Floats floats;
-    const auto scaled = hn::Add(ScaledLumaOf(c), hn::Set(floats, kLumaUnit / 2));
-    return hn::ConvertTo(Ints(), hn::Mul(scaled, hn::Set(floats, 1.0F / kLumaUnit)));
-}
-
 // Three components and the same bytes of alpha that leave it alone.
 ByteVector Repeated(const std::array<std::uint8_t, 4>& pixel) {
     const std::uint32_t lane = pixel[0] | std::uint32_t{pixel[1]} << 8 | std::uint32_t{pixel[2]} << 16 |
@@ -152,11 +118,14 @@ void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width) {
 }
 
 void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level) {
-    const Floats floats;
-    const auto least = hn::Set(floats, static_cast<float>(level * kLumaUnit));
-    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
-        const auto value = hn::IfThenElseZero(hn::Ge(ScaledLumaOf(c), least), hn::Set(floats, 255.0F));
-        return Colours{value, value, value};
+    const Pixels pixels;
+    const auto tooDark = hn::Set(Ints(), level * kLumaUnit - 1);
+    ChangeBytes(in, out, width, [&](ByteVector row) HWY_ATTR {
+        const auto before = hn::BitCast(pixels, row);
+        const auto luma = AddScaledLuma(hn::Zero(Ints()), before);
+        const auto white = hn::BitCast(pixels, hn::VecFromMask(Ints(), hn::Gt(luma, tooDark)));
+        const auto colourBits = hn::Set(pixels, 0x00FFFFFF);
+        return hn::BitCast(Bytes(), hn::Or(hn::And(white, colourBits), hn::AndNot(colourBits, before)));
     });
 }
 
@@ -223,21 +192,13 @@ void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float am
     });
 }
 
-void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
-                  const std::array<std::int32_t, 256>& change) {
-    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
-        const auto added = hn::ConvertTo(Floats(), hn::GatherIndex(Ints(), change.data(), LumaOf(c)));
-        return Colours{hn::Add(c.blue, added), hn::Add(c.green, added), hn::Add(c.red, added)};
-    });
-}
-
 void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width) {
     const Bytes bytes;
     const Pixels pixels;
     const std::size_t lanes = hn::Lanes(pixels);
     for (std::size_t x = 0; x < static_cast<std::size_t>(width); x += lanes) {
         const auto row = hn::BitCast(pixels, hn::Load(bytes, in + x * kComponents));
-        const auto value = hn::BitCast(pixels, LumaOf(Split(row)));
+        const auto value = hn::BitCast(pixels, RoundedLuma(row));
         hn::StoreU(hn::U8FromU32(value), hn::Rebind<std::uint8_t, Pixels>(), luma + x);
     }
 }
@@ -256,7 +217,6 @@ HWY_EXPORT(ThresholdRow);
 HWY_EXPORT(SaturationRow);
 HWY_EXPORT(HueRow);
 HWY_EXPORT(LightnessRow);
-HWY_EXPORT(AddByLumaRow);
 HWY_EXPORT(LumaRow);
 
 namespace simd {
@@ -283,11 +243,6 @@ void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants
 
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount) {
     HWY_DYNAMIC_DISPATCH(LightnessRow)(in, out, width, amount);
-}
-
-void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
-                  const std::array<std::int32_t, 256>& change) {
-    HWY_DYNAMIC_DISPATCH(AddByLumaRow)(in, out, width, change);
 }
 
 void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width) {
