@@ -57,26 +57,18 @@ HalfKernel GaussianKernel(double sigma) {
 
 namespace scalar {
 
-void Convolve(const WideComponent* in, std::ptrdiff_t step, const HalfKernel& kernel, WideComponent* out,
+void Convolve(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
               std::size_t count) {
-    constexpr std::size_t kBlock = 256; // sums that stay in registers or the nearest cache
-    for (std::size_t begin = 0; begin < count; begin += kBlock) {
-        const std::size_t size = std::min(kBlock, count - begin);
-        std::int32_t sums[kBlock];
-        for (std::size_t i = 0; i < size; ++i) {
-            sums[i] = kKernelUnit / 2 + kernel[0] * in[begin + i];
-        }
+    const auto weighted = [&](int value, std::size_t k) {
+        return (value * kernel[k] + kKernelUnit / 2) / kKernelUnit;
+    };
+    const std::size_t centre = kernel.size() - 1;
+    for (std::size_t i = 0; i < count; ++i) {
+        int sum = weighted(taps[centre][i], 0);
         for (std::size_t k = 1; k < kernel.size(); ++k) {
-            const std::ptrdiff_t distance = static_cast<std::ptrdiff_t>(k) * step;
-            const WideComponent* const left = in + begin - distance;
-            const WideComponent* const right = in + begin + distance;
-            for (std::size_t i = 0; i < size; ++i) {
-                sums[i] += kernel[k] * (left[i] + right[i]);
-            }
+            sum += weighted(taps[centre - k][i] + taps[centre + k][i], k);
         }
-        for (std::size_t i = 0; i < size; ++i) {
-            out[begin + i] = static_cast<WideComponent>(sums[i] / kKernelUnit);
-        }
+        out[i] = static_cast<WideComponent>(sum);
     }
 }
 

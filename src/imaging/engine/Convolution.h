@@ -1,7 +1,7 @@
-// Convolution with a symmetric kernel along rows or columns, in exact fixed-point arithmetic.
+// Convolution with a symmetric kernel along rows or columns, in fixed-point arithmetic.
 #pragma once
 
-#include "imaging/engine/Tiles.h"
+#include "imaging/engine/TileRows.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,18 +15,21 @@ namespace pictorel::engine {
 using HalfKernel = std::vector<std::int16_t>;
 inline constexpr int kKernelUnit = 32768;
 
+// Kernels of more entries are convolved slowly; wide bells are made by halving first.
+inline constexpr std::size_t kUsualTaps = 13;
+
 // A Gaussian of this standard deviation, cut where what is left out stays below a quarter of a level. Empty
 // where the kernel would be a single 1.
 HalfKernel GaussianKernel(double sigma);
 
-// out[i] = the mean of in[i - k step] and in[i + k step] over all k, weighted by `kernel` and rounded, for
-// 0 <= i < count. `in` is readable for kernel.size() - 1 steps on either side.
-void Convolve(const WideComponent* in, std::ptrdiff_t step, const HalfKernel& kernel, WideComponent* out,
+// out[i] = what the kernel makes of taps[0][i], taps[1][i], ...: 2 kernel.size() - 1 rows of `count`
+// components, the centre in the middle. Each product is rounded to the nearest wide component.
+void Convolve(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
               std::size_t count);
 
 namespace scalar {
 
-void Convolve(const WideComponent* in, std::ptrdiff_t step, const HalfKernel& kernel, WideComponent* out,
+void Convolve(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
               std::size_t count);
 
 } // namespace scalar

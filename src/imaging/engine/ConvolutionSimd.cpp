@@ -1,6 +1,10 @@
 // Convolution with a symmetric kernel in vectors, see Convolution.h.
 #include "imaging/engine/Convolution.h"
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/ConvolutionSimd.cpp"
 #include <hwy/foreach_target.h>
@@ -16,79 +20,53 @@ using scalar::Convolve;
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Wides = hn::ScalableTag<WideComponent>;
-using Sums = hn::ScalableTag<std::int32_t>;
-using WideVector = hn::Vec<Wides>;
-using SumVector = hn::Vec<Sums>;
+// Taps next to each other in a row lie across cache lines, which costs the longest vectors more than they
+// save.
+using Wides = hn::CappedTag<WideComponent, 16>;
 
-// sum + products of the lanes of `a` and `b`, those of neighbours added up in one 32-bit lane.
-SumVector AddPairs(SumVector sum, WideVector a, WideVector b) {
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128 // elsewhere it leaves open which products go together
-    SumVector unused = hn::Zero(Sums());
-    return hn::ReorderWidenMulAccumulate(Sums(), a, b, sum, unused);
-#else
-    const auto low = [](WideVector v)
-                         HWY_ATTR { return hn::ShiftRight<16>(hn::ShiftLeft<16>(hn::BitCast(Sums(), v))); };
-    const auto high = [](WideVector v) HWY_ATTR { return hn::ShiftRight<16>(hn::BitCast(Sums(), v)); };
-    return hn::Add(sum, hn::Add(hn::Mul(low(a), low(b)), hn::Mul(high(a), high(b))));
-#endif
-}
-
-// The sums of `kVectors` neighbouring vectors, two taps at a time: interleaved, so that the products of one
-// component lie next to each other.
-template <std::size_t kVectors>
-void ConvolveVectors(const WideComponent* in, std::ptrdiff_t step, const HalfKernel& kernel,
-                     WideComponent* out) {
+// One vector at a time, with the weights in registers: what limits the loop are its loads.
+template <std::size_t kRadius>
+void ConvolveWithin(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
+                    std::size_t count) {
     const Wides wides;
-    const Sums sums;
-    const auto lanes = static_cast<std::ptrdiff_t>(hn::Lanes(wides));
-    SumVector lower[kVectors];
-    SumVector upper[kVectors];
-    for (std::size_t v = 0; v < kVectors; ++v) {
-        lower[v] = upper[v] = hn::Set(sums, kKernelUnit / 2);
+    const std::size_t lanes = hn::Lanes(wides);
+    const WideComponent* rows[2 * kRadius + 1];
+    std::copy_n(taps, 2 * kRadius + 1, rows);
+    hn::Vec<Wides> weights[kRadius + 1];
+    for (std::size_t k = 0; k <= kRadius; ++k) {
+        weights[k] = hn::Set(wides, kernel[k]);
     }
-    const auto both = [&](const WideComponent* centre, std::ptrdiff_t distance) HWY_ATTR {
-        return hn::Add(hn::LoadU(wides, centre - distance), hn::LoadU(wides, centre + distance));
-    };
-    for (std::size_t k = 0; k < kernel.size(); k += 2) {
-        const bool paired = k + 1 < kernel.size();
-        const auto weights = hn::InterleaveLower(wides, hn::Set(wides, kernel[k]),
-                                                 hn::Set(wides, paired ? kernel[k + 1] : WideComponent{0}));
-        const auto distance = static_cast<std::ptrdiff_t>(k) * step;
-        for (std::size_t v = 0; v < kVectors; ++v) {
-            const WideComponent* const centre = in + static_cast<std::ptrdiff_t>(v) * lanes;
-            const auto near = k == 0 ? hn::LoadU(wides, centre) : both(centre, distance);
-            const auto far = paired ? both(centre, distance + step) : near;
-            lower[v] = AddPairs(lower[v], hn::InterleaveLower(wides, near, far), weights);
-            upper[v] = AddPairs(upper[v], hn::InterleaveUpper(wides, near, far), weights);
+    const auto convolve = [&](std::size_t i) HWY_ATTR {
+        auto sum = hn::MulFixedPoint15(hn::LoadU(wides, rows[kRadius] + i), weights[0]);
+        HWY_UNROLL(16)
+        for (std::size_t k = 1; k <= kRadius; ++k) {
+            const auto both =
+                hn::Add(hn::LoadU(wides, rows[kRadius - k] + i), hn::LoadU(wides, rows[kRadius + k] + i));
+            sum = hn::Add(sum, hn::MulFixedPoint15(both, weights[k]));
         }
+        hn::StoreU(sum, wides, out + i);
+    };
+    for (std::size_t i = 0; i + lanes <= count; i += lanes) {
+        convolve(i);
     }
-    constexpr int kKernelBits = 15;
-    static_assert(1 << kKernelBits == kKernelUnit);
-    for (std::size_t v = 0; v < kVectors; ++v) {
-        const auto rounded = hn::ReorderDemote2To(wides, hn::ShiftRight<kKernelBits>(lower[v]),
-                                                  hn::ShiftRight<kKernelBits>(upper[v]));
-        hn::StoreU(rounded, wides, out + static_cast<std::ptrdiff_t>(v) * lanes);
-    }
+    convolve(count - lanes); // what it writes twice is the same twice
 }
 
-void Convolve(const WideComponent* in, std::ptrdiff_t step, const HalfKernel& kernel, WideComponent* out,
+using Convolver = void (*)(const WideComponent* const*, const HalfKernel&, WideComponent*, std::size_t);
+
+template <std::size_t... kRadii>
+constexpr std::array<Convolver, sizeof...(kRadii)> MakeConvolvers(std::index_sequence<kRadii...> /*radii*/) {
+    return {ConvolveWithin<kRadii>...};
+}
+
+void Convolve(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
               std::size_t count) {
-    constexpr std::size_t kVectors = 4; // as many as there are registers for
-    const std::size_t lanes = hn::Lanes(Wides());
-    if (count < lanes) {
-        scalar::Convolve(in, step, kernel, out, count);
+    static constexpr auto kConvolvers = MakeConvolvers(std::make_index_sequence<kUsualTaps>());
+    if (count < hn::Lanes(Wides()) || kernel.size() > kConvolvers.size()) {
+        scalar::Convolve(taps, kernel, out, count);
         return;
     }
-    std::size_t i = 0;
-    for (; i + kVectors * lanes <= count; i += kVectors * lanes) {
-        ConvolveVectors<kVectors>(in + i, step, kernel, out + i);
-    }
-    for (; i < count; i += lanes) {
-        // The last vector moves back to end with the row; what it writes twice is the same twice.
-        i = std::min(i, count - lanes);
-        ConvolveVectors<1>(in + i, step, kernel, out + i);
-    }
+    kConvolvers[kernel.size() - 1](taps, kernel, out, count);
 }
 
 #endif
@@ -101,9 +79,9 @@ namespace pictorel::engine {
 
 HWY_EXPORT(Convolve);
 
-void Convolve(const WideComponent* in, std::ptrdiff_t step, const HalfKernel& kernel, WideComponent* out,
+void Convolve(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
               std::size_t count) {
-    HWY_DYNAMIC_DISPATCH(Convolve)(in, step, kernel, out, count);
+    HWY_DYNAMIC_DISPATCH(Convolve)(taps, kernel, out, count);
 }
 
 } // namespace pictorel::engine

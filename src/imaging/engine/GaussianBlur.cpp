@@ -1,8 +1,11 @@
 // Gaussian blur and the unsharp mask made from it, see Filters.h.
-#include "imaging/engine/Convolution.h"
+#include "imaging/engine/BlurredRows.h"
 #include "imaging/engine/Filters.h"
+#include "imaging/engine/GaussianPyramid.h"
 #include "imaging/engine/Parameters.h"
-#include "imaging/engine/Tiles.h"
+#include "imaging/engine/Streaming.h"
+
+#include <vector>
 
 namespace pictorel::engine {
 namespace {
@@ -10,51 +13,87 @@ namespace {
 constexpr int kComponents = PixelArray::kComponents;
 constexpr double kWidest = 1000;
 
-struct BlurScratch {
-    std::vector<WideComponent> tile;
-    std::vector<WideComponent> columns;
-    std::vector<WideComponent> row;
-};
+// Makes a picture like `source` strip by strip: makeRows(area) gives what hands out wide rows, finish(wide
+// row, x, y, width, pixels) makes pixels of them.
+template <class MakeRows, class Finish>
+PixelArray FromStrips(const PixelArray& source, const MakeRows& makeRows, const Finish& finish) {
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    const bool streams = IsStreamed(result);
+    ForEachStrip(BoundsOf(source), [&](const TileArea& area) {
+        auto wideRows = makeRows(area);
+        std::vector<std::uint8_t> pixels(static_cast<std::size_t>(area.width) * kComponents);
+        for (int y = area.top; y < area.top + area.height; ++y) {
+            finish(wideRows.Row(y), area.left, y, area.width, pixels.data());
+            CopyRow(pixels.data(), pixels.size(), streams,
+                    rows + y * result.Stride() + static_cast<std::ptrdiff_t>(area.left) * kComponents);
+        }
+    });
+    return result;
+}
 
-// Blurs tile by tile, down the columns first, and hands out each row as finish(wide row, x, y, width).
-template <class Finish>
-void BlurRows(const PixelArray& source, const HalfKernel& kernel, const Finish& finish) {
-    const int radius = static_cast<int>(kernel.size()) - 1;
-    ForEachTile<BlurScratch>(
-        source.Width(), source.Height(), [&](const TileArea& area, BlurScratch& scratch) {
-            const std::ptrdiff_t rowLength =
-                static_cast<std::ptrdiff_t>(area.width + 2 * radius) * kComponents;
-            const auto columnsSize = static_cast<std::size_t>(area.height * rowLength);
-            scratch.tile.resize(static_cast<std::size_t>((area.height + 2 * radius) * rowLength));
-            scratch.columns.resize(columnsSize);
-            scratch.row.resize(static_cast<std::size_t>(area.width) * kComponents);
-            LoadWideTile(source, area, {radius, radius}, scratch.tile.data());
-            Convolve(scratch.tile.data() + radius * rowLength, rowLength, kernel, scratch.columns.data(),
-                     columnsSize);
-            for (int y = 0; y < area.height; ++y) {
-                Convolve(scratch.columns.data() + y * rowLength +
-                             static_cast<std::ptrdiff_t>(radius) * kComponents,
-                         kComponents, kernel, scratch.row.data(), scratch.row.size());
-                finish(scratch.row.data(), area.left, area.top + y, area.width);
-            }
-        });
+WidePlane Blurred(const WidePlane& source, const HalfKernel& kernel) {
+    const Bounds& bounds = source.Extent();
+    WidePlane result(bounds);
+    ForEachStrip(bounds, [&](const TileArea& area) {
+        BlurredRows<WidePlane> rows(source, kernel, area.left, area.width);
+        for (int y = area.top; y < area.top + area.height; ++y) {
+            std::copy_n(rows.Row(y), static_cast<std::ptrdiff_t>(area.width) * kComponents,
+                        result.Row(y) + static_cast<std::ptrdiff_t>(area.left - bounds.left) * kComponents);
+        }
+    });
+    return result;
+}
+
+WidePlane Doubled(const WidePlane& half, const Bounds& bounds) {
+    WidePlane result(bounds);
+    ForEachStrip(bounds, [&](const TileArea& area) {
+        DoubledRows rows(half, area.left, area.width);
+        for (int y = area.top; y < area.top + area.height; ++y) {
+            std::copy_n(rows.Row(y), static_cast<std::ptrdiff_t>(area.width) * kComponents,
+                        result.Row(y) + static_cast<std::ptrdiff_t>(area.left - bounds.left) * kComponents);
+        }
+    });
+    return result;
+}
+
+// The plane from which the blurred picture comes by doubling: halved as often as planned, blurred, and
+// doubled back to the first half.
+WidePlane BlurredHalf(const PixelArray& source, const PyramidPlan& plan) {
+    WidePlane plane = Halved(source);
+    std::vector<Bounds> larger;
+    for (int i = 1; i < plan.halvings; ++i) {
+        larger.push_back(plane.Extent());
+        plane = Halved(plane);
+    }
+    plane = Blurred(plane, GaussianKernel(plan.sigma));
+    for (; !larger.empty(); larger.pop_back()) {
+        plane = Doubled(plane, larger.back());
+    }
+    return plane;
 }
 
 } // namespace
 
 PixelArray GaussianBlur(const PixelArray& source, double sigma) {
     RequireRange("blur", sigma, 0, kWidest);
-    const HalfKernel kernel = GaussianKernel(sigma * source.Reduction());
+    const PyramidPlan plan(sigma * source.Reduction());
+    const auto narrow = [&](const WideComponent* wide, int, int, int width, std::uint8_t* pixels) {
+        NarrowRow(wide, width, source.HasAlpha(), pixels);
+    };
+    if (plan.halvings > 0) {
+        const WidePlane half = BlurredHalf(source, plan);
+        return FromStrips(
+            source, [&](const TileArea& area) { return DoubledRows(half, area.left, area.width); }, narrow);
+    }
+    const HalfKernel kernel = GaussianKernel(plan.sigma);
     if (kernel.empty()) {
         return source;
     }
-    PixelArray result = PixelArray::Like(source);
-    std::uint8_t* const rows = result.WritableRows();
-    BlurRows(source, kernel, [&](const WideComponent* wide, int x, int y, int width) {
-        NarrowRow(wide, width, source.HasAlpha(),
-                  rows + y * result.Stride() + static_cast<std::ptrdiff_t>(x) * kComponents);
-    });
-    return result;
+    return FromStrips(
+        source,
+        [&](const TileArea& area) { return BlurredRows<PixelArray>(source, kernel, area.left, area.width); },
+        narrow);
 }
 
 PixelArray UnsharpMask(const PixelArray& source, double amount) {
@@ -63,14 +102,13 @@ PixelArray UnsharpMask(const PixelArray& source, double amount) {
     if (amount == 0 || kernel.empty()) {
         return source;
     }
-    PixelArray result = PixelArray::Like(source);
-    std::uint8_t* const rows = result.WritableRows();
-    BlurRows(source, kernel, [&](const WideComponent* wide, int x, int y, int width) {
-        const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(x) * kComponents;
-        SharpenRow(source.Row(y) + offset, wide, width, source.HasAlpha(), static_cast<float>(amount),
-                   rows + y * result.Stride() + offset);
-    });
-    return result;
+    return FromStrips(
+        source,
+        [&](const TileArea& area) { return BlurredRows<PixelArray>(source, kernel, area.left, area.width); },
+        [&](const WideComponent* wide, int x, int y, int width, std::uint8_t* pixels) {
+            SharpenRow(source.Row(y) + static_cast<std::ptrdiff_t>(x) * kComponents, wide, width,
+                       source.HasAlpha(), static_cast<float>(amount), pixels);
+        });
 }
 
 } // namespace pictorel::engine
