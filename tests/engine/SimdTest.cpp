@@ -2,6 +2,7 @@
 #include "engine/TestPictures.h"
 #include "imaging/engine/Convolution.h"
 #include "imaging/engine/DiffuseRows.h"
+#include "imaging/engine/MotionRows.h"
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RankRows.h"
@@ -352,6 +353,56 @@ TEST(Simd, ConvolutionEqualsPlainLoops) {
                         << target << " sigma " << sigma << " step " << step << " count " << count;
                 }
             }
+        }
+    });
+}
+
+TEST(Simd, SlidingMeansEqualPlainLoops) {
+    constexpr int kRoom = 144; // a multiple of 16
+    const PixelArray source = Random({kRoom / 4, 60});
+    ForEachTarget([&](const char* target) {
+        for (const double length : {1.5, 2.0, 7.3, 40.0, 126.0}) {
+            const auto line = FixedLine::Of(Line(length));
+            ASSERT_TRUE(line) << length;
+            for (const int size : {4, 64, 132}) {
+                PixelArray plain(kRoom / 4, 60);
+                PixelArray vectors(kRoom / 4, 60);
+                const auto stack = [&](PixelArray& out) {
+                    return Stack{source.Row(0), source.Stride(), out.WritableRows(), out.Stride(), 60, size};
+                };
+                scalar::Slide(stack(plain), *line);
+                simd::Slide(stack(vectors), *line);
+                for (int y = 0; y < 60; ++y) {
+                    ASSERT_TRUE(std::equal(plain.Row(y), plain.Row(y) + size, vectors.Row(y)))
+                        << target << " length " << length << " size " << size << " row " << y;
+                }
+            }
+        }
+    });
+    EXPECT_FALSE(FixedLine::Of(Line(130))) << "the sum of 130 whites does not fit";
+}
+
+TEST(Simd, SumsOfPairsEqualPlainLoops) {
+    std::vector<WideComponent> in(3000);
+    std::mt19937 generator(11);
+    for (WideComponent& component : in) {
+        component = static_cast<WideComponent>(generator() % 3 == 0 ? 255 * kWideUnit
+                                                                    : generator() % (255 * kWideUnit));
+    }
+    std::vector<WeightedPair> pairs;
+    for (int left = 65536; left > 0;) {
+        const int weight = std::min<int>(left, static_cast<int>(generator() % 9000) + 1);
+        pairs.push_back({in.data() + generator() % 2000, in.data() + generator() % 2000,
+                         static_cast<std::int16_t>(weight)});
+        left -= weight;
+    }
+    ForEachTarget([&](const char* target) {
+        for (const std::size_t count : {4U, 20U, 68U, 400U}) {
+            std::vector<WideComponent> plain(count);
+            std::vector<WideComponent> vectors(count);
+            scalar::SumPairs(pairs, count, plain.data());
+            simd::SumPairs(pairs, count, vectors.data());
+            EXPECT_EQ(vectors, plain) << target << " count " << count;
         }
     });
 }

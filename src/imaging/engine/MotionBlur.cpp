@@ -1,13 +1,15 @@
 // Mean along a line at any angle, see Filters.h.
 #include "imaging/Limits.h"
 #include "imaging/engine/Filters.h"
+#include "imaging/engine/MotionRows.h"
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/Tiles.h"
+#include "imaging/engine/TurnTile.h"
 
-#include <array>
 #include <cmath>
 #include <map>
 #include <numbers>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -16,43 +18,27 @@ namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
 
-// A line of `length` pixels covers the pixel and `whole` neighbours on either side, and of the next one on
-// either side the share `tip`.
-struct Line {
-    double length;
-    int whole;
-    double tip;
-
-    explicit Line(double lengthInPixels)
-        : length(lengthInPixels),
-          whole(static_cast<int>((lengthInPixels - 1) / 2)),
-          tip((lengthInPixels - 1) / 2 - whole) {}
-};
-
-// A stack of rows to slide over: `count` elements of `size` components, `step` bytes
-// apart in the source and in the result alike.
-struct Lane {
-    const std::uint8_t* in;
-    std::uint8_t* out;
-    std::ptrdiff_t step;
-    int count;
-    int size;
-
-    const std::uint8_t* Element(int index) const { return in + std::clamp(index, 0, count - 1) * step; }
-};
-
-// Keeps the sums of the whole elements and exchanges one element for the next at each step, so the time does
-// not depend on the length.
-void Slide(const Lane& lane, const Line& line, bool hasAlpha) {
-    std::vector<std::int32_t> whole(static_cast<std::size_t>(lane.size));
+// With the sums of whole rows kept and one row exchanged for the next at each step, the time does not depend
+// on the length.
+void SlideExactly(const Stack& stack, const Line& line, bool hasAlpha) {
+    std::vector<std::int32_t> whole(static_cast<std::size_t>(stack.size));
     for (int index = -line.whole; index <= line.whole; ++index) {
-        AddToMean(lane.Element(index), lane.size, hasAlpha, whole.data());
+        AddToMean(stack.Row(index), stack.size, hasAlpha, whole.data());
     }
-    for (int index = 0; index < lane.count; ++index) {
-        const MeanStep step{lane.Element(index - line.whole - 1), lane.Element(index - line.whole),
-                            lane.Element(index + line.whole + 1), static_cast<float>(line.tip),
+    for (int index = 0; index < stack.count; ++index) {
+        const MeanStep step{stack.Row(index - line.whole - 1), stack.Row(index - line.whole),
+                            stack.Row(index + line.whole + 1), static_cast<float>(line.tip),
                             static_cast<float>(1 / line.length)};
-        SlideRow(step, lane.size, hasAlpha, whole.data(), lane.out + index * lane.step);
+        SlideRow(step, stack.size, hasAlpha, whole.data(), stack.out + index * stack.outStep);
+    }
+}
+
+void BlurStack(const Stack& stack, const Line& line, bool hasAlpha) {
+    const std::optional<FixedLine> fixed = hasAlpha ? std::nullopt : FixedLine::Of(line);
+    if (fixed) {
+        simd::Slide(stack, *fixed);
+    } else {
+        SlideExactly(stack, line, hasAlpha);
     }
 }
 
@@ -70,44 +56,32 @@ PixelArray BlurVertically(const PixelArray& source, const Line& line) {
             const int left = strip * kStripWidth;
             const int width = std::min(kStripWidth, source.Width() - left);
             const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(left) * kComponents;
-            Slide({source.Row(0) + offset, rows + offset, source.Stride(), source.Height(),
-                   width * kComponents},
-                  line, source.HasAlpha());
+            BlurStack({source.Row(0) + offset, source.Stride(), rows + offset, result.Stride(),
+                       source.Height(), width * kComponents},
+                      line, source.HasAlpha());
         }
     });
     return result;
 }
 
-// The same along one row, which goes on with its end pixels for as long as the line is: so no step needs to
-// look where it is.
-void SlideRowAlong(const std::uint8_t* in, std::uint8_t* out, int width, const Line& line, bool hasAlpha,
-                   std::vector<std::uint8_t>& continued) {
-    const std::ptrdiff_t margin = line.whole + 1;
-    continued.resize(static_cast<std::size_t>(width + 2 * margin) * kComponents);
-    std::uint8_t* const begin = continued.data() + margin * kComponents;
-    std::uint8_t* const end = begin + static_cast<std::ptrdiff_t>(width) * kComponents;
-    std::copy_n(in, end - begin, begin);
-    for (std::ptrdiff_t i = 0; i < margin; ++i) {
-        std::copy_n(begin, kComponents, continued.data() + i * kComponents);
-        std::copy_n(end - kComponents, kComponents, end + i * kComponents);
-    }
-    std::array<std::int32_t, kComponents> whole{};
-    for (std::ptrdiff_t i = 0; i <= 2 * line.whole; ++i) {
-        AddToMean(continued.data() + (i + 1) * kComponents, kComponents, hasAlpha, whole.data());
-    }
-    SlideAlong({continued.data(), continued.data() + kComponents, begin + margin * kComponents,
-                static_cast<float>(line.tip), static_cast<float>(1 / line.length)},
-               width, hasAlpha, whole.data(), out);
-}
-
+// Some rows at a time are turned, so that their columns are stacked like rows, and turned back.
 PixelArray BlurHorizontally(const PixelArray& source, const Line& line) {
+    constexpr int kRowsAtOnce = 16; // whose pixels of one column fill a cache line
+    constexpr int kColumn = kRowsAtOnce * kComponents;
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
+    const int width = source.Width();
     ForEachBand(source.Height(), 2 * source.RowBytes(), [&](int first, int end) {
-        std::vector<std::uint8_t> continued;
-        for (int y = first; y < end; ++y) {
-            SlideRowAlong(source.Row(y), rows + y * result.Stride(), source.Width(), line, source.HasAlpha(),
-                          continued);
+        PixelArray turned(kRowsAtOnce, width);
+        PixelArray blurred(kRowsAtOnce, width);
+        for (int y = first; y < end; y += kRowsAtOnce) {
+            const int count = std::min(kRowsAtOnce, end - y);
+            simd::Transpose(
+                {source.Row(y), source.Stride(), turned.WritableRows(), kColumn, count, width, false});
+            BlurStack({turned.Row(0), kColumn, blurred.WritableRows(), kColumn, width, count * kComponents},
+                      line, source.HasAlpha());
+            simd::Transpose(
+                {blurred.Row(0), kColumn, rows + y * result.Stride(), result.Stride(), width, count, false});
         }
     });
     return result;
@@ -116,10 +90,19 @@ PixelArray BlurHorizontally(const PixelArray& source, const Line& line) {
 struct Tap {
     int x;
     int y;
-    float weight;
+    std::int16_t weight; // in 1/131072, for the pixel on the other side of the centre as well
 };
 
-// The line as weights of pixels: one point a pixel of its length, each spread over the four pixels around it.
+// A weight that is too large for one tap is spread over several.
+void AppendTap(int x, int y, int weight, std::vector<Tap>& taps) {
+    constexpr int kMost = 32767;
+    for (int left = weight; left > 0; left -= kMost) {
+        taps.push_back({x, y, static_cast<std::int16_t>(std::min(left, kMost))});
+    }
+}
+
+// One half of the line as weights of pixels, and the centre: one point a pixel of its length, each spread
+// over the four pixels around it. The other half mirrors it.
 std::vector<Tap> TapsOf(const Line& line, double degrees) {
     const double angle = degrees * std::numbers::pi / 180;
     const double stepX = std::cos(angle);
@@ -138,19 +121,25 @@ std::vector<Tap> TapsOf(const Line& line, double degrees) {
         weights[{y + 1, x}] += weight * (1 - right) * bottom;
         weights[{y + 1, x + 1}] += weight * right * bottom;
     }
+    // Each rounding makes up for the ones before it; the centre, which is its own partner, has what is left.
+    constexpr double kUnit = 131072;
     std::vector<Tap> taps;
-    for (const auto& [position, weight] : weights) {
-        if (weight > 1e-9) {
-            taps.push_back({position.second, position.first, static_cast<float>(weight)});
-        }
+    double exact = 0;
+    int placed = 0;
+    for (auto tap = weights.upper_bound({0, 0}); tap != weights.end(); ++tap) {
+        exact += tap->second * kUnit;
+        const int rounded = static_cast<int>(std::lround(exact)) - placed;
+        AppendTap(tap->first.second, tap->first.first, rounded, taps);
+        placed += rounded;
     }
+    AppendTap(0, 0, static_cast<int>(kUnit / 2) - placed, taps);
     return taps;
 }
 
 struct LineScratch {
     std::vector<WideComponent> tile;
     std::vector<WideComponent> row;
-    std::vector<float> sums;
+    std::vector<WeightedPair> pairs;
 };
 
 PixelArray BlurAlong(const PixelArray& source, const std::vector<Tap>& taps) {
@@ -166,19 +155,17 @@ PixelArray BlurAlong(const PixelArray& source, const std::vector<Tap>& taps) {
                 static_cast<std::ptrdiff_t>(area.width + 2 * margins.x) * kComponents;
             scratch.tile.resize(static_cast<std::size_t>(rowLength * (area.height + 2 * margins.y)));
             scratch.row.resize(static_cast<std::size_t>(area.width) * kComponents);
-            scratch.sums.resize(scratch.row.size());
             LoadWideTile(source, area, margins, scratch.tile.data());
             for (int y = 0; y < area.height; ++y) {
-                std::fill(scratch.sums.begin(), scratch.sums.end(), 0.5F);
+                scratch.pairs.clear();
+                const WideComponent* const centre = scratch.tile.data() + (y + margins.y) * rowLength +
+                                                    static_cast<std::ptrdiff_t>(margins.x) * kComponents;
                 for (const Tap& tap : taps) {
-                    const WideComponent* const in =
-                        scratch.tile.data() + (y + margins.y + tap.y) * rowLength +
-                        static_cast<std::ptrdiff_t>(margins.x + tap.x) * kComponents;
-                    AddWeighted(in, tap.weight, scratch.sums.size(), scratch.sums.data());
+                    const std::ptrdiff_t way =
+                        tap.y * rowLength + static_cast<std::ptrdiff_t>(tap.x) * kComponents;
+                    scratch.pairs.push_back({centre + way, centre - way, tap.weight});
                 }
-                for (std::size_t i = 0; i < scratch.sums.size(); ++i) {
-                    scratch.row[i] = static_cast<WideComponent>(scratch.sums[i]);
-                }
+                simd::SumPairs(scratch.pairs, scratch.row.size(), scratch.row.data());
                 NarrowRow(scratch.row.data(), area.width, source.HasAlpha(),
                           rows + (area.top + y) * result.Stride() +
                               static_cast<std::ptrdiff_t>(area.left) * kComponents);

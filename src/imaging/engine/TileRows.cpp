@@ -186,27 +186,6 @@ void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whol
     hasAlpha ? SlidePremultiplied(step, count, whole, out) : SlideOpaque(step, count, whole, out);
 }
 
-void SlideAlong(const MeanStep& first, int steps, bool hasAlpha, std::int32_t* whole, std::uint8_t* out) {
-    std::int32_t sums[kComponents];
-    std::copy_n(whole, kComponents, sums);
-    MeanStep step = first;
-    for (int i = 0; i < steps; ++i, out += kComponents) {
-        hasAlpha ? SlidePremultiplied(step, kComponents, sums, out)
-                 : SlideOpaque(step, kComponents, sums, out);
-        step.before += kComponents;
-        step.leaving += kComponents;
-        step.entering += kComponents;
-    }
-    std::copy_n(sums, kComponents, whole);
-}
-
-void AddWeighted(const WideComponent* HWY_RESTRICT row, float weight, std::size_t count,
-                 float* HWY_RESTRICT sums) {
-    for (std::size_t i = 0; i < count; ++i) {
-        sums[i] += weight * static_cast<float>(row[i]);
-    }
-}
-
 } // namespace pictorel::engine::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -221,8 +200,6 @@ HWY_EXPORT(CopyRow);
 HWY_EXPORT(SharpenRow);
 HWY_EXPORT(AddToMean);
 HWY_EXPORT(SlideRow);
-HWY_EXPORT(SlideAlong);
-HWY_EXPORT(AddWeighted);
 
 void WidenRow(const std::uint8_t* in, int width, bool hasAlpha, WideComponent* wide) {
     HWY_DYNAMIC_DISPATCH(WidenRow)(in, width, hasAlpha, wide);
@@ -255,14 +232,6 @@ void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* 
 
 void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whole, std::uint8_t* out) {
     HWY_DYNAMIC_DISPATCH(SlideRow)(step, count, hasAlpha, whole, out);
-}
-
-void SlideAlong(const MeanStep& first, int steps, bool hasAlpha, std::int32_t* whole, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(SlideAlong)(first, steps, hasAlpha, whole, out);
-}
-
-void AddWeighted(const WideComponent* row, float weight, std::size_t count, float* sums) {
-    HWY_DYNAMIC_DISPATCH(AddWeighted)(row, weight, count, sums);
 }
 
 } // namespace pictorel::engine

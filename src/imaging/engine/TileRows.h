@@ -37,13 +37,7 @@ struct MeanStep {
     float perLength;
 };
 void SlideRow(const MeanStep& step, int count, bool hasAlpha, std::int32_t* whole, std::uint8_t* out);
-// The same steps for one pixel after the other along a row: `whole` holds the sums of one pixel, for step i
-// the three rows and `out` go on by a pixel.
-void SlideAlong(const MeanStep& first, int steps, bool hasAlpha, std::int32_t* whole, std::uint8_t* out);
 // whole += row, as SlideRow adds it.
 void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole);
-
-// sums += weight x row.
-void AddWeighted(const WideComponent* row, float weight, std::size_t count, float* sums);
 
 } // namespace pictorel::engine

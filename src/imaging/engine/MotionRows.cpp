@@ -1,0 +1,72 @@
+// The loops of motion blur as plain loops, see MotionRows.h.
+#include "imaging/engine/MotionRows.h"
+
+#include <cmath>
+
+namespace pictorel::engine {
+namespace {
+
+constexpr int kFixedUnit = 32768;
+
+// The product of two 16-bit numbers in 1/32768, rounded.
+int Product(int a, int b) {
+    return (a * b + kFixedUnit / 2) >> 15;
+}
+
+} // namespace
+
+std::optional<FixedLine> FixedLine::Of(const Line& line) {
+    const int sumOfWhites = (2 * line.whole + 2) * 255; // while one row enters before another leaves
+    if (sumOfWhites >= kFixedUnit) {
+        return std::nullopt;
+    }
+    int shift = 0;
+    while ((sumOfWhites << (shift + 1)) < kFixedUnit) {
+        ++shift;
+    }
+    const double perLength = kMeanUnit / line.length * kFixedUnit / (1 << shift);
+    if (perLength >= kFixedUnit - 1) {
+        return std::nullopt;
+    }
+    const double tipShare = kMeanUnit / line.length * line.tip * kFixedUnit / kWideUnit;
+    return FixedLine{line.whole, shift, static_cast<std::int16_t>(std::lround(perLength)),
+                     static_cast<std::int16_t>(std::lround(tipShare))};
+}
+
+namespace scalar {
+
+void Slide(const Stack& stack, const FixedLine& line) {
+    std::vector<int> sums(static_cast<std::size_t>(stack.size));
+    for (int index = -line.whole; index <= line.whole; ++index) {
+        for (int i = 0; i < stack.size; ++i) {
+            sums[static_cast<std::size_t>(i)] += stack.Row(index)[i];
+        }
+    }
+    for (int index = 0; index < stack.count; ++index) {
+        const std::uint8_t* const before = stack.Row(index - line.whole - 1);
+        const std::uint8_t* const leaving = stack.Row(index - line.whole);
+        const std::uint8_t* const entering = stack.Row(index + line.whole + 1);
+        for (int i = 0; i < stack.size; ++i) {
+            int& sum = sums[static_cast<std::size_t>(i)];
+            const int tips = (before[i] + entering[i]) * kWideUnit;
+            const int mean = Product(sum << line.shift, line.perLength) + Product(tips, line.tipShare);
+            stack.out[index * stack.outStep + i] = static_cast<std::uint8_t>(
+                std::min((mean + FixedLine::kMeanUnit / 2) / FixedLine::kMeanUnit, 255));
+            sum += entering[i] - leaving[i];
+        }
+    }
+}
+
+void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums) {
+    for (std::size_t i = 0; i < count; ++i) {
+        int sum = 2;
+        for (const WeightedPair& pair : pairs) {
+            sum += Product(pair.one[i] + pair.other[i], pair.weight);
+        }
+        sums[i] = static_cast<WideComponent>(sum / 4);
+    }
+}
+
+} // namespace scalar
+
+} // namespace pictorel::engine
