@@ -2,6 +2,7 @@
 #include "engine/TestPictures.h"
 #include "imaging/engine/Convolution.h"
 #include "imaging/engine/DiffuseRows.h"
+#include "imaging/engine/EmbossRows.h"
 #include "imaging/engine/MotionRows.h"
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
@@ -403,6 +404,44 @@ TEST(Simd, SumsOfPairsEqualPlainLoops) {
             scalar::SumPairs(pairs, count, plain.data());
             simd::SumPairs(pairs, count, vectors.data());
             EXPECT_EQ(vectors, plain) << target << " count " << count;
+        }
+    });
+}
+
+TEST(Simd, EmbossingEqualsPlainLoops) {
+    ForEachTarget([](const char* target) {
+        for (const int width : {1, 15, 64, 131, 2049}) {
+            constexpr std::size_t kRoom = 2064;
+            const PixelArray source = Random({width, 3}, Alpha::Random);
+            std::array<std::vector<WideLuma>, 3> plain;
+            std::array<std::vector<WideLuma>, 3> vectors;
+            for (std::size_t y = 0; y < plain.size(); ++y) {
+                plain[y].resize(kRoom);
+                vectors[y].resize(kRoom);
+                scalar::WideLumaRow(source.Row(static_cast<int>(y)), width, plain[y].data());
+                simd::WideLumaRow(source.Row(static_cast<int>(y)), width, vectors[y].data());
+                EXPECT_TRUE(std::equal(plain[y].begin(), plain[y].begin() + width, vectors[y].begin()))
+                    << target << " luma, width " << width;
+            }
+            const FourRows rows{plain[0].data(), plain[1].data(), plain[2].data(), plain[0].data()};
+            const FourWeights weights{-2300, 28000, 9000, -1932};
+            std::vector<WideLuma> plainSum(kRoom);
+            std::vector<WideLuma> vectorSum(kRoom);
+            scalar::SumFour(rows, weights, width, plainSum.data());
+            simd::SumFour(rows, weights, width, vectorSum.data());
+            EXPECT_TRUE(std::equal(plainSum.begin(), plainSum.begin() + width, vectorSum.begin()))
+                << target << " sums, width " << width;
+            for (const float gain : {1.0F, -0.37F, 40.0F}) {
+                const auto relief = [&](auto make) {
+                    PixelArray result(width, 1);
+                    make(ReliefRow{plain[0].data(), plainSum.data(), gain, source.Row(1),
+                                   result.WritableRows(), width});
+                    result.SetHasAlpha(true);
+                    return result;
+                };
+                EXPECT_TRUE(SamePixels(relief(simd::MakeRelief), relief(scalar::MakeRelief)))
+                    << target << " relief, width " << width;
+            }
         }
     });
 }
