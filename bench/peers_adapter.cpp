@@ -142,6 +142,9 @@ void AddEngine(peers::Bench& bench) {
     for (const Operation& operation : kOperations) {
         AddOperation(bench, operation.name, operation, picture, result);
     }
+    const Operation enlarged{"resize_up_6000_lanczos",
+                             [](const PixelArray& p) { return Resize(p, 6000, 4000); }};
+    AddOperation(bench, enlarged.name, enlarged, CopyOf(bench.ctx.small), result);
     for (const int width : {250, 1000, 2400}) {
         const PixelArray copy = ReducedCopy(picture, width);
         for (const Operation& operation : kPreviewOperations) {
