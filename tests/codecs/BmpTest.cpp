@@ -1,6 +1,7 @@
 // Bitmaps: headers of every version, odd palettes and masks, run lengths, and files that are not quite right.
 #include "MadeProfiles.h"
 #include "PictureSupport.h"
+#include "imaging/codecs/Bmp.h"
 
 #include <optional>
 #include <vector>
@@ -109,6 +110,13 @@ TEST(Bmp, ReadsEveryKindOfFile) {
          {.width = 1, .height = 2, .bits = 32, .pixels = {1, 2, 3, 0, 4, 5, 6, 128}},
          "06050480/03020100"},
         {"32 bits, all opaque", {.width = 1, .height = 1, .bits = 32, .pixels = {1, 2, 3, 255}}, "030201"},
+        {"64 bits of linear light",
+         {.width = 2,
+          .height = 1,
+          .bits = 64,
+          .pixels = {0x00, 0x20, 0x00, 0x08, 0xFF, 0xFF, 0x00, 0x20, 0, 0, 0, 0, 0x00, 0x60, 0x00, 0x10}},
+         "0089FFFF FF000080"},
+        {"a header longer than any yet", {.headerBytes = 200, .pixels = Four24()}, kFourColours},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(SpelledFile(MakeBmp(c.recipe)), c.expected) << c.name;
@@ -168,6 +176,9 @@ TEST(Bmp, ScalesFieldsOfAnyWidth) {
           .masks = {0x3FF00000, 0xFFC00, 0x3FF},
           .pixels = {0x02, 0x0C, 0xF0, 0x3F}},
          "FF0100"},
+        {"masks that were never set",
+         {.width = 1, .height = 1, .bits = 32, .compression = 3, .masks = {0, 0, 0}, .pixels = {1, 2, 3, 0}},
+         "030201"},
         {"24 and 1 and 0 bits",
          {.width = 1,
           .height = 1,
@@ -197,12 +208,22 @@ TEST(Bmp, DecodesRunLengths) {
         {"runs", rle(8, {4, 0, 0, 0, 4, 2, 0, 1}), "0000FF 0000FF 0000FF 0000FF/" + red},
         {"absolute and padding", rle(8, {0, 3, 0, 1, 2, 0, 1, 3, 0, 0, 4, 0, 0, 1}), red + "/" + mixed},
         {"4-bit run alternates", rle(4, {4, 0x01, 0, 0, 3, 0x22, 0, 1}),
-         "0000FF 0000FF 0000FF FFFFFF/FF0000 00FF00 FF0000 00FF00"},
+         "0000FFFF 0000FFFF 0000FFFF FF000000/FF0000FF 00FF00FF FF0000FF 00FF00FF"},
         {"4-bit absolute", rle(4, {0, 4, 0x01, 0x23, 0, 0, 4, 0, 0, 1}), red + "/" + mixed},
         {"24 bits", rle(24, {4, 0, 0, 255, 0, 0, 0, 3, 0, 0, 255, 0, 255, 0, 255, 0, 0, 0, 0, 1}),
-         "FF0000 00FF00 0000FF FFFFFF/" + red},
-        {"delta skips to white", rle(8, {1, 0, 0, 2, 1, 1, 2, 1, 0, 1}),
-         "FFFFFF FFFFFF 00FF00 00FF00/FF0000 FFFFFF FFFFFF FFFFFF"},
+         "FF0000FF 00FF00FF 0000FFFF 00000000/FF0000FF FF0000FF FF0000FF FF0000FF"},
+        {"what a delta skips is transparent, as what the end leaves out",
+         rle(8, {1, 0, 0, 2, 1, 1, 2, 1, 0, 1}),
+         "FF000000 FF000000 00FF00FF 00FF00FF/FF0000FF FF000000 FF000000 FF000000"},
+        {"an end at once", rle(24, {0, 1}),
+         "00000000 00000000 00000000 00000000/00000000 00000000 00000000 00000000"},
+        {"top row first",
+         [&] {
+             Recipe r = rle(8, {4, 0, 0, 0, 4, 2, 0, 1});
+             r.height = -2;
+             return r;
+         }(),
+         red + "/0000FF 0000FF 0000FF 0000FF"},
         {"run past the row is cut", rle(8, {9, 0, 0, 0, 4, 0, 0, 1}), red + "/" + red},
         {"absolute past the row is cut", rle(8, {0, 5, 0, 1, 2, 3, 0, 0, 0, 0, 4, 0, 0, 1}),
          red + "/" + mixed},
@@ -211,7 +232,8 @@ TEST(Bmp, DecodesRunLengths) {
         {"ends inside absolute", rle(8, {0, 4, 0, 1}), white + "/FF0000 00FF00 FFFFFF FFFFFF"},
         {"rows beyond the picture", rle(8, {4, 0, 0, 0, 4, 0, 0, 0, 4, 1, 0, 0, 4, 1, 0, 1}),
          red + "/" + red},
-        {"delta far outside", rle(8, {4, 0, 0, 2, 255, 255, 4, 1, 0, 1}), white + "/" + red},
+        {"delta far outside", rle(8, {4, 0, 0, 2, 255, 255, 4, 1, 0, 1}),
+         "FF000000 FF000000 FF000000 FF000000/FF0000FF FF0000FF FF0000FF FF0000FF"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(SpelledFile(MakeBmp(c.recipe)), c.expected) << c.name;
@@ -277,6 +299,22 @@ TEST(Bmp, ReadsEmbeddedFiles) {
         EXPECT_TRUE(SamePixels(Read(MakeBmp({.bits = bits, .compression = 4, .pixels = jpeg})), Read(jpeg)));
     }
     EXPECT_EQ(SpelledFile(MakeBmp({.bits = 0, .compression = 5, .pixels = bitmap})), kUnsupported);
+}
+
+TEST(Bmp, ReadsTheFirstOfAnArray) {
+    // Offsets count from the beginning of the array.
+    const ByteBuffer bitmap = MakeBmp({.pixelOffset = 14 + 54, .pixels = Four24()});
+    const ByteBuffer file = Bytes().Text("BA").Le32({40, 0}).Le16({0, 0}).Append(bitmap).Done();
+    EXPECT_EQ(SpelledFile(file), kFourColours);
+    EXPECT_EQ(FindCodecByContent(Bytes().Text("BA").Zeros(100).Done()), nullptr);
+}
+
+TEST(Bmp, ReadsBitmapsInsideOtherFiles) {
+    const ByteBuffer file =
+        MakeBmp({.bits = 8, .declaredColours = 4, .palette = RgbPalette(), .pixels = Four8()});
+    const ByteView info = ByteView(file).subspan(14, 56);
+    EXPECT_EQ(Spelled(ReadDib(info, Four8())), kFourColours);
+    EXPECT_THROW(ReadDib(info, {}), ImagingError);
 }
 
 TEST(Bmp, ReadsTheResolution) {
