@@ -188,16 +188,17 @@ class HeaderReader {
         }
     }
 
+    // An offset inside the palette counts: that is then shorter than it should be. One at its beginning may
+    // mean that there is none, or be wrong, which the length of the file tells.
     std::size_t FindPixels(std::size_t paletteStart, std::size_t paletteEnd) const {
         const std::size_t declared = DeclaredOffset();
+        const bool isRaw =
+            header_.compression == BmpCompression::None || header_.compression == BmpCompression::BitFields;
         const std::size_t needed =
-            header_.compression == BmpCompression::None || header_.compression == BmpCompression::BitFields
-                ? header_.FileRowBytes() * static_cast<std::size_t>(header_.height)
-                : Field32(20);
-        const bool insideHeader = declared < paletteStart;
-        const bool insideWholePalette =
-            declared < paletteEnd && needed != 0 && paletteEnd + needed <= file_.size();
-        return insideHeader || insideWholePalette || declared >= file_.size() ? paletteEnd : declared;
+            isRaw ? header_.FileRowBytes() * static_cast<std::size_t>(header_.height) : Field32(20);
+        const bool isWrong = declared < paletteStart || declared >= file_.size() ||
+                             (declared == paletteStart && needed != 0 && paletteEnd + needed <= file_.size());
+        return isWrong ? paletteEnd : declared;
     }
 
     void ReadResolution() {

@@ -38,6 +38,16 @@ void CheckClaimedSize(std::int64_t width, std::int64_t height, std::size_t fileB
     }
 }
 
+bool IsPlausibleSize(std::int64_t width, std::int64_t height, std::size_t fileBytes,
+                     std::int64_t pixelsPerByte) noexcept {
+    try {
+        CheckClaimedSize(width, height, fileBytes, pixelsPerByte);
+        return true;
+    } catch (const ImagingError&) {
+        return false;
+    }
+}
+
 void FillWhite(PixelArray& picture, int firstRow, int endRow) {
     std::uint8_t* const rows = picture.WritableRows();
     const std::ptrdiff_t stride = picture.Stride();

@@ -14,6 +14,10 @@ namespace pictorel::codecs {
 void CheckClaimedSize(std::int64_t width, std::int64_t height, std::size_t fileBytes,
                       std::int64_t pixelsPerByte);
 
+// Whether that check would let the size through.
+bool IsPlausibleSize(std::int64_t width, std::int64_t height, std::size_t fileBytes,
+                     std::int64_t pixelsPerByte) noexcept;
+
 // Throws ImagingError(UnsupportedFormat) with the text.
 [[noreturn]] void Refuse(const char* text);
 
