@@ -6,6 +6,7 @@
 #include "imaging/codecs/BmpRunLengths.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/ColourProfile.h"
+#include "imaging/codecs/FileMemory.h"
 #include "imaging/codecs/PixelSupport.h"
 
 #include <algorithm>
@@ -217,7 +218,7 @@ ByteBuffer WriteBmp(const PixelArray& picture, const WriteOptions& /*options*/) 
     const std::size_t rowBytes = (static_cast<std::size_t>(picture.Width()) * 3 + 3) / 4 * 4;
     const std::size_t pixelBytes = rowBytes * static_cast<std::size_t>(picture.Height());
     ByteBuffer out;
-    out.reserve(kHeaderBytes + pixelBytes);
+    ReserveFile(out, kHeaderBytes + pixelBytes);
     AppendLittleEndian16(out, 'B' | 'M' << 8);
     AppendLittleEndian32(out, static_cast<std::uint32_t>(kHeaderBytes + pixelBytes));
     AppendLittleEndian32(out, 0);

@@ -3,6 +3,7 @@
 
 #include "imaging/ForEachBand.h"
 #include "imaging/codecs/ByteReader.h"
+#include "imaging/codecs/FileMemory.h"
 #include "imaging/codecs/PixelSupport.h"
 
 #include <algorithm>
@@ -212,7 +213,7 @@ ByteBuffer WriteRas(const PixelArray& picture, const WriteOptions& /*options*/) 
     const std::size_t rowBytes = (static_cast<std::size_t>(picture.Width()) * 3 + 1) / 2 * 2;
     const std::size_t pixelBytes = rowBytes * static_cast<std::size_t>(picture.Height());
     ByteBuffer file;
-    file.reserve(kHeaderBytes + pixelBytes);
+    ReserveFile(file, kHeaderBytes + pixelBytes);
     AppendBigEndian32(file, kMagic);
     AppendBigEndian32(file, static_cast<std::uint32_t>(picture.Width()));
     AppendBigEndian32(file, static_cast<std::uint32_t>(picture.Height()));
