@@ -163,15 +163,17 @@ class TgaReader {
         if (present == 0) {
             Refuse("The Targa picture ends before its first row of pixels.");
         }
-        const int firstRow = header_.topDown ? 0 : header_.height - present;
-        SettleAlphaOf(firstRow, firstRow + present);
+        const bool isApart = header_.interleave > 1; // the rows present then lie all over the picture
+        const int firstRow = header_.topDown || isApart ? 0 : header_.height - present;
+        SettleAlphaOf(firstRow, isApart ? header_.height : firstRow + present);
         return std::move(picture_);
     }
 
   private:
     // Puts the pixels of a row of the file in their place, white where there are none.
     void Place(int fileRow, const std::uint8_t* data, int present) const {
-        const int y = header_.topDown ? fileRow : header_.height - 1 - fileRow;
+        const int row = RowInPicture(fileRow);
+        const int y = header_.topDown ? row : header_.height - 1 - row;
         std::uint8_t* const bgra = rows_ + y * picture_.Stride();
         if (present > 0) { // else there is not even a place to read from
             pixels_.Convert(data, bgra, present);
@@ -182,6 +184,18 @@ class TgaReader {
             auto* const first = reinterpret_cast<std::uint32_t*>(bgra);
             std::reverse(first, first + header_.width);
         }
+    }
+
+    int RowInPicture(int fileRow) const {
+        int first = 0;
+        const auto rowsFrom = [&] {
+            return (header_.height - first + header_.interleave - 1) / header_.interleave;
+        };
+        while (fileRow >= rowsFrom()) {
+            fileRow -= rowsFrom();
+            ++first;
+        }
+        return first + fileRow * header_.interleave;
     }
 
     // Both return the number of rows that the file holds, the last of them perhaps in part.
