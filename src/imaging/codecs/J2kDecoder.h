@@ -8,8 +8,7 @@
 
 namespace pictorel::codecs {
 
-// The samples of a tile, one component after another, rows without gaps: of up to 8 bits in a byte each,
-// others in native 16-bit numbers.
+// The samples of a tile, one component after another, rows without gaps, J2kComponent::SampleBytes() each.
 struct J2kTile {
     J2kArea area; // on the reference grid
     ByteBuffer samples;

@@ -17,7 +17,7 @@ enum Marker : std::uint16_t {
     kData = 0xFF93,
 };
 constexpr std::size_t kTilePartBytes = 12; // the marker with its segment
-constexpr int kMostBits = 16;
+constexpr int kMostBits = 31;              // that the library decodes
 constexpr int kMostLevels = 32;
 
 // What an honest file may ask for. The floors let small files be; above them a file has to have the bytes.

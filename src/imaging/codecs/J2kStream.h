@@ -13,6 +13,9 @@ struct J2kComponent {
     bool isSigned = false;
     std::int64_t stepX = 1; // of the reference grid, from sample to sample
     std::int64_t stepY = 1;
+
+    // Of a sample where the library hands them out: 1, 2 or 4, in native order.
+    int SampleBytes() const { return bits <= 8 ? 1 : (bits <= 16 ? 2 : 4); }
 };
 
 // A rectangle; x1 and y1 lie just outside.
