@@ -23,6 +23,7 @@ struct Recipe {
     int y0 = 0;
     int tile = 0; // side; 0: one tile
     OPJ_PROG_ORDER order = OPJ_LRCP;
+    int resolutions = 1;
     std::vector<Component> components;
 };
 
@@ -54,7 +55,7 @@ ByteBuffer MakeCodestream(const Recipe& r) {
     opj_set_default_encoder_parameters(&parameters);
     parameters.tcp_numlayers = 1;
     parameters.cp_disto_alloc = 1;
-    parameters.numresolution = 1;
+    parameters.numresolution = r.resolutions;
     parameters.prog_order = r.order;
     parameters.tile_size_on = r.tile > 0 ? OPJ_TRUE : OPJ_FALSE;
     parameters.cp_tdx = parameters.cp_tdy = r.tile;
@@ -178,6 +179,34 @@ TEST(J2k, ReadsAllOrdersAndTilesInAnyOrder) {
     const PixelArray cut = Read(file);
     EXPECT_EQ(cut.Row(0)[0], 255);
     EXPECT_EQ(cut.Row(0)[4 * 69], whole.Row(0)[4 * 69]);
+}
+
+// The finer details of a file that is cut are missing, not the picture.
+TEST(J2k, ShowsTheCoarserStepsOfAFileCutShort) {
+    constexpr int kSide = 128;
+    std::vector<Component> slopes(3);
+    for (int i = 0; i < kSide * kSide; ++i) {
+        const int x = i % kSide;
+        const int y = i / kSide;
+        slopes[0].samples.push_back(2 * x);
+        slopes[1].samples.push_back(2 * y);
+        slopes[2].samples.push_back((x + y + (x * y) % 7) % 256);
+    }
+    for (const auto order : {OPJ_RLCP, OPJ_RPCL, OPJ_CPRL}) {
+        ByteBuffer file = MakeCodestream(
+            {.width = kSide, .height = kSide, .order = order, .resolutions = 5, .components = slopes});
+        const bool isByComponent = order == OPJ_CPRL;
+        file.resize(isByComponent ? file.size() / 4 * 3 : file.size() / 4);
+        const PixelArray picture = Read(file);
+        for (int at = 8; at < kSide - 8; at += 5) {
+            const std::uint8_t* const pixel = picture.Row(at) + std::ptrdiff_t{4} * at;
+            EXPECT_NEAR(pixel[2], 2 * at, 16) << order;
+            EXPECT_NEAR(pixel[1], 2 * at, 16) << order;
+            if (!isByComponent) { // else it is cut before blue
+                EXPECT_NEAR(pixel[0], 2 * at, 16) << order;
+            }
+        }
+    }
 }
 
 TEST(J2k, ReadsWhatBoxesSay) {

@@ -82,12 +82,13 @@ void J2kChannel::FetchRow(const J2kPlane& plane, const J2kArea& part, std::int64
         }
         return;
     }
-    const Place y =
-        PlaceOf(whole.y0 + part.y0 + row, stream_.stepY, samples_.stepY, plane.area.y0, plane.area.y1);
+    const Place y = PlaceOf(whole.y0 + part.y0 + row, stream_.stepY, samples_.stepY << plane.halvings,
+                            plane.area.y0, plane.area.y1);
     const std::int64_t first = whole.x0 + part.x0;
-    const bool isEven = samples_.stepX == stream_.stepX && y.highWeight == 0;
+    const std::int64_t sampleStep = samples_.stepX << plane.halvings;
+    const bool isEven = sampleStep == stream_.stepX && y.highWeight == 0;
     for (std::int64_t i = 0; i < count; ++i, out += step) {
-        const Place x = PlaceOf(first + i, stream_.stepX, samples_.stepX, plane.area.x0, plane.area.x1);
+        const Place x = PlaceOf(first + i, stream_.stepX, sampleStep, plane.area.x0, plane.area.x1);
         if (isEven) {
             *out = LevelOf(SampleAt(plane, x.low, y.low));
             continue;

@@ -12,7 +12,8 @@ namespace pictorel::codecs {
 // A component within the samples of a tile.
 struct J2kPlane {
     const std::uint8_t* data = nullptr;
-    J2kArea area; // on its own grid
+    J2kArea area;     // on its own grid
+    int halvings = 0; // by which that is coarser than the component says
 };
 
 class J2kChannel {

@@ -87,9 +87,7 @@ J2kColouring::J2kColouring(const J2kStream& stream, const Jp2Boxes& boxes)
     AssignChannels();
     samplesAPixel_ = TraitsOf(space_).samplesAPixel;
     isPlain_ = IsPlainBytes();
-    if (!isPlain_) {
-        converter_ = ColourConverter(TraitsOf(space_).layout, boxes.icc);
-    }
+    converter_ = ColourConverter(TraitsOf(space_).layout, isPlain_ ? ByteView{} : boxes.icc);
 }
 
 // Every channel of the file, in its order.
@@ -168,14 +166,11 @@ bool J2kColouring::IsPlainBytes() const {
 J2kColouring::Planes J2kColouring::PlanesOf(const J2kTile& tile) const {
     Planes planes;
     std::size_t at = 0;
-    for (const J2kComponent& component : stream_.components) {
-        const J2kArea area = tile.area.Sampled(component.stepX, component.stepY);
-        planes.push_back({tile.samples.data() + at, area});
+    for (std::size_t i = 0; i < stream_.components.size(); ++i) {
+        const J2kArea area = tile.AreaOf(stream_.components[i], i);
+        planes.push_back({tile.samples.data() + at, area, tile.halvings[i]});
         at += static_cast<std::size_t>(area.Width() * area.Height()) *
-              static_cast<std::size_t>(component.SampleBytes());
-    }
-    if (at > tile.samples.size()) {
-        Refuse("The JPEG 2000 file has a tile of another size than it says.");
+              static_cast<std::size_t>(stream_.components[i].SampleBytes());
     }
     return planes;
 }
@@ -186,14 +181,16 @@ void J2kColouring::Convert(const J2kTile& tile, PixelArray& picture) const {
         Refuse("The JPEG 2000 file has a tile outside its picture.");
     }
     const Planes planes = PlanesOf(tile);
+    const bool isPlain =
+        isPlain_ && std::all_of(tile.halvings.begin(), tile.halvings.end(), [](int h) { return h == 0; });
     std::uint8_t* const first =
         picture.WritableRows() + part.y0 * picture.Stride() + part.x0 * PixelArray::kComponents;
     const auto bytesPerRow =
-        static_cast<std::size_t>(part.Width()) * PixelArray::kComponents * (isPlain_ ? 2U : 16U);
+        static_cast<std::size_t>(part.Width()) * PixelArray::kComponents * (isPlain ? 2U : 16U);
     ForEachBand(static_cast<int>(part.Height()), bytesPerRow, [&](int begin, int end) {
         for (int row = begin; row < end; ++row) {
             std::uint8_t* const bgra = first + row * picture.Stride();
-            if (isPlain_) {
+            if (isPlain) {
                 ConvertPlainRow(planes, row, bgra, static_cast<int>(part.Width()));
             } else {
                 ConvertAnyRow(planes, part, row, bgra);

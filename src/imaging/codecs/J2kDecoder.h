@@ -12,6 +12,13 @@ namespace pictorel::codecs {
 struct J2kTile {
     J2kArea area; // on the reference grid
     ByteBuffer samples;
+    // How often each component is halved: not at all, unless the file does not hold its finer details.
+    std::vector<int> halvings;
+
+    // The samples that there are of a component, on the grid of its own.
+    J2kArea AreaOf(const J2kComponent& component, std::size_t number) const {
+        return area.Sampled(component.stepX << halvings[number], component.stepY << halvings[number]);
+    }
 };
 
 class J2kDecoder {

@@ -186,6 +186,7 @@ class StreamReader {
             mostPrecincts_ = std::max(mostPrecincts_, here);
         }
         mostLevels_ = std::max<std::int64_t>(mostLevels_, levels + 1);
+        stream_.levels = std::max(stream_.levels, levels);
         const std::int64_t all = precincts * components;
         const std::int64_t blocks = (tileWidth_ * tileHeight_ * components >> blockBits) + all;
         if (all > std::max(kFreePrecincts, bytes_ / 4) ||

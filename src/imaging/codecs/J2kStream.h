@@ -36,6 +36,7 @@ struct J2kStream {
     std::vector<J2kComponent> components;
     std::int64_t stepX = 1; // from pixel to pixel: that of the finest component
     std::int64_t stepY = 1;
+    int levels = 0;  // how often a tile is halved at most
     ByteView usable; // the codestream as far as its tile parts make sense
     // Where the length of the last tile part stands when the file holds less of it; 0: all parts are whole.
     // The library would take memory for the length claimed.

@@ -85,8 +85,10 @@ void JudgeAlpha(PixelArray& picture, int firstRow, int endRow) {
     const AlphaRange range = FindAlphaRange(picture, firstRow, endRow);
     if (range.highest == 0 || firstRow == endRow) {
         MakeOpaque(picture);
+    } else if (range.lowest < 255) {
+        picture.SetHasAlpha(true);
     } else {
-        picture.SetHasAlpha(range.lowest < 255);
+        SettleAlpha(picture); // by a row that is there in part
     }
 }
 

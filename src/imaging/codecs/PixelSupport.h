@@ -35,8 +35,8 @@ AlphaRange FindAlphaRange(const PixelArray& picture, int firstRow, int endRow);
 void SettleAlpha(PixelArray& picture);
 
 // Settles HasAlpha() where only the pixels themselves tell whether their fourth byte means anything: alpha
-// that is 0 everywhere was never set, and the picture is made opaque. Looks at rows firstRow <= y < endRow,
-// those that the file holds.
+// that is 0 everywhere was never set, and the picture is made opaque. Judges by rows firstRow <= y < endRow,
+// those that the file holds whole.
 void JudgeAlpha(PixelArray& picture, int firstRow, int endRow);
 
 // Turns colour that was multiplied by its alpha into plain colour.

@@ -159,13 +159,14 @@ class TgaReader {
           rows_(picture_.WritableRows()) {}
 
     PixelArray Read() {
-        const int present = header_.hasRunLengths ? ReadRunLengths() : ReadRaw();
+        const std::int64_t present = header_.hasRunLengths ? ReadRunLengths() : ReadRaw();
         if (present == 0) {
-            Refuse("The Targa picture ends before its first row of pixels.");
+            Refuse("The Targa picture ends before its first pixel.");
         }
+        const int wholeRows = static_cast<int>(present / header_.width);
         const bool isApart = header_.interleave > 1; // the rows present then lie all over the picture
-        const int firstRow = header_.topDown || isApart ? 0 : header_.height - present;
-        SettleAlphaOf(firstRow, isApart ? header_.height : firstRow + present);
+        const int firstRow = header_.topDown || isApart ? 0 : header_.height - wholeRows;
+        SettleAlphaOf(firstRow, isApart ? header_.height : firstRow + wholeRows);
         return std::move(picture_);
     }
 
@@ -198,8 +199,8 @@ class TgaReader {
         return first + fileRow * header_.interleave;
     }
 
-    // Both return the number of rows that the file holds, the last of them perhaps in part.
-    int ReadRaw() const {
+    // Both return the number of pixels that the file holds.
+    std::int64_t ReadRaw() const {
         const auto pixelBytes = static_cast<std::size_t>(header_.pixelBytes);
         const std::size_t rowBytes = static_cast<std::size_t>(header_.width) * pixelBytes;
         ForEachBand(header_.height, rowBytes + picture_.RowBytes(), [&](int first, int end) {
@@ -209,18 +210,17 @@ class TgaReader {
                 Place(row, data.data(), static_cast<int>(data.size() / pixelBytes));
             }
         });
-        const std::size_t present =
-            (header_.pixels.size() / pixelBytes * pixelBytes + rowBytes - 1) / rowBytes;
-        return static_cast<int>(std::min(present, static_cast<std::size_t>(header_.height)));
+        return std::min(static_cast<std::int64_t>(header_.pixels.size() / pixelBytes),
+                        std::int64_t{header_.width} * header_.height);
     }
 
-    int ReadRunLengths() const {
+    std::int64_t ReadRunLengths() const {
         TgaRunLengths packets(header_.pixels, header_.pixelBytes);
         std::vector<std::uint8_t> row(static_cast<std::size_t>(header_.width * header_.pixelBytes));
-        int present = 0;
+        std::int64_t present = 0;
         for (int y = 0; y < header_.height; ++y) {
             const int pixels = packets.Read(row.data(), header_.width);
-            present += pixels > 0 ? 1 : 0;
+            present += pixels;
             Place(y, row.data(), pixels);
         }
         return present;
