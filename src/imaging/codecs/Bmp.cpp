@@ -70,9 +70,9 @@ class RowDecoder {
 
     void Decode(const std::uint8_t* data, std::uint8_t* bgra, int pixels) const {
         if (header_.bits <= 8) {
-            DecodeIndexed(data, bgra, pixels);
+            ColourIndices(data, header_.bits, header_.palette, bgra, pixels);
         } else if (header_.bits == 24 && header_.compression == BmpCompression::None) {
-            Decode24(data, bgra, pixels);
+            CopyOpaque(data, bgra, pixels);
         } else if (header_.bits == 64) {
             Decode64(data, bgra, pixels);
         } else {
@@ -81,25 +81,6 @@ class RowDecoder {
     }
 
   private:
-    void DecodeIndexed(const std::uint8_t* data, std::uint8_t* bgra, int pixels) const {
-        const int perByte = 8 / header_.bits;
-        const int largest = (1 << header_.bits) - 1;
-        for (int x = 0; x < pixels; ++x, bgra += PixelArray::kComponents) {
-            const int shift = 8 - header_.bits * (x % perByte + 1); // the leftmost pixel in the highest bits
-            const int index = data[x / perByte] >> shift & largest;
-            std::memcpy(bgra, header_.palette[static_cast<std::size_t>(index)].data(), 4);
-        }
-    }
-
-    static void Decode24(const std::uint8_t* data, std::uint8_t* bgra, int pixels) {
-        for (int x = 0; x < pixels; ++x, data += 3, bgra += PixelArray::kComponents) {
-            bgra[0] = data[0];
-            bgra[1] = data[1];
-            bgra[2] = data[2];
-            bgra[3] = 255;
-        }
-    }
-
     void Decode64(const std::uint8_t* data, std::uint8_t* bgra, int pixels) const {
         for (int i = 0; i < PixelArray::kComponents * pixels; ++i, data += 2) {
             const int linear = std::clamp<int>(static_cast<std::int16_t>(data[0] | data[1] << 8), 0, kOne);

@@ -3,6 +3,7 @@
 
 #include "imaging/codecs/Codec.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -47,6 +48,13 @@ void MakeOpaque(PixelArray& picture);
 
 // Whether the picture has to be saved with its transparency.
 bool NeedsAlpha(const PixelArray& picture);
+
+// Rows of a file become pixels: `bits` (1, 2, 4 or 8) a pixel, the leftmost in the highest ones, are numbers
+// of the palette's colours (blue, green, red, alpha); blue, green and red bytes become opaque pixels.
+using Palette256 = std::array<std::array<std::uint8_t, 4>, 256>;
+void ColourIndices(const std::uint8_t* packed, int bits, const Palette256& palette, std::uint8_t* bgra,
+                   int pixels) noexcept;
+void CopyOpaque(const std::uint8_t* bgr, std::uint8_t* bgra, int pixels) noexcept;
 
 // One row laid over white: `pixels` B, G, R, A pixels become B, G, R triples.
 void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) noexcept;

@@ -158,16 +158,6 @@ RasHeader ReadHeader(ByteView file) {
     return header;
 }
 
-void ConvertIndexed(const RasHeader& header, const std::uint8_t* data, std::uint8_t* bgra, int pixels) {
-    const int perByte = 8 / header.bits;
-    const int largest = (1 << header.bits) - 1;
-    for (int x = 0; x < pixels; ++x, bgra += PixelArray::kComponents) {
-        const int shift = 8 - header.bits * (x % perByte + 1); // the leftmost pixel in the highest bits
-        const int index = data[x / perByte] >> shift & largest;
-        std::memcpy(bgra, header.palette[static_cast<std::size_t>(index)].data(), 4);
-    }
-}
-
 // Of 32 bits the first eight are padding.
 void ConvertTrueColour(const RasHeader& header, const std::uint8_t* data, std::uint8_t* bgra, int pixels) {
     const int pixelBytes = header.bits / 8;
@@ -188,7 +178,7 @@ void ConvertRow(const RasHeader& header, ByteView data, std::uint8_t* bgra) {
     const int present = static_cast<int>(std::min(data.size() * 8 / static_cast<std::size_t>(header.bits),
                                                   static_cast<std::size_t>(header.width)));
     if (header.bits <= 8) {
-        ConvertIndexed(header, data.data(), bgra, present);
+        ColourIndices(data.data(), header.bits, header.palette, bgra, present);
     } else {
         ConvertTrueColour(header, data.data(), bgra, present);
     }

@@ -48,7 +48,7 @@ class TgaPixels {
         } else if (header_.pixelBytes == 2) {
             fiveBits_.Convert(data, bgra, pixels, hasAlpha_);
         } else if (header_.pixelBytes == 3) {
-            ConvertTriples(data, bgra, pixels);
+            CopyOpaque(data, bgra, pixels);
         } else {
             ConvertQuadruples(data, bgra, pixels);
         }
@@ -67,15 +67,6 @@ class TgaPixels {
         for (int x = 0; x < pixels; ++x, data += header_.pixelBytes, bgra += PixelArray::kComponents) {
             bgra[0] = bgra[1] = bgra[2] = data[0];
             bgra[3] = hasAlpha_ ? data[1] : std::uint8_t{255};
-        }
-    }
-
-    static void ConvertTriples(const std::uint8_t* data, std::uint8_t* bgra, int pixels) {
-        for (int x = 0; x < pixels; ++x, data += 3, bgra += PixelArray::kComponents) {
-            bgra[0] = data[0];
-            bgra[1] = data[1];
-            bgra[2] = data[2];
-            bgra[3] = 255;
         }
     }
 
