@@ -236,6 +236,22 @@ TEST(Bmp, DecodesRunLengths) {
         });
 }
 
+// Each row behind an end of line: four white and four black of width 8 need no more; then none white, two
+// black, six white.
+TEST(Bmp, DecodesTheHuffmanCodesOfOs2) {
+    const Recipe recipe{
+        .headerBytes = 64,
+        .width = 8,
+        .bits = 1,
+        .compression = 3,
+        .declaredColours = 2,
+        .palette = {0, 0, 255, 0, 0, 255, 0, 0},
+        .pixels = {0x00, 0x1B, 0x60, 0x02, 0x6B, 0xF0, 0x00, 0x80, 0x08, 0x00, 0x80, 0x08, 0x00, 0x80, 0x08}};
+    EXPECT_EQ(SpelledFile(MakeBmp(recipe)),
+              "00FF00 00FF00 FF0000 FF0000 FF0000 FF0000 FF0000 FF0000/FF0000 FF0000 FF0000 FF0000 00FF00 "
+              "00FF00 00FF00 00FF00");
+}
+
 TEST(Bmp, MakesTheBestOfOddFiles) {
     ByteBuffer twoColours = RgbPalette();
     twoColours.resize(8);

@@ -3,6 +3,7 @@
 
 #include "imaging/ForEachBand.h"
 #include "imaging/codecs/BmpHeader.h"
+#include "imaging/codecs/BmpHuffman.h"
 #include "imaging/codecs/BmpRunLengths.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/ColourProfile.h"
@@ -163,11 +164,13 @@ PixelArray Decode(const BmpHeader& header, const ReadOptions& options) {
     if (header.compression == BmpCompression::EmbeddedFile) {
         return ReadEmbedded(header, options);
     }
-    PixelArray picture(header.width, header.height);
+    PixelArray picture = header.compression == BmpCompression::Huffman
+                             ? DecodeBmpHuffman(header)
+                             : PixelArray(header.width, header.height);
     if (header.compression == BmpCompression::None || header.compression == BmpCompression::BitFields) {
         DecodeRawRows(header, picture);
         JudgeAlphaOfRowsPresent(header, picture);
-    } else {
+    } else if (header.compression != BmpCompression::Huffman) {
         DecodeBmpRunLengths(header, picture);
         SettleAlpha(picture);
     }

@@ -47,8 +47,8 @@ constexpr CompressionRow kCompressions[] = {
     {0, 0, BmpCompression::None},       {1, 8, BmpCompression::Rle8},
     {2, 4, BmpCompression::Rle4},       {3, 16, BmpCompression::BitFields},
     {3, 24, BmpCompression::BitFields}, {3, 32, BmpCompression::BitFields},
-    {4, 24, BmpCompression::Rle24},     {6, 16, BmpCompression::BitFields},
-    {6, 32, BmpCompression::BitFields},
+    {3, 1, BmpCompression::Huffman},    {4, 24, BmpCompression::Rle24},
+    {6, 16, BmpCompression::BitFields}, {6, 32, BmpCompression::BitFields},
 };
 constexpr std::uint32_t kBitFields = 3;
 constexpr std::uint32_t kEmbeddedJpeg = 4;

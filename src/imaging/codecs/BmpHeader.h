@@ -9,7 +9,7 @@
 
 namespace pictorel::codecs {
 
-enum class BmpCompression { None, Rle8, Rle4, Rle24, BitFields, EmbeddedFile };
+enum class BmpCompression { None, Rle8, Rle4, Rle24, Huffman, BitFields, EmbeddedFile };
 
 struct BmpHeader {
     int width = 0;
