@@ -36,18 +36,22 @@ ByteBuffer MakeTga(const Recipe& recipe) {
     return file.Done();
 }
 
-const ByteBuffer kFour24{0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255};
-const ByteBuffer kMap{0, 0, 255, 0, 255, 0, 255, 0, 0}; // red green blue
+ByteBuffer Four24() {
+    return {0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255};
+}
+ByteBuffer RgbMap() {
+    return {0, 0, 255, 0, 255, 0, 255, 0, 0};
+} // red green blue
 
 TEST(Tga, ReadsEveryTypeDepthAndDirection) {
     ExpectReads<Recipe>(
         MakeTga,
         {
-            {"24 bits", {.pixels = kFour24}, "FF0000 00FF00/0000FF FFFFFF"},
-            {"an id before the pixels", {.id = "by hand", .pixels = kFour24}, "FF0000 00FF00/0000FF FFFFFF"},
-            {"bottom row first", {.descriptor = 0, .pixels = kFour24}, "0000FF FFFFFF/FF0000 00FF00"},
-            {"right to left", {.descriptor = 0x30, .pixels = kFour24}, "00FF00 FF0000/FFFFFF 0000FF"},
-            {"from the lower right", {.descriptor = 0x10, .pixels = kFour24}, "FFFFFF 0000FF/00FF00 FF0000"},
+            {"24 bits", {.pixels = Four24()}, "FF0000 00FF00/0000FF FFFFFF"},
+            {"an id before the pixels", {.id = "by hand", .pixels = Four24()}, "FF0000 00FF00/0000FF FFFFFF"},
+            {"bottom row first", {.descriptor = 0, .pixels = Four24()}, "0000FF FFFFFF/FF0000 00FF00"},
+            {"right to left", {.descriptor = 0x30, .pixels = Four24()}, "00FF00 FF0000/FFFFFF 0000FF"},
+            {"from the lower right", {.descriptor = 0x10, .pixels = Four24()}, "FFFFFF 0000FF/00FF00 FF0000"},
             {"every second row first",
              {.type = 3, .width = 1, .height = 5, .bits = 8, .descriptor = 0x60, .pixels = {0, 2, 4, 1, 3}},
              "000000/010101/020202/030303/040404"},
@@ -55,12 +59,12 @@ TEST(Tga, ReadsEveryTypeDepthAndDirection) {
              {.type = 3, .width = 1, .height = 5, .bits = 8, .descriptor = 0x80, .pixels = {0, 4, 1, 2, 3}},
              "040404/030303/020202/010101/000000"},
             {"junk where no map needs it, but of the right length",
-             {.mapFirst = 7, .mapBits = 77, .descriptor = 0x26, .pixels = kFour24},
+             {.mapFirst = 7, .mapBits = 77, .descriptor = 0x26, .pixels = Four24()},
              "FF0000 00FF00/0000FF FFFFFF"},
             {"junk where no map needs it, but signed",
              {.mapFirst = 7,
               .mapBits = 77,
-              .pixels = Bytes().Append(kFour24).Zeros(9).Done(),
+              .pixels = Bytes().Append(Four24()).Zeros(9).Done(),
               .attributes = 0},
              "FF0000 00FF00/0000FF FFFFFF"},
             {"a map of greys",
@@ -84,7 +88,7 @@ TEST(Tga, ReadsEveryTypeDepthAndDirection) {
               .mapLength = 3,
               .mapBits = 24,
               .bits = 8,
-              .map = kMap,
+              .map = RgbMap(),
               .pixels = {5, 6, 7, 0}},
              "FF0000 00FF00/0000FF 000000"},
             {"a map of 16 bits, indices of 16 bits",
@@ -171,13 +175,13 @@ TEST(Tga, DecodesPackets) {
 
 TEST(Tga, TakesNothingElseForATarga) {
     const std::vector<RecipeCase<Recipe>> cases{
-        {"a Huffman type", {.type = 32, .pixels = kFour24}, ""},
-        {"type 0", {.type = 0, .pixels = kFour24}, ""},
-        {"no width", {.width = 0, .pixels = kFour24}, ""},
-        {"a depth of another type", {.bits = 8, .pixels = kFour24}, ""},
-        {"interleaved in no known way", {.descriptor = 0xC0, .pixels = kFour24}, ""},
-        {"indices without a map", {.type = 1, .bits = 8, .pixels = kFour24}, ""},
-        {"a map of no depth", {.mapLength = 4, .mapBits = 9, .pixels = kFour24}, ""},
+        {"a Huffman type", {.type = 32, .pixels = Four24()}, ""},
+        {"type 0", {.type = 0, .pixels = Four24()}, ""},
+        {"no width", {.width = 0, .pixels = Four24()}, ""},
+        {"a depth of another type", {.bits = 8, .pixels = Four24()}, ""},
+        {"interleaved in no known way", {.descriptor = 0xC0, .pixels = Four24()}, ""},
+        {"indices without a map", {.type = 1, .bits = 8, .pixels = Four24()}, ""},
+        {"a map of no depth", {.mapLength = 4, .mapBits = 9, .pixels = Four24()}, ""},
         {"no pixels", {}, ""},
     };
     for (const auto& c : cases) {
@@ -192,8 +196,8 @@ TEST(Tga, TakesNothingElseForATarga) {
         const Codec* const codec = FindCodecByContent(bytes.Done());
         ASSERT_TRUE(codec == nullptr) << codec->name;
     }
-    EXPECT_EQ(SpelledFile(MakeTga({.width = 30000, .height = 30000, .pixels = kFour24})), kUnsupported);
-    EXPECT_EQ(SpelledFile(MakeTga({.width = 40000, .height = 2, .pixels = kFour24})), kTooLarge);
+    EXPECT_EQ(SpelledFile(MakeTga({.width = 30000, .height = 30000, .pixels = Four24()})), kUnsupported);
+    EXPECT_EQ(SpelledFile(MakeTga({.width = 40000, .height = 2, .pixels = Four24()})), kTooLarge);
 }
 
 TEST(Tga, PacksRunsAndSaysWhatItsAlphaIs) {
