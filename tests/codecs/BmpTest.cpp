@@ -1,6 +1,7 @@
 // Bitmaps: headers of every version, odd palettes and masks, run lengths, and files that are not quite right.
 #include "MadeProfiles.h"
 #include "PictureSupport.h"
+#include "imaging/codecs/Bmp.h"
 
 #include <optional>
 #include <vector>
@@ -67,119 +68,126 @@ ByteBuffer Four8() {
     return {2, 3, 0, 0, 0, 1, 0, 0};
 }
 
-struct Case {
-    const char* name;
-    Recipe recipe;
-    std::string expected;
-};
-
 TEST(Bmp, ReadsEveryKindOfFile) {
-    const std::vector<Case> cases{
-        {"OS/2 1.x",
-         {.headerBytes = 12, .bits = 8, .palette = RgbPalette3(), .pixels = Four8()},
-         kFourColours},
-        {"OS/2 2.x, shortest",
-         {.headerBytes = 16, .bits = 8, .palette = RgbPalette(), .pixels = Four8()},
-         kFourColours},
-        {"OS/2 2.x, longest",
-         {.headerBytes = 64, .bits = 8, .palette = RgbPalette(), .pixels = Four8()},
-         kFourColours},
-        {"24 bits", {.pixels = Four24()}, kFourColours},
-        {"top row first", {.height = -2, .pixels = Four24()}, "0000FF FFFFFF/FF0000 00FF00"},
-        {"version 2", {.headerBytes = 52, .pixels = Four24()}, kFourColours},
-        {"version 3", {.headerBytes = 56, .pixels = Four24()}, kFourColours},
-        {"version 4", {.headerBytes = 108, .pixels = Four24()}, kFourColours},
-        {"version 5", {.headerBytes = 124, .pixels = Four24()}, kFourColours},
-        {"1 bit",
-         {.width = 9, .height = 1, .bits = 1, .palette = RgbPalette(), .pixels = {0x40, 0x80, 0, 0}},
-         "FF0000 00FF00 FF0000 FF0000 FF0000 FF0000 FF0000 FF0000 00FF00"},
-        {"2 bits",
-         {.width = 5, .height = 1, .bits = 2, .palette = RgbPalette(), .pixels = {0x1B, 0x40, 0, 0}},
-         "FF0000 00FF00 0000FF FFFFFF 00FF00"},
-        {"4 bits",
-         {.width = 3, .height = 1, .bits = 4, .palette = RgbPalette(), .pixels = {0x12, 0x30, 0, 0}},
-         "00FF00 0000FF FFFFFF"},
-        {"16 bits, five each",
-         {.width = 3, .height = 1, .bits = 16, .pixels = {0x00, 0x7C, 0x10, 0x42, 0xFF, 0xFF, 0, 0}},
-         "FF0000 848484 FFFFFF"},
-        {"32 bits, nothing in the fourth byte",
-         {.width = 1, .height = 2, .bits = 32, .pixels = {1, 2, 3, 0, 4, 5, 6, 0}},
-         "060504/030201"},
-        {"32 bits, alpha in the fourth byte",
-         {.width = 1, .height = 2, .bits = 32, .pixels = {1, 2, 3, 0, 4, 5, 6, 128}},
-         "06050480/03020100"},
-        {"32 bits, all opaque", {.width = 1, .height = 1, .bits = 32, .pixels = {1, 2, 3, 255}}, "030201"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(SpelledFile(MakeBmp(c.recipe)), c.expected) << c.name;
-    }
+    ExpectReads<Recipe>(
+        MakeBmp,
+        {
+            {"OS/2 1.x",
+             {.headerBytes = 12, .bits = 8, .palette = RgbPalette3(), .pixels = Four8()},
+             kFourColours},
+            {"OS/2 2.x, shortest",
+             {.headerBytes = 16, .bits = 8, .palette = RgbPalette(), .pixels = Four8()},
+             kFourColours},
+            {"OS/2 2.x, longest",
+             {.headerBytes = 64, .bits = 8, .palette = RgbPalette(), .pixels = Four8()},
+             kFourColours},
+            {"24 bits", {.pixels = Four24()}, kFourColours},
+            {"top row first", {.height = -2, .pixels = Four24()}, "0000FF FFFFFF/FF0000 00FF00"},
+            {"version 2", {.headerBytes = 52, .pixels = Four24()}, kFourColours},
+            {"version 3", {.headerBytes = 56, .pixels = Four24()}, kFourColours},
+            {"version 4", {.headerBytes = 108, .pixels = Four24()}, kFourColours},
+            {"version 5", {.headerBytes = 124, .pixels = Four24()}, kFourColours},
+            {"1 bit",
+             {.width = 9, .height = 1, .bits = 1, .palette = RgbPalette(), .pixels = {0x40, 0x80, 0, 0}},
+             "FF0000 00FF00 FF0000 FF0000 FF0000 FF0000 FF0000 FF0000 00FF00"},
+            {"2 bits",
+             {.width = 5, .height = 1, .bits = 2, .palette = RgbPalette(), .pixels = {0x1B, 0x40, 0, 0}},
+             "FF0000 00FF00 0000FF FFFFFF 00FF00"},
+            {"4 bits",
+             {.width = 3, .height = 1, .bits = 4, .palette = RgbPalette(), .pixels = {0x12, 0x30, 0, 0}},
+             "00FF00 0000FF FFFFFF"},
+            {"16 bits, five each",
+             {.width = 3, .height = 1, .bits = 16, .pixels = {0x00, 0x7C, 0x10, 0x42, 0xFF, 0xFF, 0, 0}},
+             "FF0000 848484 FFFFFF"},
+            {"32 bits, nothing in the fourth byte",
+             {.width = 1, .height = 2, .bits = 32, .pixels = {1, 2, 3, 0, 4, 5, 6, 0}},
+             "060504/030201"},
+            {"32 bits, alpha in the fourth byte",
+             {.width = 1, .height = 2, .bits = 32, .pixels = {1, 2, 3, 0, 4, 5, 6, 128}},
+             "06050480/03020100"},
+            {"32 bits, all opaque",
+             {.width = 1, .height = 1, .bits = 32, .pixels = {1, 2, 3, 255}},
+             "030201"},
+            {"64 bits of linear light",
+             {.width = 2,
+              .height = 1,
+              .bits = 64,
+              .pixels = {0x00, 0x20, 0x00, 0x08, 0xFF, 0xFF, 0x00, 0x20, 0, 0, 0, 0, 0x00, 0x60, 0x00, 0x10}},
+             "0089FFFF FF000080"},
+            {"a header longer than any yet", {.headerBytes = 200, .pixels = Four24()}, kFourColours},
+        });
 }
 
 TEST(Bmp, ScalesFieldsOfAnyWidth) {
-    const std::vector<Case> cases{
-        {"5-6-5 after the header",
-         {.width = 2,
-          .height = 1,
-          .bits = 16,
-          .compression = 3,
-          .masks = {0xF800, 0x07E0, 0x1F},
-          .pixels = {0x00, 0x04, 0xFF, 0xFF}},
-         "008200 FFFFFF"},
-        {"5-6-5 inside a version 2 header",
-         {.headerBytes = 52,
-          .width = 2,
-          .height = 1,
-          .bits = 16,
-          .compression = 3,
-          .masks = {0xF800, 0x07E0, 0x1F},
-          .pixels = {0x00, 0xF8, 0x1F, 0x00}},
-         "FF0000 0000FF"},
-        {"4-4-4-4 with alpha after the header",
-         {.width = 2,
-          .height = 1,
-          .bits = 16,
-          .compression = 6,
-          .masks = {0xF00, 0xF0, 0xF, 0xF000},
-          .pixels = {0x23, 0x81, 0xFF, 0xFF}},
-         "11223388 FFFFFFFF"},
-        {"alpha of a version 3 header",
-         {.headerBytes = 56,
-          .width = 1,
-          .height = 1,
-          .bits = 32,
-          .compression = 3,
-          .masks = {0xFF, 0xFF00, 0xFF0000, 0xFF000000},
-          .pixels = {0x11, 0x22, 0x33, 0x44}},
-         "11223344"},
-        {"alpha that was never set",
-         {.headerBytes = 56,
-          .width = 1,
-          .height = 1,
-          .bits = 32,
-          .compression = 3,
-          .masks = {0xFF, 0xFF00, 0xFF0000, 0xFF000000},
-          .pixels = {0x11, 0x22, 0x33, 0x00}},
-         "112233"},
-        {"10 bits each, rounded",
-         {.width = 1,
-          .height = 1,
-          .bits = 32,
-          .compression = 3,
-          .masks = {0x3FF00000, 0xFFC00, 0x3FF},
-          .pixels = {0x02, 0x0C, 0xF0, 0x3F}},
-         "FF0100"},
-        {"24 and 1 and 0 bits",
-         {.width = 1,
-          .height = 1,
-          .bits = 32,
-          .compression = 3,
-          .masks = {0xFFFFFF, 0x80000000, 0},
-          .pixels = {0x00, 0x00, 0x80, 0x80}},
-         "80FF00"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(SpelledFile(MakeBmp(c.recipe)), c.expected) << c.name;
-    }
+    ExpectReads<Recipe>(MakeBmp, {
+                                     {"5-6-5 after the header",
+                                      {.width = 2,
+                                       .height = 1,
+                                       .bits = 16,
+                                       .compression = 3,
+                                       .masks = {0xF800, 0x07E0, 0x1F},
+                                       .pixels = {0x00, 0x04, 0xFF, 0xFF}},
+                                      "008200 FFFFFF"},
+                                     {"5-6-5 inside a version 2 header",
+                                      {.headerBytes = 52,
+                                       .width = 2,
+                                       .height = 1,
+                                       .bits = 16,
+                                       .compression = 3,
+                                       .masks = {0xF800, 0x07E0, 0x1F},
+                                       .pixels = {0x00, 0xF8, 0x1F, 0x00}},
+                                      "FF0000 0000FF"},
+                                     {"4-4-4-4 with alpha after the header",
+                                      {.width = 2,
+                                       .height = 1,
+                                       .bits = 16,
+                                       .compression = 6,
+                                       .masks = {0xF00, 0xF0, 0xF, 0xF000},
+                                       .pixels = {0x23, 0x81, 0xFF, 0xFF}},
+                                      "11223388 FFFFFFFF"},
+                                     {"alpha of a version 3 header",
+                                      {.headerBytes = 56,
+                                       .width = 1,
+                                       .height = 1,
+                                       .bits = 32,
+                                       .compression = 3,
+                                       .masks = {0xFF, 0xFF00, 0xFF0000, 0xFF000000},
+                                       .pixels = {0x11, 0x22, 0x33, 0x44}},
+                                      "11223344"},
+                                     {"alpha that was never set",
+                                      {.headerBytes = 56,
+                                       .width = 1,
+                                       .height = 1,
+                                       .bits = 32,
+                                       .compression = 3,
+                                       .masks = {0xFF, 0xFF00, 0xFF0000, 0xFF000000},
+                                       .pixels = {0x11, 0x22, 0x33, 0x00}},
+                                      "112233"},
+                                     {"10 bits each, rounded",
+                                      {.width = 1,
+                                       .height = 1,
+                                       .bits = 32,
+                                       .compression = 3,
+                                       .masks = {0x3FF00000, 0xFFC00, 0x3FF},
+                                       .pixels = {0x02, 0x0C, 0xF0, 0x3F}},
+                                      "FF0100"},
+                                     {"masks that were never set",
+                                      {.width = 1,
+                                       .height = 1,
+                                       .bits = 32,
+                                       .compression = 3,
+                                       .masks = {0, 0, 0},
+                                       .pixels = {1, 2, 3, 0}},
+                                      "030201"},
+                                     {"24 and 1 and 0 bits",
+                                      {.width = 1,
+                                       .height = 1,
+                                       .bits = 32,
+                                       .compression = 3,
+                                       .masks = {0xFFFFFF, 0x80000000, 0},
+                                       .pixels = {0x00, 0x00, 0x80, 0x80}},
+                                      "80FF00"},
+                                 });
 }
 
 TEST(Bmp, DecodesRunLengths) {
@@ -193,29 +201,55 @@ TEST(Bmp, DecodesRunLengths) {
     const std::string red = "FF0000 FF0000 FF0000 FF0000";
     const std::string mixed = "FF0000 00FF00 0000FF FFFFFF";
     const std::string white = "FFFFFF FFFFFF FFFFFF FFFFFF";
-    const std::vector<Case> cases{
-        {"runs", rle(8, {4, 0, 0, 0, 4, 2, 0, 1}), "0000FF 0000FF 0000FF 0000FF/" + red},
-        {"absolute and padding", rle(8, {0, 3, 0, 1, 2, 0, 1, 3, 0, 0, 4, 0, 0, 1}), red + "/" + mixed},
-        {"4-bit run alternates", rle(4, {4, 0x01, 0, 0, 3, 0x22, 0, 1}),
-         "0000FF 0000FF 0000FF FFFFFF/FF0000 00FF00 FF0000 00FF00"},
-        {"4-bit absolute", rle(4, {0, 4, 0x01, 0x23, 0, 0, 4, 0, 0, 1}), red + "/" + mixed},
-        {"24 bits", rle(24, {4, 0, 0, 255, 0, 0, 0, 3, 0, 0, 255, 0, 255, 0, 255, 0, 0, 0, 0, 1}),
-         "FF0000 00FF00 0000FF FFFFFF/" + red},
-        {"delta skips to white", rle(8, {1, 0, 0, 2, 1, 1, 2, 1, 0, 1}),
-         "FFFFFF FFFFFF 00FF00 00FF00/FF0000 FFFFFF FFFFFF FFFFFF"},
-        {"run past the row is cut", rle(8, {9, 0, 0, 0, 4, 0, 0, 1}), red + "/" + red},
-        {"absolute past the row is cut", rle(8, {0, 5, 0, 1, 2, 3, 0, 0, 0, 0, 4, 0, 0, 1}),
-         red + "/" + mixed},
-        {"ends without saying so", rle(8, {4, 0}), white + "/" + red},
-        {"ends inside a run", rle(8, {4, 0, 0, 0, 4}), white + "/" + red},
-        {"ends inside absolute", rle(8, {0, 4, 0, 1}), white + "/FF0000 00FF00 FFFFFF FFFFFF"},
-        {"rows beyond the picture", rle(8, {4, 0, 0, 0, 4, 0, 0, 0, 4, 1, 0, 0, 4, 1, 0, 1}),
-         red + "/" + red},
-        {"delta far outside", rle(8, {4, 0, 0, 2, 255, 255, 4, 1, 0, 1}), white + "/" + red},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(SpelledFile(MakeBmp(c.recipe)), c.expected) << c.name;
-    }
+    ExpectReads<Recipe>(
+        MakeBmp,
+        {
+            {"runs", rle(8, {4, 0, 0, 0, 4, 2, 0, 1}), "0000FF 0000FF 0000FF 0000FF/" + red},
+            {"absolute and padding", rle(8, {0, 3, 0, 1, 2, 0, 1, 3, 0, 0, 4, 0, 0, 1}), red + "/" + mixed},
+            {"4-bit run alternates", rle(4, {4, 0x01, 0, 0, 3, 0x22, 0, 1}),
+             "0000FFFF 0000FFFF 0000FFFF FF000000/FF0000FF 00FF00FF FF0000FF 00FF00FF"},
+            {"4-bit absolute", rle(4, {0, 4, 0x01, 0x23, 0, 0, 4, 0, 0, 1}), red + "/" + mixed},
+            {"24 bits", rle(24, {4, 0, 0, 255, 0, 0, 0, 3, 0, 0, 255, 0, 255, 0, 255, 0, 0, 0, 0, 1}),
+             "FF0000FF 00FF00FF 0000FFFF 00000000/FF0000FF FF0000FF FF0000FF FF0000FF"},
+            {"what a delta skips is transparent, as what the end leaves out",
+             rle(8, {1, 0, 0, 2, 1, 1, 2, 1, 0, 1}),
+             "FF000000 FF000000 00FF00FF 00FF00FF/FF0000FF FF000000 FF000000 FF000000"},
+            {"an end at once", rle(24, {0, 1}),
+             "00000000 00000000 00000000 00000000/00000000 00000000 00000000 00000000"},
+            {"top row first",
+             [&] {
+                 Recipe r = rle(8, {4, 0, 0, 0, 4, 2, 0, 1});
+                 r.height = -2;
+                 return r;
+             }(),
+             red + "/0000FF 0000FF 0000FF 0000FF"},
+            {"run past the row is cut", rle(8, {9, 0, 0, 0, 4, 0, 0, 1}), red + "/" + red},
+            {"absolute past the row is cut", rle(8, {0, 5, 0, 1, 2, 3, 0, 0, 0, 0, 4, 0, 0, 1}),
+             red + "/" + mixed},
+            {"ends without saying so", rle(8, {4, 0}), white + "/" + red},
+            {"ends inside a run", rle(8, {4, 0, 0, 0, 4}), white + "/" + red},
+            {"ends inside absolute", rle(8, {0, 4, 0, 1}), white + "/FF0000 00FF00 FFFFFF FFFFFF"},
+            {"rows beyond the picture", rle(8, {4, 0, 0, 0, 4, 0, 0, 0, 4, 1, 0, 0, 4, 1, 0, 1}),
+             red + "/" + red},
+            {"delta far outside", rle(8, {4, 0, 0, 2, 255, 255, 4, 1, 0, 1}),
+             "FF000000 FF000000 FF000000 FF000000/FF0000FF FF0000FF FF0000FF FF0000FF"},
+        });
+}
+
+// Each row behind an end of line: four white and four black of width 8 need no more; then none white, two
+// black, six white.
+TEST(Bmp, DecodesTheHuffmanCodesOfOs2) {
+    const Recipe recipe{
+        .headerBytes = 64,
+        .width = 8,
+        .bits = 1,
+        .compression = 3,
+        .declaredColours = 2,
+        .palette = {0, 0, 255, 0, 0, 255, 0, 0},
+        .pixels = {0x00, 0x1B, 0x60, 0x02, 0x6B, 0xF0, 0x00, 0x80, 0x08, 0x00, 0x80, 0x08, 0x00, 0x80, 0x08}};
+    EXPECT_EQ(SpelledFile(MakeBmp(recipe)),
+              "00FF00 00FF00 FF0000 FF0000 FF0000 FF0000 FF0000 FF0000/FF0000 FF0000 FF0000 FF0000 00FF00 "
+              "00FF00 00FF00 00FF00");
 }
 
 TEST(Bmp, MakesTheBestOfOddFiles) {
@@ -223,48 +257,53 @@ TEST(Bmp, MakesTheBestOfOddFiles) {
     twoColours.resize(8);
     ByteBuffer longPalette = RgbPalette();
     longPalette.resize(300 * 4);
-    const std::vector<Case> cases{
-        {"palette of two: others are black",
-         {.bits = 8, .declaredColours = 2, .palette = twoColours, .pixels = Four8()},
-         "FF0000 00FF00/000000 000000"},
-        {"palette shorter than declared: the pixels' offset counts",
-         {.bits = 8, .declaredColours = 256, .palette = RgbPalette(), .pixels = Four8()},
-         kFourColours},
-        {"palette longer than pixels can use",
-         {.bits = 8, .declaredColours = 300, .palette = longPalette, .pixels = Four8()},
-         kFourColours},
-        {"no palette: greys", {.width = 1, .height = 1, .bits = 4, .pixels = {0x80, 0, 0, 0}}, "888888"},
-        {"gap before the pixels", {.gap = 10, .pixels = Four24()}, kFourColours},
-        {"offset 0",
-         {.bits = 8, .declaredColours = 4, .palette = RgbPalette(), .pixelOffset = 0, .pixels = Four8()},
-         kFourColours},
-        {"offset inside the header", {.pixelOffset = 20, .pixels = Four24()}, kFourColours},
-        {"offset without the palette",
-         {.bits = 8, .declaredColours = 4, .palette = RgbPalette(), .pixelOffset = 54, .pixels = Four8()},
-         kFourColours},
-        {"offset beyond the file", {.pixelOffset = 1 << 30, .pixels = Four24()}, kFourColours},
-        {"cut inside a row",
-         {.pixels = {255, 0, 0, 255, 255, 255, 0, 0, 0, 0, 255}},
-         "FF0000 FFFFFF/0000FF FFFFFF"},
-        {"cut, alpha of the rest counts",
-         {.width = 1, .height = 3, .bits = 32, .pixels = {1, 2, 3, 0, 4, 5, 6, 0}},
-         "FFFFFF/060504/030201"},
-        {"nothing but headers", {}, kUnsupported},
-        {"width 0", {.width = 0, .pixels = Four24()}, kUnsupported},
-        {"negative width", {.width = -2, .pixels = Four24()}, kUnsupported},
-        {"height with no positive", {.height = -2147483648LL, .pixels = Four24()}, kTooLarge},
-        {"3 bits", {.bits = 3, .pixels = Four24()}, kUnsupported},
-        {"run lengths of 24-bit pixels by the wrong code",
-         {.compression = 1, .pixels = Four24()},
-         kUnsupported},
-        {"too large", {.width = 40000, .height = 40000, .pixels = Four24()}, kTooLarge},
-        {"large without the bytes for it",
-         {.width = 30000, .height = 30000, .pixels = Four24()},
-         kUnsupported},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(SpelledFile(MakeBmp(c.recipe)), c.expected) << c.name;
-    }
+    ExpectReads<Recipe>(
+        MakeBmp,
+        {
+            {"palette of two: others are black",
+             {.bits = 8, .declaredColours = 2, .palette = twoColours, .pixels = Four8()},
+             "FF0000 00FF00/000000 000000"},
+            {"palette shorter than declared: the pixels' offset counts",
+             {.bits = 8, .declaredColours = 256, .palette = RgbPalette(), .pixels = Four8()},
+             kFourColours},
+            {"short palette of OS/2, and something behind the pixels",
+             {.headerBytes = 12,
+              .bits = 8,
+              .palette = RgbPalette3(),
+              .pixels = Bytes().Append(Four8()).Zeros(800).Done()},
+             kFourColours},
+            {"palette longer than pixels can use",
+             {.bits = 8, .declaredColours = 300, .palette = longPalette, .pixels = Four8()},
+             kFourColours},
+            {"no palette: greys", {.width = 1, .height = 1, .bits = 4, .pixels = {0x80, 0, 0, 0}}, "888888"},
+            {"gap before the pixels", {.gap = 10, .pixels = Four24()}, kFourColours},
+            {"offset 0",
+             {.bits = 8, .declaredColours = 4, .palette = RgbPalette(), .pixelOffset = 0, .pixels = Four8()},
+             kFourColours},
+            {"offset inside the header", {.pixelOffset = 20, .pixels = Four24()}, kFourColours},
+            {"offset without the palette",
+             {.bits = 8, .declaredColours = 4, .palette = RgbPalette(), .pixelOffset = 54, .pixels = Four8()},
+             kFourColours},
+            {"offset beyond the file", {.pixelOffset = 1 << 30, .pixels = Four24()}, kFourColours},
+            {"cut inside a row",
+             {.pixels = {255, 0, 0, 255, 255, 255, 0, 0, 0, 0, 255}},
+             "FF0000 FFFFFF/0000FF FFFFFF"},
+            {"cut, alpha of the rest counts",
+             {.width = 1, .height = 3, .bits = 32, .pixels = {1, 2, 3, 0, 4, 5, 6, 0}},
+             "FFFFFF/060504/030201"},
+            {"nothing but headers", {}, kUnsupported},
+            {"width 0", {.width = 0, .pixels = Four24()}, kUnsupported},
+            {"negative width", {.width = -2, .pixels = Four24()}, kUnsupported},
+            {"height with no positive", {.height = -2147483648LL, .pixels = Four24()}, kTooLarge},
+            {"3 bits", {.bits = 3, .pixels = Four24()}, kUnsupported},
+            {"run lengths of 24-bit pixels by the wrong code",
+             {.compression = 1, .pixels = Four24()},
+             kUnsupported},
+            {"too large", {.width = 40000, .height = 40000, .pixels = Four24()}, kTooLarge},
+            {"large without the bytes for it",
+             {.width = 30000, .height = 30000, .pixels = Four24()},
+             kUnsupported},
+        });
 }
 
 TEST(Bmp, ReadsEmbeddedFiles) {
@@ -277,6 +316,22 @@ TEST(Bmp, ReadsEmbeddedFiles) {
         EXPECT_TRUE(SamePixels(Read(MakeBmp({.bits = bits, .compression = 4, .pixels = jpeg})), Read(jpeg)));
     }
     EXPECT_EQ(SpelledFile(MakeBmp({.bits = 0, .compression = 5, .pixels = bitmap})), kUnsupported);
+}
+
+TEST(Bmp, ReadsTheFirstOfAnArray) {
+    // Offsets count from the beginning of the array.
+    const ByteBuffer bitmap = MakeBmp({.pixelOffset = 14 + 54, .pixels = Four24()});
+    const ByteBuffer file = Bytes().Text("BA").Le32({40, 0}).Le16({0, 0}).Append(bitmap).Done();
+    EXPECT_EQ(SpelledFile(file), kFourColours);
+    EXPECT_EQ(FindCodecByContent(Bytes().Text("BA").Zeros(100).Done()), nullptr);
+}
+
+TEST(Bmp, ReadsBitmapsInsideOtherFiles) {
+    const ByteBuffer file =
+        MakeBmp({.bits = 8, .declaredColours = 4, .palette = RgbPalette(), .pixels = Four8()});
+    const ByteView info = ByteView(file).subspan(14, 56);
+    EXPECT_EQ(Spelled(ReadDib(info, Four8())), kFourColours);
+    EXPECT_THROW(ReadDib(info, {}), ImagingError);
 }
 
 TEST(Bmp, ReadsTheResolution) {

@@ -84,85 +84,102 @@ ByteBuffer MakeGif(const Recipe& recipe) {
         .Done();
 }
 
-struct Case {
-    const char* name;
-    Recipe recipe;
-    std::string expected;
-};
-
-void ExpectAll(const std::vector<Case>& cases) {
-    for (const Case& c : cases) {
-        EXPECT_EQ(SpelledFile(MakeGif(c.recipe)), c.expected) << c.name;
-    }
-}
-
 TEST(Gif, PlacesTheFirstFrameOnItsScreen) {
-    ExpectAll({
-        {"frame as large as the screen", {}, "FF0000 00FF00/0000FF FFFFFF"},
-        {"smaller and offset: the rest is transparent",
-         {.left = 1, .top = 1, .width = 1, .height = 1},
-         "00000000 00000000/00000000 FF0000FF"},
-        {"larger: the screen grows", {.screenWidth = 1, .screenHeight = 1}, "FF0000 00FF00/0000FF FFFFFF"},
-        {"outside: the screen grows",
-         {.screenWidth = 1, .screenHeight = 1, .left = 1, .width = 1, .height = 1},
-         "00000000 FF0000FF"},
-        {"no screen", {.screenWidth = 0, .screenHeight = 0}, "FF0000 00FF00/0000FF FFFFFF"},
-        {"transparent colour", {.blocks = Transparent2()}, "FF0000FF 00FF00FF/00000000 FFFFFFFF"},
-        {"transparent colour that does not occur",
-         {.blocks = Transparent2(), .data = Plain({0, 0, 1, 1})},
-         "FF0000 FF0000/00FF00 00FF00"},
-        {"interlaced",
-         {.screenWidth = 1,
-          .screenHeight = 5,
-          .width = 1,
-          .height = 5,
-          .flags = 0x40,
-          .data = Plain({0, 1, 2, 3, 0})},
-         "FF0000/FFFFFF/0000FF/FF0000/00FF00"},
-        {"own colours",
-         {.flags = 0x80, .frameColours = {1, 2, 3, 4, 5, 6}, .data = Plain({0, 1, 1, 0})},
-         "010203 040506/040506 010203"},
-        {"index beyond the colours",
-         {.flags = 0x80, .frameColours = {1, 2, 3, 4, 5, 6}, .data = Plain({0, 1, 2, 3})},
-         "010203 040506/000000 000000"},
-        {"no colours at all: greys", {.screenColours = false}, "000000 555555/AAAAAA FFFFFF"},
-        {"comment and unknown blocks before",
-         {.blocks = {0x21, 0xFE, 2, 'h', 'i', 0, 0x21, 0x77, 1, 9, 0, 0, 0}},
-         "FF0000 00FF00/0000FF FFFFFF"},
-    });
+    ExpectReads<Recipe>(
+        MakeGif,
+        {
+            {"frame as large as the screen", {}, "FF0000 00FF00/0000FF FFFFFF"},
+            {"smaller and offset: the rest is transparent",
+             {.left = 1, .top = 1, .width = 1, .height = 1},
+             "00000000 00000000/00000000 FF0000FF"},
+            {"larger: the screen grows",
+             {.screenWidth = 1, .screenHeight = 1},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"outside: the screen grows",
+             {.screenWidth = 1, .screenHeight = 1, .left = 1, .width = 1, .height = 1},
+             "00000000 FF0000FF"},
+            {"no screen", {.screenWidth = 0, .screenHeight = 0}, "FF0000 00FF00/0000FF FFFFFF"},
+            {"transparent colour", {.blocks = Transparent2()}, "FF0000FF 00FF00FF/00000000 FFFFFFFF"},
+            {"transparent colour that does not occur",
+             {.blocks = Transparent2(), .data = Plain({0, 0, 1, 1})},
+             "FF0000 FF0000/00FF00 00FF00"},
+            {"interlaced",
+             {.screenWidth = 1,
+              .screenHeight = 5,
+              .width = 1,
+              .height = 5,
+              .flags = 0x40,
+              .data = Plain({0, 1, 2, 3, 0})},
+             "FF0000/FFFFFF/0000FF/FF0000/00FF00"},
+            {"interlaced and cut: the passes there were",
+             {.screenWidth = 1,
+              .screenHeight = 9,
+              .width = 1,
+              .height = 9,
+              .flags = 0x40,
+              .data = Codes(2, {{4, 3}, {0, 3}, {1, 3}, {4, 3}, {2, 3}})},
+             "FF0000/FF0000/FF0000/FF0000/0000FF/0000FF/0000FF/0000FF/00FF00"},
+            {"a screen too large to be true",
+             {.screenWidth = 40000, .screenHeight = 40000},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"a screen that the file cannot justify",
+             {.screenWidth = 30000, .screenHeight = 30000},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"a place that makes the screen too large", {.left = 32767}, "FF0000 00FF00/0000FF FFFFFF"},
+            {"a frame of nothing before",
+             {.blocks = {0x2C, 0, 0, 0, 0, 2, 0, 2, 0, 0, 2, 0}},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"a frame without size before",
+             {.blocks = {0x2C, 0, 0, 0, 0, 0, 0, 2, 0, 0x80, 9, 9, 9, 8, 8, 8, 2, 1, 0x44, 0}},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"own colours",
+             {.flags = 0x80, .frameColours = {1, 2, 3, 4, 5, 6}, .data = Plain({0, 1, 1, 0})},
+             "010203 040506/040506 010203"},
+            {"index beyond the colours",
+             {.flags = 0x80, .frameColours = {1, 2, 3, 4, 5, 6}, .data = Plain({0, 1, 2, 3})},
+             "010203 040506/000000 000000"},
+            {"no colours at all: greys", {.screenColours = false}, "000000 555555/AAAAAA FFFFFF"},
+            {"comment and unknown blocks before",
+             {.blocks = {0x21, 0xFE, 2, 'h', 'i', 0, 0x21, 0x77, 1, 9, 0, 0, 0}},
+             "FF0000 00FF00/0000FF FFFFFF"},
+        });
 }
 
 TEST(Gif, DecodesCodesHoweverTheyCome) {
     const std::vector<Code> strings{{4, 3}, {0, 3}, {6, 3}, {1, 3}, {5, 4}}; // 6: the string being learned
-    ExpectAll({
-        {"a code before it is learned", {.data = Codes(2, strings)}, "FF0000 FF0000/FF0000 00FF00"},
-        {"no clear code first",
-         {.data = Codes(2, {{0, 3}, {1, 3}, {2, 3}, {3, 4}, {5, 4}})},
-         "FF0000 00FF00/0000FF FFFFFF"},
-        {"no end code",
-         {.data = Codes(2, {{4, 3}, {0, 3}, {1, 3}, {2, 3}, {3, 4}})},
-         "FF0000 00FF00/0000FF FFFFFF"},
-        {"ends early",
-         {.data = Codes(2, {{4, 3}, {0, 3}, {1, 3}, {2, 3}, {5, 4}})},
-         "FF0000 00FF00/0000FF FFFFFF"},
-        {"ends in the first row",
-         {.data = Codes(2, {{4, 3}, {0, 3}, {5, 3}})},
-         "FF0000 FFFFFF/FFFFFF FFFFFF"},
-        {"a code that cannot come",
-         {.data = Codes(2, {{4, 3}, {0, 3}, {7, 3}, {1, 3}})},
-         "FF0000 FFFFFF/FFFFFF FFFFFF"},
-        {"data goes on behind the frame", {.data = Plain({0, 1, 2, 3, 3, 3})}, "FF0000 00FF00/0000FF FFFFFF"},
-        {"smallest code size",
-         {.data = Codes(1, {{2, 2}, {0, 2}, {1, 2}, {1, 3}, {0, 3}, {3, 3}})},
-         "FF0000 00FF00/00FF00 FF0000"},
-        {"largest code size",
-         {.data = Codes(11, {{2048, 12}, {0, 12}, {1, 12}, {3, 12}, {1000, 12}, {2049, 12}})},
-         "FF0000 00FF00/FFFFFF 000000"},
-        {"code size 0", {.data = Codes(0, {{0, 1}, {0, 1}})}, kUnsupported},
-        {"code size 12", {.data = Codes(12, {{0, 13}})}, kUnsupported},
-        {"no codes", {.data = {2, 0}}, kUnsupported},
-        {"block longer than the file", {.data = {2, 200, 0x44}}, "FF0000 FFFFFF/FFFFFF FFFFFF"},
-    });
+    ExpectReads<Recipe>(
+        MakeGif,
+        {
+            {"a code before it is learned", {.data = Codes(2, strings)}, "FF0000 FF0000/FF0000 00FF00"},
+            {"no clear code first",
+             {.data = Codes(2, {{0, 3}, {1, 3}, {2, 3}, {3, 4}, {5, 4}})},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"no end code",
+             {.data = Codes(2, {{4, 3}, {0, 3}, {1, 3}, {2, 3}, {3, 4}})},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"ends early",
+             {.data = Codes(2, {{4, 3}, {0, 3}, {1, 3}, {2, 3}, {5, 4}})},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"ends in the first row",
+             {.data = Codes(2, {{4, 3}, {0, 3}, {5, 3}})},
+             "FF0000 FFFFFF/FFFFFF FFFFFF"},
+            {"a code that cannot come",
+             {.data = Codes(2, {{4, 3}, {0, 3}, {7, 3}, {1, 3}})},
+             "FF0000 FFFFFF/FFFFFF FFFFFF"},
+            {"data goes on behind the frame",
+             {.data = Plain({0, 1, 2, 3, 3, 3})},
+             "FF0000 00FF00/0000FF FFFFFF"},
+            {"smallest code size",
+             {.data = Codes(1, {{2, 2}, {0, 2}, {1, 2}, {1, 3}, {0, 3}, {3, 3}})},
+             "FF0000 00FF00/00FF00 FF0000"},
+            {"largest code size",
+             {.data = Codes(11, {{2048, 12}, {0, 12}, {1, 12}, {3, 12}, {1000, 12}, {2049, 12}})},
+             "FF0000 00FF00/FFFFFF 000000"},
+            {"code size 0", {.data = Codes(0, {{0, 1}, {0, 1}})}, kUnsupported},
+            {"code size 12", {.data = Codes(12, {{0, 13}})}, kUnsupported},
+            {"no codes", {.data = {2, 0}}, kUnsupported},
+            {"block longer than the file", {.data = {2, 200, 0x44}}, "FF0000 FFFFFF/FFFFFF FFFFFF"},
+        });
 }
 
 // All 4096 codes are learned and no clear code comes: codes stay 12 bits and keep their strings.
@@ -189,13 +206,13 @@ TEST(Gif, RefusesWhatHoldsNoPicture) {
     for (const std::size_t length : {6U, 10U, 13U, 25U, 34U}) {
         EXPECT_EQ(SpelledFile({whole.data(), length}), kUnsupported) << length;
     }
-    ExpectAll({
-        {"frame without pixels", {.width = 0}, kUnsupported},
-        {"only the trailer", {.blocks = {0x3B}}, kUnsupported},
-        {"too large", {.screenWidth = 40000, .screenHeight = 40000}, kTooLarge},
-        {"large without the bytes for it", {.screenWidth = 30000, .screenHeight = 30000}, kUnsupported},
-        {"a frame that makes the screen too large", {.left = 32767}, kTooLarge},
-    });
+    ExpectReads<Recipe>(
+        MakeGif, {
+                     {"frame without pixels", {.width = 0}, kUnsupported},
+                     {"only the trailer", {.blocks = {0x3B}}, kUnsupported},
+                     {"too large", {.width = 40000, .height = 40000}, kTooLarge},
+                     {"large without the bytes for it", {.width = 30000, .height = 30000}, kUnsupported},
+                 });
 }
 
 TEST(Gif, KeepsFewColoursExactly) {
@@ -272,8 +289,8 @@ TEST(Gif, ServesManyColoursWell) {
         }
     }
     EXPECT_EQ(colours.size(), 256U);
-    EXPECT_LT(std::sqrt(squares / (400.0 * 300 * 3)), 6); // 3 bits of red and green and 2 of blue give 17
-    EXPECT_LT(BlockDifference(picture, again), 1.0);
+    EXPECT_LT(std::sqrt(squares / (400.0 * 300 * 3)), 4); // 3 bits of red and green and 2 of blue give 17
+    EXPECT_LT(BlockDifference(picture, again), 0.4);
 }
 
 TEST(Gif, KeepsAFlatBackgroundFlat) {

@@ -23,6 +23,7 @@ struct Recipe {
     int y0 = 0;
     int tile = 0; // side; 0: one tile
     OPJ_PROG_ORDER order = OPJ_LRCP;
+    int resolutions = 1;
     std::vector<Component> components;
 };
 
@@ -54,7 +55,7 @@ ByteBuffer MakeCodestream(const Recipe& r) {
     opj_set_default_encoder_parameters(&parameters);
     parameters.tcp_numlayers = 1;
     parameters.cp_disto_alloc = 1;
-    parameters.numresolution = 1;
+    parameters.numresolution = r.resolutions;
     parameters.prog_order = r.order;
     parameters.tile_size_on = r.tile > 0 ? OPJ_TRUE : OPJ_FALSE;
     parameters.cp_tdx = parameters.cp_tdy = r.tile;
@@ -102,6 +103,11 @@ TEST(J2k, ReadsSamplesOfEveryKind) {
         {"4 bits", MakeCodestream({.components = {{.bits = 4, .samples = {8, 15}}}}), "888888 FFFFFF"},
         {"12 bits", MakeCodestream({.components = {{.bits = 12, .samples = {2048, 4095}}}}), "808080 FFFFFF"},
         {"16 bits", MakeCodestream({.components = {{.bits = 16, .samples = {257, 65535}}}}), "010101 FFFFFF"},
+        {"20 bits", MakeCodestream({.components = {{.bits = 20, .samples = {4112, 1048575}}}}),
+         "010101 FFFFFF"},
+        {"24 bits with a sign",
+         MakeCodestream({.components = {{.bits = 24, .isSigned = true, .samples = {-8388608, 8388607}}}}),
+         "000000 FFFFFF"},
         {"8 bits with a sign", MakeCodestream({.components = {{.isSigned = true, .samples = {-128, 127}}}}),
          "000000 FFFFFF"},
         {"16 bits with a sign",
@@ -122,6 +128,20 @@ TEST(J2k, ReadsSamplesOfEveryKind) {
         {"coarse everywhere is a smaller picture",
          MakeCodestream({.width = 4, .height = 2, .components = {{.step = 2, .samples = {7, 9}}}}),
          "070707 090909"},
+        {"many channels: the first three are colours",
+         MakeCodestream({.width = 1,
+                         .components = {{.samples = {1}},
+                                        {.samples = {2}},
+                                        {.samples = {3}},
+                                        {.samples = {4}},
+                                        {.samples = {5}}}}),
+         "010203"},
+        {"between coarser samples there is a slope",
+         MakeCodestream({.width = 6,
+                         .components = {{.samples = {0, 0, 0, 0, 0, 0}},
+                                        {.step = 2, .samples = {0, 128, 0}},
+                                        {.samples = {0, 0, 0, 0, 0, 0}}}}),
+         "000000 002000 006000 006000 002000 000000"},
         {"coarse chroma is YCC",
          MakeCodestream({.width = 2,
                          .height = 2,
@@ -159,6 +179,34 @@ TEST(J2k, ReadsAllOrdersAndTilesInAnyOrder) {
     const PixelArray cut = Read(file);
     EXPECT_EQ(cut.Row(0)[0], 255);
     EXPECT_EQ(cut.Row(0)[4 * 69], whole.Row(0)[4 * 69]);
+}
+
+// The finer details of a file that is cut are missing, not the picture.
+TEST(J2k, ShowsTheCoarserStepsOfAFileCutShort) {
+    constexpr int kSide = 128;
+    std::vector<Component> slopes(3);
+    for (int i = 0; i < kSide * kSide; ++i) {
+        const int x = i % kSide;
+        const int y = i / kSide;
+        slopes[0].samples.push_back(2 * x);
+        slopes[1].samples.push_back(2 * y);
+        slopes[2].samples.push_back((x + y + (x * y) % 7) % 256);
+    }
+    for (const auto order : {OPJ_RLCP, OPJ_RPCL, OPJ_CPRL}) {
+        ByteBuffer file = MakeCodestream(
+            {.width = kSide, .height = kSide, .order = order, .resolutions = 5, .components = slopes});
+        const bool isByComponent = order == OPJ_CPRL;
+        file.resize(isByComponent ? file.size() / 4 * 3 : file.size() / 4);
+        const PixelArray picture = Read(file);
+        for (int at = 8; at < kSide - 8; at += 5) {
+            const std::uint8_t* const pixel = picture.Row(at) + std::ptrdiff_t{4} * at;
+            EXPECT_NEAR(pixel[2], 2 * at, 16) << order;
+            EXPECT_NEAR(pixel[1], 2 * at, 16) << order;
+            if (!isByComponent) { // else it is cut before blue
+                EXPECT_NEAR(pixel[0], 2 * at, 16) << order;
+            }
+        }
+    }
 }
 
 TEST(J2k, ReadsWhatBoxesSay) {
@@ -209,6 +257,17 @@ TEST(J2k, ReadsWhatBoxesSay) {
                                                                {.samples = {128, 128}},
                                                                {.samples = {96, 96}}}})),
          "FFFFFF 000000"},
+        {"a palette and no word on its use",
+         MakeJp2(Box("pclr", {0, 2, 3, 7, 7, 7, 10, 20, 30, 40, 50, 60}), indices), "28323C 0A141E"},
+        {"a box of nonsense length before the codestream",
+         MakeJp2(Bytes().U8({0, 0, 0, 4}).Text("junk").Done(), three), "010203 040506"},
+        {"a header that swallows the codestream",
+         [&] {
+             ByteBuffer file = MakeJp2(ColourBox(16), three);
+             file[34] = 0x7F;
+             return file;
+         }(),
+         "010203 040506"},
         {"no codestream", MakeJp2(ColourBox(16), {}), kUnsupported},
     });
 }

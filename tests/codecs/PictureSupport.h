@@ -11,6 +11,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace pictorel::codecs::testing {
 
@@ -99,6 +100,20 @@ inline std::string SpelledFile(ByteView file) {
 }
 inline constexpr const char* kUnsupported = "error 0";
 inline constexpr const char* kTooLarge = "error 1";
+
+// A file made by a recipe, and its picture spelled out.
+template <typename Recipe>
+struct RecipeCase {
+    const char* name;
+    Recipe recipe;
+    std::string expected;
+};
+template <typename Recipe>
+void ExpectReads(ByteBuffer (*make)(const Recipe&), const std::vector<RecipeCase<Recipe>>& cases) {
+    for (const auto& c : cases) {
+        EXPECT_EQ(SpelledFile(make(c.recipe)), c.expected) << c.name;
+    }
+}
 
 inline ByteBuffer Write(std::string_view extension, const PixelArray& picture) {
     return FindCodecByExtension(extension)->write(picture, {});

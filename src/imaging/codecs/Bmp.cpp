@@ -3,13 +3,18 @@
 
 #include "imaging/ForEachBand.h"
 #include "imaging/codecs/BmpHeader.h"
+#include "imaging/codecs/BmpHuffman.h"
 #include "imaging/codecs/BmpRunLengths.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/ColourProfile.h"
+#include "imaging/codecs/FileMemory.h"
 #include "imaging/codecs/PixelSupport.h"
 
+#include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstring>
+#include <vector>
 
 namespace pictorel::codecs {
 namespace {
@@ -46,6 +51,10 @@ class MaskedChannel {
     std::array<std::uint8_t, kTableSize> table_{};
 };
 
+double EncodedSrgb(double linear) { // IEC 61966-2-1, 0..1
+    return linear <= 0.0031308 ? 12.92 * linear : 1.055 * std::pow(linear, 1 / 2.4) - 0.055;
+}
+
 class RowDecoder {
   public:
     explicit RowDecoder(const BmpHeader& header)
@@ -53,35 +62,32 @@ class RowDecoder {
           red_(header.masks[0]),
           green_(header.masks[1]),
           blue_(header.masks[2]),
-          alpha_(header.masks[3]) {}
+          alpha_(header.masks[3]) {
+        for (int linear = 0; header.bits == 64 && linear <= kOne; ++linear) {
+            encoded_.push_back(
+                static_cast<std::uint8_t>(std::lround(255 * EncodedSrgb(linear / double{kOne}))));
+        }
+    }
 
     void Decode(const std::uint8_t* data, std::uint8_t* bgra, int pixels) const {
         if (header_.bits <= 8) {
-            DecodeIndexed(data, bgra, pixels);
+            ColourIndices(data, header_.bits, header_.palette, bgra, pixels);
         } else if (header_.bits == 24 && header_.compression == BmpCompression::None) {
-            Decode24(data, bgra, pixels);
+            CopyOpaque(data, bgra, pixels);
+        } else if (header_.bits == 64) {
+            Decode64(data, bgra, pixels);
         } else {
             DecodeMasked(data, bgra, pixels);
         }
     }
 
   private:
-    void DecodeIndexed(const std::uint8_t* data, std::uint8_t* bgra, int pixels) const {
-        const int perByte = 8 / header_.bits;
-        const int largest = (1 << header_.bits) - 1;
-        for (int x = 0; x < pixels; ++x, bgra += PixelArray::kComponents) {
-            const int shift = 8 - header_.bits * (x % perByte + 1); // the leftmost pixel in the highest bits
-            const int index = data[x / perByte] >> shift & largest;
-            std::memcpy(bgra, header_.palette[static_cast<std::size_t>(index)].data(), 4);
-        }
-    }
-
-    static void Decode24(const std::uint8_t* data, std::uint8_t* bgra, int pixels) {
-        for (int x = 0; x < pixels; ++x, data += 3, bgra += PixelArray::kComponents) {
-            bgra[0] = data[0];
-            bgra[1] = data[1];
-            bgra[2] = data[2];
-            bgra[3] = 255;
+    void Decode64(const std::uint8_t* data, std::uint8_t* bgra, int pixels) const {
+        for (int i = 0; i < PixelArray::kComponents * pixels; ++i, data += 2) {
+            const int linear = std::clamp<int>(static_cast<std::int16_t>(data[0] | data[1] << 8), 0, kOne);
+            const bool isAlpha = i % PixelArray::kComponents == 3;
+            bgra[i] = isAlpha ? static_cast<std::uint8_t>((linear * 255 + kOne / 2) / kOne)
+                              : encoded_[static_cast<std::size_t>(linear)];
         }
     }
 
@@ -98,7 +104,12 @@ class RowDecoder {
         }
     }
 
+    // Pixels of 64 bits are blue, green, red and alpha in 16 bits each, of which 8192 is 1; colours are
+    // linear light.
+    static constexpr int kOne = 8192;
+
     const BmpHeader& header_;
+    std::vector<std::uint8_t> encoded_; // sRGB of linear light
     MaskedChannel red_;
     MaskedChannel green_;
     MaskedChannel blue_;
@@ -135,7 +146,7 @@ PixelArray ReadEmbedded(const BmpHeader& header, const ReadOptions& options) {
 
 // Rows that the file does not hold say nothing about its alpha.
 void JudgeAlphaOfRowsPresent(const BmpHeader& header, PixelArray& picture) {
-    if (header.masks[3] == 0) {
+    if (header.masks[3] == 0 && header.bits != 64) {
         return;
     }
     const auto present = static_cast<int>(std::min<std::size_t>(header.pixels.size() / header.FileRowBytes(),
@@ -144,23 +155,24 @@ void JudgeAlphaOfRowsPresent(const BmpHeader& header, PixelArray& picture) {
     JudgeAlpha(picture, firstRow, firstRow + present);
 }
 
-} // namespace
+constexpr const char* kNoPixels = "The bitmap ends before its first pixel.";
 
-PixelArray ReadBmp(ByteView file, const ReadOptions& options) {
-    const BmpHeader header = ReadBmpHeader(file);
+PixelArray Decode(const BmpHeader& header, const ReadOptions& options) {
     if (header.pixels.empty()) {
-        Refuse("The bitmap ends before its first pixel.");
+        Refuse(kNoPixels);
     }
     if (header.compression == BmpCompression::EmbeddedFile) {
         return ReadEmbedded(header, options);
     }
-    PixelArray picture(header.width, header.height);
+    PixelArray picture = header.compression == BmpCompression::Huffman
+                             ? DecodeBmpHuffman(header)
+                             : PixelArray(header.width, header.height);
     if (header.compression == BmpCompression::None || header.compression == BmpCompression::BitFields) {
         DecodeRawRows(header, picture);
         JudgeAlphaOfRowsPresent(header, picture);
-    } else {
-        FillWhite(picture, 0, header.height);
+    } else if (header.compression != BmpCompression::Huffman) {
         DecodeBmpRunLengths(header, picture);
+        SettleAlpha(picture);
     }
     Metadata details;
     details.dotsPerInchX = header.dotsPerInchX;
@@ -172,12 +184,25 @@ PixelArray ReadBmp(ByteView file, const ReadOptions& options) {
     return picture;
 }
 
+} // namespace
+
+PixelArray ReadBmp(ByteView file, const ReadOptions& options) {
+    return Decode(ReadBmpHeader(file), options);
+}
+
+PixelArray ReadDib(ByteView info, ByteView bits) {
+    if (bits.empty()) {
+        Refuse(kNoPixels);
+    }
+    return Decode(ReadDibHeader(info, bits), {});
+}
+
 ByteBuffer WriteBmp(const PixelArray& picture, const WriteOptions& /*options*/) {
     constexpr std::size_t kHeaderBytes = 14 + 40;
     const std::size_t rowBytes = (static_cast<std::size_t>(picture.Width()) * 3 + 3) / 4 * 4;
     const std::size_t pixelBytes = rowBytes * static_cast<std::size_t>(picture.Height());
     ByteBuffer out;
-    out.reserve(kHeaderBytes + pixelBytes);
+    ReserveFile(out, kHeaderBytes + pixelBytes);
     AppendLittleEndian16(out, 'B' | 'M' << 8);
     AppendLittleEndian32(out, static_cast<std::uint32_t>(kHeaderBytes + pixelBytes));
     AppendLittleEndian32(out, 0);

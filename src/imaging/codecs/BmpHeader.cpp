@@ -20,8 +20,9 @@ constexpr std::uint32_t kVersion3Bytes = 56; // and the alpha mask too
 constexpr std::uint32_t kOs2HeaderBytes = 64;
 constexpr std::uint32_t kVersion4Bytes = 108;
 constexpr std::uint32_t kVersion5Bytes = 124;
-constexpr std::int64_t kLongestRun = 128;   // pixels that one byte of run lengths makes
-constexpr std::int64_t kMostTruncated = 64; // a file that holds less than this fraction is no picture
+constexpr std::uint32_t kLongestHeader = 1024; // of a version to come
+constexpr std::int64_t kLongestRun = 128;      // pixels that one byte of run lengths makes
+constexpr std::int64_t kMostTruncated = 64;    // a file that holds less than this fraction is no picture
 
 constexpr std::uint32_t Tag(const char (&letters)[5]) { // as the colour space field spells it
     std::uint32_t value = 0;
@@ -32,7 +33,7 @@ constexpr std::uint32_t Tag(const char (&letters)[5]) { // as the colour space f
 }
 
 bool IsKnownDepth(int bits) {
-    constexpr int kDepths[] = {1, 2, 4, 8, 16, 24, 32};
+    constexpr int kDepths[] = {1, 2, 4, 8, 16, 24, 32, 64};
     return std::find(std::begin(kDepths), std::end(kDepths), bits) != std::end(kDepths);
 }
 
@@ -46,19 +47,30 @@ constexpr CompressionRow kCompressions[] = {
     {0, 0, BmpCompression::None},       {1, 8, BmpCompression::Rle8},
     {2, 4, BmpCompression::Rle4},       {3, 16, BmpCompression::BitFields},
     {3, 24, BmpCompression::BitFields}, {3, 32, BmpCompression::BitFields},
-    {4, 24, BmpCompression::Rle24},     {6, 16, BmpCompression::BitFields},
-    {6, 32, BmpCompression::BitFields},
+    {3, 1, BmpCompression::Huffman},    {4, 24, BmpCompression::Rle24},
+    {6, 16, BmpCompression::BitFields}, {6, 32, BmpCompression::BitFields},
 };
 constexpr std::uint32_t kBitFields = 3;
 constexpr std::uint32_t kEmbeddedJpeg = 4;
 constexpr std::uint32_t kEmbeddedPng = 5;
 constexpr std::uint32_t kAlphaBitFields = 6;
 
+// Where the information header stands: behind the file header, or behind that of an OS/2 array of bitmaps
+// too, whose first one is taken.
+std::size_t InfoAt(ByteView file) {
+    return StartsWith(file, "BA") ? 2 * kFileHeaderBytes : kFileHeaderBytes;
+}
+
 // Walks the headers in file order; `at` offsets are from the start of the information header.
 class HeaderReader {
   public:
-    explicit HeaderReader(ByteView file)
-        : file_(file), info_(Slice(file, kFileHeaderBytes)), headerBytes_(LittleEndian32(info_, 0)) {
+    // The pixels are `bits`, or where it is empty, in the file where its header says.
+    HeaderReader(ByteView file, std::size_t infoAt, ByteView bits)
+        : file_(file),
+          bits_(bits),
+          infoAt_(infoAt),
+          info_(Slice(file, infoAt)),
+          headerBytes_(LittleEndian32(info_, 0)) {
         fields_ = Slice(info_, 0, headerBytes_);
         isCore_ = headerBytes_ == kCoreHeaderBytes;
     }
@@ -91,15 +103,15 @@ class HeaderReader {
         compressionCode_ = isCore_ ? 0 : Field32(16);
         const bool isRaw = compressionCode_ == 0 || compressionCode_ == kBitFields;
         CheckClaimedSize(
-            width, height, file_.size(),
+            width, height, file_.size() + bits_.size(),
             isRaw ? kMostTruncated * 8 / std::max(header_.bits, 1) + 1 : kLongestRun * kMostTruncated);
         header_.width = static_cast<int>(width);
         header_.height = static_cast<int>(height);
     }
 
     void ReadCompression() {
-        const bool isJpeg = compressionCode_ == kEmbeddedJpeg &&
-                            StartsWith(Slice(file_, LittleEndian32(file_, 10)), "\xFF\xD8\xFF");
+        const bool isJpeg =
+            compressionCode_ == kEmbeddedJpeg && StartsWith(PixelsWhereDeclared(), "\xFF\xD8\xFF");
         if (isJpeg || compressionCode_ == kEmbeddedPng) {
             header_.compression = BmpCompression::EmbeddedFile;
             return;
@@ -116,6 +128,9 @@ class HeaderReader {
         Refuse("The bitmap is compressed in a way that this editor cannot read.");
     }
 
+    ByteView PixelsWhereDeclared() const { return bits_.empty() ? Slice(file_, DeclaredOffset()) : bits_; }
+    std::size_t DeclaredOffset() const { return LittleEndian32(file_, infoAt_ - 4); }
+
     void ReadMasks() {
         paletteAt_ = headerBytes_;
         if (header_.compression != BmpCompression::BitFields) {
@@ -129,6 +144,9 @@ class HeaderReader {
         }
         if (headerBytes_ < kVersion2Bytes) {
             paletteAt_ = kInfoHeaderBytes + 4 * count;
+        }
+        if ((header_.masks[0] | header_.masks[1] | header_.masks[2]) == 0) { // never set
+            SetPlainMasks();
         }
     }
 
@@ -149,10 +167,10 @@ class HeaderReader {
         const std::size_t usable = isIndexed ? std::size_t{1} << header_.bits : 0;
         const std::uint32_t declared = isCore_ ? 0 : Field32(32);
         const std::size_t entries = declared == 0 ? usable : std::min<std::size_t>(declared, 1U << 16);
-        const std::size_t paletteStart = kFileHeaderBytes + paletteAt_;
+        const std::size_t paletteStart = infoAt_ + paletteAt_;
         const std::size_t paletteEnd = paletteStart + entries * entryBytes;
-        const std::size_t pixelStart = FindPixels(paletteStart, paletteEnd);
-        header_.pixels = Slice(file_, pixelStart);
+        const std::size_t pixelStart = bits_.empty() ? FindPixels(paletteStart, paletteEnd) : paletteEnd;
+        header_.pixels = bits_.empty() ? Slice(file_, pixelStart) : bits_;
 
         const ByteView bytes =
             Slice(file_, paletteStart, pixelStart > paletteStart ? pixelStart - paletteStart : 0);
@@ -170,16 +188,17 @@ class HeaderReader {
         }
     }
 
+    // An offset inside the palette counts: that is then shorter than it should be. One at its beginning may
+    // mean that there is none, or be wrong, which the length of the file tells.
     std::size_t FindPixels(std::size_t paletteStart, std::size_t paletteEnd) const {
-        const std::size_t declared = LittleEndian32(file_, 10);
+        const std::size_t declared = DeclaredOffset();
+        const bool isRaw =
+            header_.compression == BmpCompression::None || header_.compression == BmpCompression::BitFields;
         const std::size_t needed =
-            header_.compression == BmpCompression::None || header_.compression == BmpCompression::BitFields
-                ? header_.FileRowBytes() * static_cast<std::size_t>(header_.height)
-                : Field32(20);
-        const bool insideHeader = declared < paletteStart;
-        const bool insideWholePalette =
-            declared < paletteEnd && needed != 0 && paletteEnd + needed <= file_.size();
-        return insideHeader || insideWholePalette || declared >= file_.size() ? paletteEnd : declared;
+            isRaw ? header_.FileRowBytes() * static_cast<std::size_t>(header_.height) : Field32(20);
+        const bool isWrong = declared < paletteStart || declared >= file_.size() ||
+                             (declared == paletteStart && needed != 0 && paletteEnd + needed <= file_.size());
+        return isWrong ? paletteEnd : declared;
     }
 
     void ReadResolution() {
@@ -228,6 +247,8 @@ class HeaderReader {
     }
 
     ByteView file_;
+    ByteView bits_;
+    std::size_t infoAt_;
     ByteView info_;   // from the information header to the end of the file
     ByteView fields_; // the information header alone
     std::uint32_t headerBytes_;
@@ -240,21 +261,30 @@ class HeaderReader {
 } // namespace
 
 bool IsBmp(ByteView file) noexcept {
-    if (!StartsWith(file, "BM")) {
+    if (!StartsWith(file, "BM") &&
+        !(StartsWith(file, "BA") && StartsWith(Slice(file, kFileHeaderBytes), "BM"))) {
         return false;
     }
-    const std::uint32_t headerBytes = LittleEndian32(file, kFileHeaderBytes);
+    const ByteView info = Slice(file, InfoAt(file));
+    const std::uint32_t headerBytes = LittleEndian32(info, 0);
     const bool isKnown = headerBytes == kCoreHeaderBytes || headerBytes == kVersion4Bytes ||
                          headerBytes == kVersion5Bytes ||
                          (headerBytes >= kShortestOs2Header && headerBytes <= kOs2HeaderBytes);
-    return isKnown && file.size() > kFileHeaderBytes + kCoreHeaderBytes;
+    // One that is not: by what every version has in the same place.
+    const bool isLikely = headerBytes > kOs2HeaderBytes && headerBytes <= kLongestHeader &&
+                          LittleEndian16(info, 12) == 1 && IsKnownDepth(LittleEndian16(info, 14));
+    return (isKnown || isLikely) && info.size() > kCoreHeaderBytes;
 }
 
 BmpHeader ReadBmpHeader(ByteView file) {
     if (!IsBmp(file)) {
         Refuse("The file is no bitmap.");
     }
-    return HeaderReader(file).Read();
+    return HeaderReader(file, InfoAt(file), {}).Read();
+}
+
+BmpHeader ReadDibHeader(ByteView info, ByteView bits) {
+    return HeaderReader(info, 0, bits).Read();
 }
 
 } // namespace pictorel::codecs

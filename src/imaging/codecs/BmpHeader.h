@@ -9,13 +9,13 @@
 
 namespace pictorel::codecs {
 
-enum class BmpCompression { None, Rle8, Rle4, Rle24, BitFields, EmbeddedFile };
+enum class BmpCompression { None, Rle8, Rle4, Rle24, Huffman, BitFields, EmbeddedFile };
 
 struct BmpHeader {
     int width = 0;
     int height = 0;
     bool topDown = false;
-    int bits = 0; // a pixel: 1, 2, 4, 8, 16, 24 or 32
+    int bits = 0; // a pixel: 1, 2, 4, 8, 16, 24, 32 or 64
     BmpCompression compression = BmpCompression::None;
     std::array<std::uint32_t, 4> masks{}; // of red, green, blue, alpha; 0 where a pixel has none
     std::array<std::array<std::uint8_t, 4>, 256> palette{}; // B, G, R, 255; black beyond the file's own
@@ -31,5 +31,9 @@ struct BmpHeader {
 
 // Throws ImagingError(UnsupportedFormat, TooLarge).
 BmpHeader ReadBmpHeader(ByteView file);
+
+// Of a bitmap inside another file: `info` begins with the information header and goes on with masks and
+// palette, `bits` are the pixels, and have to outlive the result. Throws as above.
+BmpHeader ReadDibHeader(ByteView info, ByteView bits);
 
 } // namespace pictorel::codecs

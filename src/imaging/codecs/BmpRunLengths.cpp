@@ -2,6 +2,7 @@
 #include "imaging/codecs/BmpRunLengths.h"
 
 #include "imaging/codecs/ByteReader.h"
+#include "imaging/codecs/PixelSupport.h"
 
 #include <cstring>
 
@@ -14,6 +15,7 @@ class RunLengthDecoder {
         : header_(header), data_(header.pixels), rows_(picture.WritableRows()), stride_(picture.Stride()) {}
 
     void Decode() {
+        FillTransparent();
         while (at_ + 1 < data_.size() && y_ < header_.height) {
             const int count = data_[at_];
             const std::size_t value = at_ + 1;
@@ -23,10 +25,35 @@ class RunLengthDecoder {
                 return;
             }
         }
+        FillRestWhite();
     }
 
   private:
     enum : int { kEndOfLine = 0, kEndOfBitmap = 1, kDelta = 2 };
+
+    // What no code names lets through what is behind; programs that know no transparency see the first
+    // colour.
+    void FillTransparent() {
+        std::array<std::uint8_t, 4> unnamed = header_.palette[0];
+        unnamed[3] = 0;
+        for (int y = 0; y < header_.height; ++y) {
+            for (int x = 0; x < header_.width; ++x) {
+                std::memcpy(rows_ + y * stride_ + x * PixelArray::kComponents, unnamed.data(), 4);
+            }
+        }
+    }
+
+    void FillRestWhite() {
+        for (; y_ < header_.height; ++y_, x_ = 0) {
+            std::memset(Place(), 0xFF,
+                        static_cast<std::size_t>(header_.width - x_) * PixelArray::kComponents);
+        }
+    }
+
+    std::uint8_t* Place() const {
+        const int y = header_.topDown ? y_ : header_.height - 1 - y_;
+        return rows_ + y * stride_ + x_ * PixelArray::kComponents;
+    }
 
     std::size_t DataBytes(int pixels) const {
         return (static_cast<std::size_t>(pixels) * static_cast<std::size_t>(header_.bits) + 7) / 8;
@@ -69,8 +96,7 @@ class RunLengthDecoder {
             start + static_cast<std::size_t>(index) * static_cast<std::size_t>(header_.bits) / 8;
         const bool isThere = header_.bits == 24 ? byte + 2 < data_.size() : byte < data_.size();
         if (x_ < header_.width && isThere) {
-            const int y = header_.topDown ? y_ : header_.height - 1 - y_;
-            std::memcpy(rows_ + y * stride_ + x_ * PixelArray::kComponents, Colour(byte, index).data(), 4);
+            std::memcpy(Place(), Colour(byte, index).data(), 4);
             ++x_;
         }
     }

@@ -5,8 +5,9 @@
 
 namespace pictorel::codecs {
 
-// Decodes header.pixels into a picture of the header's size that is white already; pixels that the data jumps
-// over stay so. Runs are cut at the end of their row, and damaged or missing data ends the picture.
+// Decodes header.pixels into a picture of the header's size. Pixels that the data jumps over, or leaves out
+// when it says that it ends, are transparent. Runs are cut at the end of their row; where data is missing the
+// rest is white.
 void DecodeBmpRunLengths(const BmpHeader& header, PixelArray& picture);
 
 } // namespace pictorel::codecs

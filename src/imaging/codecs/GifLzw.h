@@ -17,6 +17,12 @@ class GifLzwDecoder {
     // Up to `count` colour indices (those above 255 as 255); fewer where the data ends or makes no sense.
     int Read(std::uint8_t* indices, int count) noexcept;
 
+    // Whether there is a pixel to begin with; takes it.
+    bool HasPixels() noexcept {
+        std::uint8_t index = 0;
+        return Read(&index, 1) == 1;
+    }
+
   private:
     static constexpr int kCodes = 4096;
     static constexpr int kMostBits = 12;

@@ -35,10 +35,16 @@ class GifReader {
   public:
     explicit GifReader(ByteView file) : file_(file) {}
 
+    // The first frame of which anything can be decoded.
     PixelArray Read() {
         ReadScreen();
-        FindFrame();
-        return Compose();
+        while (FindFrame()) {
+            if (frame_.width > 0 && frame_.height > 0 && GifLzwDecoder(frame_.data).HasPixels()) {
+                return Compose();
+            }
+            SkipFrame();
+        }
+        Refuse("The GIF file holds no picture, or is damaged or ends before its first pixel.");
     }
 
   private:
@@ -48,7 +54,7 @@ class GifReader {
         const std::uint8_t flags = ByteAt(file_, 10);
         at_ = 13;
         if ((flags & kHasColours) != 0) {
-            colours_ = TakeColours(flags);
+            screenColours_ = TakeColours(flags);
         }
     }
 
@@ -66,19 +72,25 @@ class GifReader {
         ++at_;
     }
 
-    // Up to the first frame; bytes between blocks that start none are passed over.
-    void FindFrame() {
+    // Up to the next frame; bytes between blocks that start none are passed over. False where there is none.
+    bool FindFrame() {
         while (at_ < file_.size() && file_[at_] != kTrailer) {
             const std::uint8_t block = file_[at_++];
             if (block == kFrame) {
                 ReadFrame();
-                return;
+                return true;
             }
             if (block == kExtension) {
                 ReadExtension();
             }
         }
-        Refuse("The GIF file holds no picture.");
+        return false;
+    }
+
+    void SkipFrame() {
+        ++at_; // the code size
+        SkipSubBlocks();
+        transparent_ = -1;
     }
 
     void ReadExtension() {
@@ -98,21 +110,19 @@ class GifReader {
         const std::uint8_t flags = ByteAt(file_, at_ + 8);
         frame_.interlaced = (flags & kInterlaced) != 0;
         at_ += 9;
-        if ((flags & kHasColours) != 0) {
-            colours_ = TakeColours(flags);
-        }
+        const ByteView colours = (flags & kHasColours) != 0 ? TakeColours(flags) : screenColours_;
         frame_.data = Slice(file_, at_);
-        MakePalette();
+        MakePalette(colours);
     }
 
-    void MakePalette() {
-        const std::size_t present = std::min<std::size_t>(colours_.size() / 3, 256);
+    void MakePalette(ByteView colours) {
+        const std::size_t present = std::min<std::size_t>(colours.size() / 3, 256);
         const auto bits = std::clamp<unsigned>(ByteAt(frame_.data, 0), 1, 8);
         for (std::size_t i = 0; i < frame_.palette.size(); ++i) {
             auto& colour = frame_.palette[i];
             colour = {0, 0, 0, 255};
             if (i < present) {
-                colour = {colours_[3 * i + 2], colours_[3 * i + 1], colours_[3 * i], 255};
+                colour = {colours[3 * i + 2], colours[3 * i + 1], colours[3 * i], 255};
             } else if (present == 0) { // no colours anywhere: greys
                 const auto grey =
                     static_cast<std::uint8_t>(std::min<std::size_t>(i * 255 / ((1U << bits) - 1), 255));
@@ -126,12 +136,15 @@ class GifReader {
 
     PixelArray Compose() {
         // A frame that reaches over its screen makes the screen larger: nothing of it is lost.
-        const int width = std::max(screenWidth_, frame_.left + frame_.width);
-        const int height = std::max(screenHeight_, frame_.top + frame_.height);
-        CheckClaimedSize(width, height, file_.size(), kMostPixelsPerByte);
-        if (frame_.width == 0 || frame_.height == 0) {
-            Refuse("The GIF file holds a picture without pixels.");
+        int width = std::max(screenWidth_, frame_.left + frame_.width);
+        int height = std::max(screenHeight_, frame_.top + frame_.height);
+        if (!IsPlausibleSize(width, height, file_.size(),
+                             kMostPixelsPerByte)) { // damaged, or meant to be dear
+            width = frame_.width;
+            height = frame_.height;
+            frame_.left = frame_.top = 0;
         }
+        CheckClaimedSize(width, height, file_.size(), kMostPixelsPerByte);
         PixelArray picture(width, height);
         std::uint8_t* const rows = picture.WritableRows();
         const bool coversAll = frame_.width == width && frame_.height == height;
@@ -171,18 +184,34 @@ class GifReader {
     void DecodeFrame(std::uint8_t* rows, std::ptrdiff_t stride) const {
         GifLzwDecoder decoder(frame_.data);
         std::vector<std::uint8_t> indices(static_cast<std::size_t>(frame_.width));
-        bool isAny = false;
+        std::vector<bool> isThere(static_cast<std::size_t>(frame_.height));
+        std::uint8_t* const first = rows + frame_.top * stride + std::ptrdiff_t{4} * frame_.left;
         for (const int y : RowOrder()) {
             const int present = decoder.Read(indices.data(), frame_.width);
-            isAny = isAny || present > 0;
-            std::uint8_t* pixel = rows + (frame_.top + y) * stride + std::ptrdiff_t{4} * frame_.left;
+            isThere[static_cast<std::size_t>(y)] = present > 0;
+            std::uint8_t* pixel = first + y * stride;
             for (int x = 0; x < present; ++x, pixel += PixelArray::kComponents) {
                 std::memcpy(pixel, frame_.palette[indices[static_cast<std::size_t>(x)]].data(), 4);
             }
             std::memset(pixel, 0xFF, static_cast<std::size_t>(frame_.width - present) * 4);
         }
-        if (!isAny) {
-            Refuse("The GIF file is damaged or ends before its first pixel.");
+        for (int y = 0; frame_.interlaced && y < frame_.height; ++y) {
+            if (!isThere[static_cast<std::size_t>(y)]) {
+                FillFromCoarserPass(y, isThere, first, stride);
+            }
+        }
+    }
+
+    // A row that the data does not reach shows what the pass before it shows in its place.
+    void FillFromCoarserPass(int y, const std::vector<bool>& isThere, std::uint8_t* first,
+                             std::ptrdiff_t stride) const {
+        for (const int step : {2, 4, 8}) {
+            const int source = y / step * step;
+            if (isThere[static_cast<std::size_t>(source)]) {
+                std::memcpy(first + y * stride, first + source * stride,
+                            static_cast<std::size_t>(frame_.width) * 4);
+                return;
+            }
         }
     }
 
@@ -190,7 +219,7 @@ class GifReader {
     std::size_t at_ = 0;
     int screenWidth_ = 0;
     int screenHeight_ = 0;
-    ByteView colours_; // R, G, B of the screen, then of the frame where it has its own
+    ByteView screenColours_; // R, G, B
     int transparent_ = -1;
     Frame frame_;
 };
@@ -198,7 +227,7 @@ class GifReader {
 } // namespace
 
 bool IsGif(ByteView file) noexcept {
-    return StartsWith(file, "GIF87a") || StartsWith(file, "GIF89a");
+    return StartsWith(file, "GIF8"); // the rest, 7a or 9a, makes no difference
 }
 
 PixelArray ReadGif(ByteView file, const ReadOptions& /*options*/) {

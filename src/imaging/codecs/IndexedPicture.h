@@ -15,7 +15,7 @@ struct IndexedPicture {
 };
 
 // At most 256 colours, the transparent one included. Exact where the picture has no more; otherwise the best
-// ones, the rest made up by error diffusion (Floyd-Steinberg, rows in alternating directions).
+// ones, the rest made up by error diffusion.
 IndexedPicture MakeIndexed(const PixelArray& picture);
 
 } // namespace pictorel::codecs

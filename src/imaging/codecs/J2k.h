@@ -7,7 +7,7 @@ namespace pictorel::codecs {
 
 bool IsJ2k(ByteView file) noexcept;
 
-// Reads codestreams, bare or in the boxes of a JP2 file: 1 to 16 bits, signed or not, subsampled components,
+// Reads codestreams, bare or in the boxes of a JP2 file: 1 to 31 bits, signed or not, subsampled components,
 // palettes, grey, RGB, YCC, CMYK and Lab, alpha, profile, resolution, EXIF. A file cut short shows what was
 // decoded of each tile.
 PixelArray ReadJ2k(ByteView file, const ReadOptions& options);

@@ -39,11 +39,6 @@ const SpaceTraits& TraitsOf(J2kSpace space) {
     return kSpaceTraits[static_cast<std::size_t>(space)];
 }
 
-std::uint16_t Widened(std::int64_t value, int bits) {
-    const std::int64_t most = (std::int64_t{1} << bits) - 1;
-    return static_cast<std::uint16_t>((std::clamp<std::int64_t>(value, 0, most) * kWhite + most / 2) / most);
-}
-
 std::uint16_t Clamped(float level) {
     return static_cast<std::uint16_t>(std::clamp(std::lround(level), 0L, long{kWhite}));
 }
@@ -73,7 +68,9 @@ J2kSpace GuessSpace(const J2kStream& stream, const Jp2Boxes& boxes) {
     if (boxes.space != J2kSpace::Unsaid) {
         return boxes.space;
     }
-    const std::size_t channels = boxes.channels.empty() ? stream.components.size() : boxes.channels.size();
+    const std::size_t unmapped =
+        boxes.palette.columns.empty() ? stream.components.size() : boxes.palette.columns.size();
+    const std::size_t channels = boxes.channels.empty() ? unmapped : boxes.channels.size();
     if (channels < 3) {
         return J2kSpace::Grey;
     }
@@ -90,50 +87,39 @@ J2kColouring::J2kColouring(const J2kStream& stream, const Jp2Boxes& boxes)
     AssignChannels();
     samplesAPixel_ = TraitsOf(space_).samplesAPixel;
     isPlain_ = IsPlainBytes();
-    if (!isPlain_) {
-        converter_ = ColourConverter(TraitsOf(space_).layout, boxes.icc);
-    }
+    converter_ = ColourConverter(TraitsOf(space_).layout, isPlain_ ? ByteView{} : boxes.icc);
 }
 
 // Every channel of the file, in its order.
-std::vector<J2kColouring::Source> J2kColouring::FindSources() const {
-    std::vector<Jp2Boxes::Channel> channels = boxes_.channels;
-    const auto isWrong = [this](const Jp2Boxes::Channel& c) {
-        return c.component >= static_cast<int>(stream_.components.size()) ||
-               c.column >= static_cast<int>(boxes_.palette.columns.size());
+std::vector<J2kChannel> J2kColouring::FindChannels() const {
+    std::vector<Jp2Boxes::Channel> found = boxes_.channels;
+    const auto columns = static_cast<int>(boxes_.palette.columns.size());
+    const auto isWrong = [&](const Jp2Boxes::Channel& c) {
+        return c.component >= static_cast<int>(stream_.components.size()) || c.column >= columns;
     };
-    if (channels.empty() || std::any_of(channels.begin(), channels.end(), isWrong)) {
-        channels.clear();
-        for (int i = 0; i < static_cast<int>(stream_.components.size()); ++i) {
-            channels.push_back({i, Jp2Boxes::kNoColumn});
+    if (found.empty() || std::any_of(found.begin(), found.end(), isWrong)) {
+        found.clear();
+        for (int i = 0; i < columns;
+             ++i) { // a palette that nobody says the use of is that of the first component
+            found.push_back({0, i});
+        }
+        for (int i = 0; columns == 0 && i < static_cast<int>(stream_.components.size()); ++i) {
+            found.push_back({i, Jp2Boxes::kNoColumn});
         }
     }
-    channels.resize(std::min<std::size_t>(channels.size(), 8)); // more than any picture has
-    std::vector<Source> sources;
-    for (const Jp2Boxes::Channel& channel : channels) {
-        Source source;
-        source.component = static_cast<std::size_t>(channel.component);
-        const int bits = stream_.components[source.component].bits;
-        source.levels.resize(std::size_t{1} << bits);
-        for (std::size_t sample = 0; sample < source.levels.size(); ++sample) {
-            if (channel.column == Jp2Boxes::kNoColumn) {
-                source.levels[sample] = Widened(static_cast<std::int64_t>(sample), bits);
-            } else {
-                const auto& column = boxes_.palette.columns[static_cast<std::size_t>(channel.column)];
-                const std::size_t entry = std::min(sample, column.values.size() - 1);
-                source.levels[sample] = Widened(column.values[entry], column.bits);
-            }
-        }
-        source.neutral = source.levels[source.levels.size() / 2];
-        sources.push_back(std::move(source));
+    found.resize(std::min<std::size_t>(found.size(), 8)); // more than any picture has
+    std::vector<J2kChannel> channels;
+    channels.reserve(found.size());
+    for (const Jp2Boxes::Channel& channel : found) {
+        channels.emplace_back(stream_, boxes_.palette, channel);
     }
-    return sources;
+    return channels;
 }
 
 void J2kColouring::AssignChannels() {
-    std::vector<Source> sources = FindSources();
+    std::vector<J2kChannel> channels = FindChannels();
     colours_ = TraitsOf(space_).colours;
-    if (sources.size() < colours_) { // it says more colours than it has
+    if (channels.size() < colours_) { // it says more colours than it has
         space_ = J2kSpace::Grey;
         colours_ = 1;
     }
@@ -141,12 +127,13 @@ void J2kColouring::AssignChannels() {
     for (std::size_t i = 0; i < colours_; ++i) {
         order[i] = i;
     }
-    std::size_t alphaAt = sources.size() > colours_ && boxes_.definitions.empty() ? colours_ : sources.size();
-    alpha_ = alphaAt < sources.size() ? Alpha::Unsure : Alpha::None;
+    const bool isOneMore = channels.size() == colours_ + 1; // several more are who knows what
+    std::size_t alphaAt = isOneMore && boxes_.definitions.empty() ? colours_ : channels.size();
+    alpha_ = alphaAt < channels.size() ? Alpha::Unsure : Alpha::None;
     for (const Jp2Boxes::Definition& definition : boxes_.definitions) {
         const auto channel = static_cast<std::size_t>(definition.channel);
         const auto colour = static_cast<std::size_t>(definition.association) - 1;
-        if (channel >= sources.size()) {
+        if (channel >= channels.size()) {
             continue;
         }
         if (definition.role == Jp2Boxes::Role::Colour && colour < colours_) {
@@ -160,32 +147,30 @@ void J2kColouring::AssignChannels() {
         }
     }
     for (const std::size_t channel : order) {
-        sources_.push_back(sources[channel]);
+        channels_.push_back(channels[channel]);
     }
     if (alpha_ != Alpha::None) {
-        sources_.push_back(sources[alphaAt]);
+        channels_.push_back(channels[alphaAt]);
     }
 }
 
 bool J2kColouring::IsPlainBytes() const {
     const bool isGrey = space_ == J2kSpace::Grey && boxes_.icc.empty();
     return (space_ == J2kSpace::Rgb || isGrey) && boxes_.palette.columns.empty() &&
-           std::all_of(sources_.begin(), sources_.end(), [this](const Source& source) {
-               const J2kComponent& c = stream_.components[source.component];
+           std::all_of(channels_.begin(), channels_.end(), [this](const J2kChannel& channel) {
+               const J2kComponent& c = stream_.components[channel.Component()];
                return c.bits == 8 && !c.isSigned && c.stepX == stream_.stepX && c.stepY == stream_.stepY;
            });
 }
 
-std::vector<J2kColouring::Plane> J2kColouring::PlanesOf(const J2kTile& tile) const {
-    std::vector<Plane> planes;
+J2kColouring::Planes J2kColouring::PlanesOf(const J2kTile& tile) const {
+    Planes planes;
     std::size_t at = 0;
-    for (const J2kComponent& component : stream_.components) {
-        const J2kArea area = tile.area.Sampled(component.stepX, component.stepY);
-        planes.push_back({tile.samples.data() + at, area});
-        at += static_cast<std::size_t>(area.Width() * area.Height()) * (component.bits > 8 ? 2 : 1);
-    }
-    if (at > tile.samples.size()) {
-        Refuse("The JPEG 2000 file has a tile of another size than it says.");
+    for (std::size_t i = 0; i < stream_.components.size(); ++i) {
+        const J2kArea area = tile.AreaOf(stream_.components[i], i);
+        planes.push_back({tile.samples.data() + at, area, tile.halvings[i]});
+        at += static_cast<std::size_t>(area.Width() * area.Height()) *
+              static_cast<std::size_t>(stream_.components[i].SampleBytes());
     }
     return planes;
 }
@@ -195,15 +180,17 @@ void J2kColouring::Convert(const J2kTile& tile, PixelArray& picture) const {
     if (part.x0 < 0 || part.y0 < 0 || part.x1 > picture.Width() || part.y1 > picture.Height()) {
         Refuse("The JPEG 2000 file has a tile outside its picture.");
     }
-    const std::vector<Plane> planes = PlanesOf(tile);
+    const Planes planes = PlanesOf(tile);
+    const bool isPlain =
+        isPlain_ && std::all_of(tile.halvings.begin(), tile.halvings.end(), [](int h) { return h == 0; });
     std::uint8_t* const first =
         picture.WritableRows() + part.y0 * picture.Stride() + part.x0 * PixelArray::kComponents;
     const auto bytesPerRow =
-        static_cast<std::size_t>(part.Width()) * PixelArray::kComponents * (isPlain_ ? 2U : 16U);
+        static_cast<std::size_t>(part.Width()) * PixelArray::kComponents * (isPlain ? 2U : 16U);
     ForEachBand(static_cast<int>(part.Height()), bytesPerRow, [&](int begin, int end) {
         for (int row = begin; row < end; ++row) {
             std::uint8_t* const bgra = first + row * picture.Stride();
-            if (isPlain_) {
+            if (isPlain) {
                 ConvertPlainRow(planes, row, bgra, static_cast<int>(part.Width()));
             } else {
                 ConvertAnyRow(planes, part, row, bgra);
@@ -212,10 +199,10 @@ void J2kColouring::Convert(const J2kTile& tile, PixelArray& picture) const {
     });
 }
 
-void J2kColouring::ConvertPlainRow(const std::vector<Plane>& planes, std::int64_t row, std::uint8_t* bgra,
+void J2kColouring::ConvertPlainRow(const Planes& planes, std::int64_t row, std::uint8_t* bgra,
                                    int pixels) const {
     const auto rowOf = [&](std::size_t source) {
-        const Plane& plane = planes[sources_[std::min(source, sources_.size() - 1)].component];
+        const J2kPlane& plane = planes[channels_[std::min(source, channels_.size() - 1)].Component()];
         return plane.data + row * plane.area.Width();
     };
     const std::uint8_t* const red = rowOf(0);
@@ -230,57 +217,26 @@ void J2kColouring::ConvertPlainRow(const std::vector<Plane>& planes, std::int64_
     }
 }
 
-// The levels of one channel for the pixels of a row, `step` apart; samples of a coarser grid serve several.
-void J2kColouring::FetchRow(const Source& source, const Plane& plane, const J2kArea& part, std::int64_t row,
-                            std::uint16_t* out, std::size_t step) const {
-    const J2kComponent& component = stream_.components[source.component];
-    const J2kArea whole = stream_.grid.Sampled(stream_.stepX, stream_.stepY);
-    const auto count = static_cast<std::size_t>(part.Width());
-    if (plane.area.Width() == 0 || plane.area.Height() == 0) { // a sliver of a tile between coarse samples
-        for (std::size_t x = 0; x < count; ++x) {
-            out[x * step] = static_cast<std::uint16_t>(source.neutral);
-        }
-        return;
-    }
-    const std::int64_t gridY = (whole.y0 + part.y0 + row) * stream_.stepY;
-    const std::int64_t y =
-        std::clamp(gridY / component.stepY, plane.area.y0, plane.area.y1 - 1) - plane.area.y0;
-    const bool isWide = component.bits > 8;
-    const std::uint8_t* const data = plane.data + y * plane.area.Width() * (isWide ? 2 : 1);
-    const std::size_t mask = source.levels.size() - 1;
-    const std::size_t base = component.isSigned ? source.levels.size() / 2 : 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::int64_t gridX = (whole.x0 + part.x0 + static_cast<std::int64_t>(i)) * stream_.stepX;
-        const std::int64_t x =
-            std::clamp(gridX / component.stepX, plane.area.x0, plane.area.x1 - 1) - plane.area.x0;
-        std::uint16_t sample = data[x];
-        if (isWide) {
-            std::memcpy(&sample, data + 2 * x, sizeof sample);
-        }
-        out[i * step] = source.levels[(sample + base) & mask]; // two's complement moved up
-    }
-}
-
-void J2kColouring::ConvertAnyRow(const std::vector<Plane>& planes, const J2kArea& part, std::int64_t row,
+void J2kColouring::ConvertAnyRow(const Planes& planes, const J2kArea& part, std::int64_t row,
                                  std::uint8_t* bgra) const {
     const auto pixels = static_cast<std::size_t>(part.Width());
     Levels samples(pixels * samplesAPixel_, kWhite);
     for (std::size_t i = 0; i < colours_; ++i) {
-        FetchRow(sources_[i], planes[sources_[i].component], part, row, samples.data() + i, samplesAPixel_);
+        channels_[i].FetchRow(planes[channels_[i].Component()], part, row, samples.data() + i,
+                              samplesAPixel_);
     }
     for (std::size_t x = 0; x < pixels; ++x) {
         if (space_ == J2kSpace::Ycc) {
-            YccToRgb(&samples[x * samplesAPixel_], sources_[1].neutral, sources_[2].neutral);
+            YccToRgb(&samples[x * samplesAPixel_], channels_[1].Neutral(), channels_[2].Neutral());
         } else if (space_ == J2kSpace::Lab) {
-            ToPlainLab(&samples[x * samplesAPixel_], sources_[1].neutral,
-                       sources_[2].levels[sources_[2].levels.size() * 3 / 8]);
+            ToPlainLab(&samples[x * samplesAPixel_], channels_[1].Neutral(), channels_[2].LevelAt(3));
         }
     }
     converter_.ConvertRow(samples.data(), bgra, static_cast<int>(pixels));
     if (alpha_ != Alpha::None) {
-        const Source& source = sources_[colours_];
+        const J2kChannel& channel = channels_[colours_];
         Levels alpha(pixels);
-        FetchRow(source, planes[source.component], part, row, alpha.data(), 1);
+        channel.FetchRow(planes[channel.Component()], part, row, alpha.data(), 1);
         for (std::size_t x = 0; x < pixels; ++x) {
             bgra[x * PixelArray::kComponents + 3] =
                 static_cast<std::uint8_t>((alpha[x] * 255U + kWhite / 2) / kWhite);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "imaging/codecs/ColourProfile.h"
+#include "imaging/codecs/J2kChannel.h"
 #include "imaging/codecs/J2kDecoder.h"
 #include "imaging/codecs/Jp2Boxes.h"
 
@@ -21,38 +22,24 @@ class J2kColouring {
     void Finish(PixelArray& picture) const;
 
   private:
-    // A channel: a component, through its palette where it has one.
-    struct Source {
-        std::size_t component = 0;
-        std::vector<std::uint16_t> levels; // 0..65535 of each sample, signed ones moved up to begin at 0
-        int neutral = 0;                   // the level without colour where this is a difference of colours
-    };
-    // A component within the samples of a tile.
-    struct Plane {
-        const std::uint8_t* data = nullptr;
-        J2kArea area; // on its own grid
-    };
     enum class Alpha { None, Unsure, Plain, Premultiplied };
     using Levels = std::vector<std::uint16_t>;
+    using Planes = std::vector<J2kPlane>;
 
-    std::vector<Source> FindSources() const;
+    std::vector<J2kChannel> FindChannels() const;
     void AssignChannels();
     bool IsPlainBytes() const;
-    std::vector<Plane> PlanesOf(const J2kTile& tile) const;
-    void ConvertPlainRow(const std::vector<Plane>& planes, std::int64_t row, std::uint8_t* bgra,
-                         int pixels) const;
-    void ConvertAnyRow(const std::vector<Plane>& planes, const J2kArea& part, std::int64_t row,
-                       std::uint8_t* bgra) const;
-    void FetchRow(const Source& source, const Plane& plane, const J2kArea& part, std::int64_t row,
-                  std::uint16_t* out, std::size_t step) const;
+    Planes PlanesOf(const J2kTile& tile) const;
+    void ConvertPlainRow(const Planes& planes, std::int64_t row, std::uint8_t* bgra, int pixels) const;
+    void ConvertAnyRow(const Planes& planes, const J2kArea& part, std::int64_t row, std::uint8_t* bgra) const;
 
     const J2kStream& stream_;
     const Jp2Boxes& boxes_;
     J2kSpace space_;
     std::size_t colours_ = 3;
     Alpha alpha_ = Alpha::None;
-    std::vector<Source> sources_; // the colours in their order, then alpha
-    bool isPlain_ = false;        // bytes of RGB or grey that are taken as they are
+    std::vector<J2kChannel> channels_; // the colours in their order, then alpha
+    bool isPlain_ = false;             // bytes of RGB or grey that are taken as they are
     std::size_t samplesAPixel_ = 4;
     ColourConverter converter_{SampleLayout::Rgba16, {}};
 };

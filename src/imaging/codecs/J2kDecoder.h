@@ -8,11 +8,17 @@
 
 namespace pictorel::codecs {
 
-// The samples of a tile, one component after another, rows without gaps: of up to 8 bits in a byte each,
-// others in native 16-bit numbers.
+// The samples of a tile, one component after another, rows without gaps, J2kComponent::SampleBytes() each.
 struct J2kTile {
     J2kArea area; // on the reference grid
     ByteBuffer samples;
+    // How often each component is halved: not at all, unless the file does not hold its finer details.
+    std::vector<int> halvings;
+
+    // The samples that there are of a component, on the grid of its own.
+    J2kArea AreaOf(const J2kComponent& component, std::size_t number) const {
+        return area.Sampled(component.stepX << halvings[number], component.stepY << halvings[number]);
+    }
 };
 
 class J2kDecoder {

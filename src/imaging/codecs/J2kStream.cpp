@@ -17,7 +17,7 @@ enum Marker : std::uint16_t {
     kData = 0xFF93,
 };
 constexpr std::size_t kTilePartBytes = 12; // the marker with its segment
-constexpr int kMostBits = 16;
+constexpr int kMostBits = 31;              // that the library decodes
 constexpr int kMostLevels = 32;
 
 // What an honest file may ask for. The floors let small files be; above them a file has to have the bytes.
@@ -186,6 +186,7 @@ class StreamReader {
             mostPrecincts_ = std::max(mostPrecincts_, here);
         }
         mostLevels_ = std::max<std::int64_t>(mostLevels_, levels + 1);
+        stream_.levels = std::max(stream_.levels, levels);
         const std::int64_t all = precincts * components;
         const std::int64_t blocks = (tileWidth_ * tileHeight_ * components >> blockBits) + all;
         if (all > std::max(kFreePrecincts, bytes_ / 4) ||

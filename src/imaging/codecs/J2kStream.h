@@ -13,6 +13,9 @@ struct J2kComponent {
     bool isSigned = false;
     std::int64_t stepX = 1; // of the reference grid, from sample to sample
     std::int64_t stepY = 1;
+
+    // Of a sample where the library hands them out: 1, 2 or 4, in native order.
+    int SampleBytes() const { return bits <= 8 ? 1 : (bits <= 16 ? 2 : 4); }
 };
 
 // A rectangle; x1 and y1 lie just outside.
@@ -33,6 +36,7 @@ struct J2kStream {
     std::vector<J2kComponent> components;
     std::int64_t stepX = 1; // from pixel to pixel: that of the finest component
     std::int64_t stepY = 1;
+    int levels = 0;  // how often a tile is halved at most
     ByteView usable; // the codestream as far as its tile parts make sense
     // Where the length of the last tile part stands when the file holds less of it; 0: all parts are whole.
     // The library would take memory for the length claimed.

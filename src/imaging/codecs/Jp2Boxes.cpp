@@ -264,6 +264,12 @@ Jp2Boxes ReadJp2Boxes(ByteView file) {
     } else {
         boxes = BoxReader().Read(file);
     }
+    if (!StartsWith(boxes.codestream, kCodestreamSignature)) { // a box before it is damaged
+        const auto found =
+            std::search(file.begin(), file.end(), kCodestreamSignature.begin(), kCodestreamSignature.end(),
+                        [](std::uint8_t a, char b) { return a == static_cast<std::uint8_t>(b); });
+        boxes.codestream = Slice(file, static_cast<std::size_t>(found - file.begin()));
+    }
     if (!StartsWith(boxes.codestream, kCodestreamSignature)) {
         Refuse("The JPEG 2000 file holds no picture.");
     }

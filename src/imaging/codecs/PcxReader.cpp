@@ -69,20 +69,22 @@ class PcxReader {
         std::uint8_t* const rows = picture.WritableRows();
         PcxBytes bytes(data_, header_.hasRunLengths);
         std::vector<std::uint8_t> row(header_.RowBytes());
-        int rowsPresent = 0;
+        bool isAny = false;
+        int wholeRows = 0;
         for (int y = 0; y < header_.height; ++y) {
             std::uint8_t* const bgra = rows + y * picture.Stride();
             const int present = PixelsIn(bytes.Read(row.data(), row.size()));
-            rowsPresent += present > 0 ? 1 : 0;
+            isAny = isAny || present > 0;
+            wholeRows += present == header_.width ? 1 : 0;
             ConvertRow(row.data(), bgra, present);
             std::memset(bgra + present * PixelArray::kComponents, 0xFF,
                         static_cast<std::size_t>(header_.width - present) * PixelArray::kComponents);
         }
-        if (rowsPresent == 0) {
+        if (!isAny) {
             Refuse("The PCX picture ends before its first row of pixels.");
         }
         if (header_.planes == 4 && header_.bits == 8) {
-            JudgeAlpha(picture, 0, rowsPresent);
+            JudgeAlpha(picture, 0, wholeRows);
         }
         Metadata details;
         details.dotsPerInchX = header_.dotsPerInchX;

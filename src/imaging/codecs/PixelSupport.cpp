@@ -38,6 +38,16 @@ void CheckClaimedSize(std::int64_t width, std::int64_t height, std::size_t fileB
     }
 }
 
+bool IsPlausibleSize(std::int64_t width, std::int64_t height, std::size_t fileBytes,
+                     std::int64_t pixelsPerByte) noexcept {
+    try {
+        CheckClaimedSize(width, height, fileBytes, pixelsPerByte);
+        return true;
+    } catch (const ImagingError&) {
+        return false;
+    }
+}
+
 void FillWhite(PixelArray& picture, int firstRow, int endRow) {
     std::uint8_t* const rows = picture.WritableRows();
     const std::ptrdiff_t stride = picture.Stride();
@@ -75,8 +85,10 @@ void JudgeAlpha(PixelArray& picture, int firstRow, int endRow) {
     const AlphaRange range = FindAlphaRange(picture, firstRow, endRow);
     if (range.highest == 0 || firstRow == endRow) {
         MakeOpaque(picture);
+    } else if (range.lowest < 255) {
+        picture.SetHasAlpha(true);
     } else {
-        picture.SetHasAlpha(range.lowest < 255);
+        SettleAlpha(picture); // by a row that is there in part
     }
 }
 
@@ -110,6 +122,28 @@ void MakeOpaque(PixelArray& picture) {
 
 bool NeedsAlpha(const PixelArray& picture) {
     return picture.HasAlpha() && FindAlphaRange(picture, 0, picture.Height()).lowest < 255;
+}
+
+void ColourIndices(const std::uint8_t* packed, int bits, const Palette256& palette, std::uint8_t* bgra,
+                   int pixels) noexcept {
+    const int perByte = 8 / bits;
+    const int largest = (1 << bits) - 1;
+    for (int x = 0; x < pixels; ++packed) {
+        for (int shift = 8 - bits, end = std::min(x + perByte, pixels); x < end; ++x, shift -= bits) {
+            const int index = *packed >> shift & largest;
+            std::memcpy(bgra, palette[static_cast<std::size_t>(index)].data(), PixelArray::kComponents);
+            bgra += PixelArray::kComponents;
+        }
+    }
+}
+
+void CopyOpaque(const std::uint8_t* bgr, std::uint8_t* bgra, int pixels) noexcept {
+    for (int x = 0; x < pixels; ++x, bgr += 3, bgra += PixelArray::kComponents) {
+        bgra[0] = bgr[0];
+        bgra[1] = bgr[1];
+        bgra[2] = bgr[2];
+        bgra[3] = 255;
+    }
 }
 
 void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) noexcept {

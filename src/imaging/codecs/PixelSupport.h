@@ -3,6 +3,7 @@
 
 #include "imaging/codecs/Codec.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -13,6 +14,10 @@ namespace pictorel::codecs {
 // not cost gigabytes. Pictures small enough to cost little are let through.
 void CheckClaimedSize(std::int64_t width, std::int64_t height, std::size_t fileBytes,
                       std::int64_t pixelsPerByte);
+
+// Whether that check would let the size through.
+bool IsPlausibleSize(std::int64_t width, std::int64_t height, std::size_t fileBytes,
+                     std::int64_t pixelsPerByte) noexcept;
 
 // Throws ImagingError(UnsupportedFormat) with the text.
 [[noreturn]] void Refuse(const char* text);
@@ -31,8 +36,8 @@ AlphaRange FindAlphaRange(const PixelArray& picture, int firstRow, int endRow);
 void SettleAlpha(PixelArray& picture);
 
 // Settles HasAlpha() where only the pixels themselves tell whether their fourth byte means anything: alpha
-// that is 0 everywhere was never set, and the picture is made opaque. Looks at rows firstRow <= y < endRow,
-// those that the file holds.
+// that is 0 everywhere was never set, and the picture is made opaque. Judges by rows firstRow <= y < endRow,
+// those that the file holds whole.
 void JudgeAlpha(PixelArray& picture, int firstRow, int endRow);
 
 // Turns colour that was multiplied by its alpha into plain colour.
@@ -43,6 +48,13 @@ void MakeOpaque(PixelArray& picture);
 
 // Whether the picture has to be saved with its transparency.
 bool NeedsAlpha(const PixelArray& picture);
+
+// Rows of a file become pixels: `bits` (1, 2, 4 or 8) a pixel, the leftmost in the highest ones, are numbers
+// of the palette's colours (blue, green, red, alpha); blue, green and red bytes become opaque pixels.
+using Palette256 = std::array<std::array<std::uint8_t, 4>, 256>;
+void ColourIndices(const std::uint8_t* packed, int bits, const Palette256& palette, std::uint8_t* bgra,
+                   int pixels) noexcept;
+void CopyOpaque(const std::uint8_t* bgr, std::uint8_t* bgra, int pixels) noexcept;
 
 // One row laid over white: `pixels` B, G, R, A pixels become B, G, R triples.
 void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) noexcept;

@@ -3,6 +3,7 @@
 
 #include "imaging/ForEachBand.h"
 #include "imaging/codecs/ByteReader.h"
+#include "imaging/codecs/FileMemory.h"
 #include "imaging/codecs/PixelSupport.h"
 
 #include <algorithm>
@@ -28,10 +29,7 @@ struct RasHeader {
     std::uint32_t type = 0;
     std::array<std::array<std::uint8_t, 4>, 256> palette{};
     ByteView pixels;
-
-    std::size_t RowBytes() const {
-        return (static_cast<std::size_t>(width) * static_cast<std::size_t>(bits) + 15) / 16 * 2;
-    }
+    std::size_t rowBytes = 0;
 };
 
 bool IsKnownDepth(std::uint32_t bits) {
@@ -51,26 +49,6 @@ void MakePalette(RasHeader& header, std::uint32_t mapType, ByteView map) {
             header.palette[i] = {grey, grey, grey, 255};
         }
     }
-}
-
-RasHeader ReadHeader(ByteView file) {
-    const std::uint32_t bits = BigEndian32(file, 12);
-    RasHeader header;
-    header.type = BigEndian32(file, 20);
-    if (!IsKnownDepth(bits) || header.type > kRedFirst) {
-        Refuse("The Sun raster picture is of a kind that this editor cannot read.");
-    }
-    header.bits = static_cast<int>(bits);
-    const std::int64_t pixelsOfRun = header.type == kRunLengths ? kLongestRun : 1;
-    const std::int64_t width = BigEndian32(file, 4);
-    const std::int64_t height = BigEndian32(file, 8);
-    CheckClaimedSize(width, height, file.size(), kMostTruncated * 8 * pixelsOfRun / header.bits + 1);
-    header.width = static_cast<int>(width);
-    header.height = static_cast<int>(height);
-    const std::uint32_t mapBytes = BigEndian32(file, 28);
-    MakePalette(header, BigEndian32(file, 24), Slice(file, kHeaderBytes, mapBytes));
-    header.pixels = Slice(file, kHeaderBytes + std::size_t{mapBytes}); // the length field is often 0 or wrong
-    return header;
 }
 
 // The bytes of a run-length compressed file as one stream: runs may cross the ends of rows.
@@ -97,6 +75,23 @@ class RasRunLengths {
             }
         }
         return done;
+    }
+
+    // How many bytes there are in all.
+    std::size_t Count() {
+        std::size_t count = 0;
+        while (at_ < data_.size()) {
+            if (data_[at_] == kEscape) {
+                TakeEscape();
+                count += left_;
+                left_ = 0;
+            } else {
+                const std::size_t plain = PlainBytes(data_.size());
+                at_ += plain;
+                count += plain;
+            }
+        }
+        return count;
     }
 
   private:
@@ -129,14 +124,38 @@ class RasRunLengths {
     std::uint8_t value_ = 0;
 };
 
-void ConvertIndexed(const RasHeader& header, const std::uint8_t* data, std::uint8_t* bgra, int pixels) {
-    const int perByte = 8 / header.bits;
-    const int largest = (1 << header.bits) - 1;
-    for (int x = 0; x < pixels; ++x, bgra += PixelArray::kComponents) {
-        const int shift = 8 - header.bits * (x % perByte + 1); // the leftmost pixel in the highest bits
-        const int index = data[x / perByte] >> shift & largest;
-        std::memcpy(bgra, header.palette[static_cast<std::size_t>(index)].data(), 4);
+// Rows are padded to 16 bits. Some programs forget that, which shows where the bytes are exactly enough
+// without.
+std::size_t FindRowBytes(const RasHeader& header) {
+    const std::size_t packed =
+        (static_cast<std::size_t>(header.width) * static_cast<std::size_t>(header.bits) + 7) / 8;
+    if (packed % 2 == 0) {
+        return packed;
     }
+    const std::size_t present =
+        header.type == kRunLengths ? RasRunLengths(header.pixels).Count() : header.pixels.size();
+    return present == packed * static_cast<std::size_t>(header.height) ? packed : packed + 1;
+}
+
+RasHeader ReadHeader(ByteView file) {
+    const std::uint32_t bits = BigEndian32(file, 12);
+    RasHeader header;
+    header.type = BigEndian32(file, 20);
+    if (!IsKnownDepth(bits) || header.type > kRedFirst) {
+        Refuse("The Sun raster picture is of a kind that this editor cannot read.");
+    }
+    header.bits = static_cast<int>(bits);
+    const std::int64_t pixelsOfRun = header.type == kRunLengths ? kLongestRun : 1;
+    const std::int64_t width = BigEndian32(file, 4);
+    const std::int64_t height = BigEndian32(file, 8);
+    CheckClaimedSize(width, height, file.size(), kMostTruncated * 8 * pixelsOfRun / header.bits + 1);
+    header.width = static_cast<int>(width);
+    header.height = static_cast<int>(height);
+    const std::uint32_t mapBytes = BigEndian32(file, 28);
+    MakePalette(header, BigEndian32(file, 24), Slice(file, kHeaderBytes, mapBytes));
+    header.pixels = Slice(file, kHeaderBytes + std::size_t{mapBytes}); // the length field is often 0 or wrong
+    header.rowBytes = FindRowBytes(header);
+    return header;
 }
 
 // Of 32 bits the first eight are padding.
@@ -159,7 +178,7 @@ void ConvertRow(const RasHeader& header, ByteView data, std::uint8_t* bgra) {
     const int present = static_cast<int>(std::min(data.size() * 8 / static_cast<std::size_t>(header.bits),
                                                   static_cast<std::size_t>(header.width)));
     if (header.bits <= 8) {
-        ConvertIndexed(header, data.data(), bgra, present);
+        ColourIndices(data.data(), header.bits, header.palette, bgra, present);
     } else {
         ConvertTrueColour(header, data.data(), bgra, present);
     }
@@ -168,7 +187,7 @@ void ConvertRow(const RasHeader& header, ByteView data, std::uint8_t* bgra) {
 }
 
 void ReadRaw(const RasHeader& header, PixelArray& picture) {
-    const std::size_t rowBytes = header.RowBytes();
+    const std::size_t rowBytes = header.rowBytes;
     std::uint8_t* const rows = picture.WritableRows();
     ForEachBand(header.height, rowBytes + picture.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
@@ -181,7 +200,7 @@ void ReadRaw(const RasHeader& header, PixelArray& picture) {
 void ReadRunLengths(const RasHeader& header, PixelArray& picture) {
     RasRunLengths bytes(header.pixels);
     std::uint8_t* const rows = picture.WritableRows();
-    std::vector<std::uint8_t> row(header.RowBytes());
+    std::vector<std::uint8_t> row(header.rowBytes);
     for (int y = 0; y < header.height; ++y) {
         const std::size_t present = bytes.Read(row.data(), row.size());
         ConvertRow(header, ByteView(row.data(), present), rows + y * picture.Stride());
@@ -212,7 +231,7 @@ ByteBuffer WriteRas(const PixelArray& picture, const WriteOptions& /*options*/) 
     const std::size_t rowBytes = (static_cast<std::size_t>(picture.Width()) * 3 + 1) / 2 * 2;
     const std::size_t pixelBytes = rowBytes * static_cast<std::size_t>(picture.Height());
     ByteBuffer file;
-    file.reserve(kHeaderBytes + pixelBytes);
+    ReserveFile(file, kHeaderBytes + pixelBytes);
     AppendBigEndian32(file, kMagic);
     AppendBigEndian32(file, static_cast<std::uint32_t>(picture.Width()));
     AppendBigEndian32(file, static_cast<std::uint32_t>(picture.Height()));

@@ -2,6 +2,7 @@
 #include "imaging/codecs/RowBands.h"
 
 #include "imaging/ForEachBand.h"
+#include "imaging/codecs/FileMemory.h"
 
 #include <algorithm>
 #include <numeric>
@@ -38,7 +39,7 @@ void AppendRows(ByteBuffer& file, int rows, std::size_t longestRow, const PackRo
     const std::size_t total =
         std::accumulate(bands.begin(), bands.end(), file.size(),
                         [](std::size_t sum, const ByteBuffer& band) { return sum + band.size(); });
-    file.reserve(total + kTrailerBytes);
+    ReserveFile(file, total + kTrailerBytes);
     for (ByteBuffer& band : bands) {
         file.insert(file.end(), band.begin(), band.end());
         band = {}; // so that a picture's worth of bytes is never held twice for long

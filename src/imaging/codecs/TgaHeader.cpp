@@ -52,9 +52,10 @@ struct Fields {
           descriptor(ByteAt(file, 17)) {}
 
     int AttributeBits() const { return descriptor & 15; }
+    int Interleave() const { return 1 << (descriptor >> 6); } // every how many rows the next one stands
     int MapEntryBytes() const { return (mapBits + 7) / 8; }
     std::size_t MapBytes() const {
-        return mapType == 0 ? 0
+        return mapType != 1 ? 0
                             : static_cast<std::size_t>(mapLength) * static_cast<std::size_t>(MapEntryBytes());
     }
     std::size_t PixelsAt() const { return kHeaderBytes + static_cast<std::size_t>(idBytes) + MapBytes(); }
@@ -76,17 +77,31 @@ bool MapMakesSense(const Fields& fields, const TypeRow& type) {
                IsOneOf(fields.mapBits, {0, 8, 15, 16, 24, 32});
     }
     return fields.mapType == 1 && fields.mapLength > 0 && fields.mapFirst + fields.mapLength <= 65536 &&
-           IsOneOf(fields.mapBits, {15, 16, 24, 32});
+           IsOneOf(fields.mapBits, {8, 15, 16, 24, 32});
+}
+
+ByteView Footer(ByteView file) {
+    const ByteView footer = Slice(file, file.size() < kTgaFooterBytes ? 0 : file.size() - kTgaFooterBytes);
+    return StartsWith(Slice(footer, 8), kTgaSignature) ? footer : ByteView{};
+}
+
+// Sloppy programs leave anything in the fields that their pictures do not need. Their files are believed
+// where they are signed, or as long as raw pixels need them to be.
+bool IsVouchedFor(ByteView file, const Fields& fields) {
+    const auto pixels = static_cast<std::size_t>(fields.width) * static_cast<std::size_t>(fields.height);
+    const bool isRaw = (fields.type & kRunLengths) == 0;
+    return !Footer(file).empty() ||
+           (isRaw &&
+            fields.PixelsAt() + pixels * static_cast<std::size_t>((fields.bits + 7) / 8) == file.size());
 }
 
 // The attributes type of the extension area, where the file has one.
 std::optional<int> AttributesOfExtension(ByteView file) {
-    const std::size_t footerAt = file.size() < kTgaFooterBytes ? 0 : file.size() - kTgaFooterBytes;
-    const ByteView footer = Slice(file, footerAt);
+    const ByteView footer = Footer(file);
     const std::size_t extensionAt = LittleEndian32(footer, 0);
-    if (!StartsWith(Slice(footer, 8), kTgaSignature) || extensionAt < kHeaderBytes ||
+    if (footer.empty() || extensionAt < kHeaderBytes ||
         LittleEndian16(file, extensionAt) < kTgaExtensionBytes ||
-        extensionAt + kTgaExtensionBytes > footerAt) {
+        extensionAt + kTgaExtensionBytes > file.size() - kTgaFooterBytes) {
         return std::nullopt;
     }
     return file[extensionAt + kTgaAttributesAt];
@@ -98,16 +113,18 @@ TgaAlpha AlphaOf(ByteView file, const Fields& fields, TgaColour colour) {
     if (!hasRoom) {
         return TgaAlpha::None;
     }
+    const bool isInHeader = fields.AttributeBits() > 0;
     if (const auto attributes = AttributesOfExtension(file)) {
+        const bool isContradicted = *attributes == kTgaNoAlpha && isInHeader;
         return *attributes == kTgaPremultipliedAlpha ? TgaAlpha::Premultiplied
                : *attributes == kTgaAlpha            ? TgaAlpha::Plain
+               : isContradicted                      ? TgaAlpha::Unsure
                                                      : TgaAlpha::None;
     }
-    if (fields.AttributeBits() > 0) {
-        return TgaAlpha::Plain;
-    }
-    // Many programs leave alpha in the fourth byte without a word; a sixteenth bit is as often junk.
-    return colourBits == 32 ? TgaAlpha::Unsure : TgaAlpha::None;
+    // Many programs leave alpha in the fourth byte without a word, or promise it and never set it; a
+    // sixteenth bit that nobody speaks of is as often junk.
+    const bool isLikely = colourBits == 32 || colour == TgaColour::Grey;
+    return isInHeader || isLikely ? TgaAlpha::Unsure : TgaAlpha::None;
 }
 
 std::vector<std::array<std::uint8_t, 4>> ReadPalette(ByteView file, const Fields& fields, bool hasAlpha) {
@@ -125,6 +142,9 @@ std::vector<std::array<std::uint8_t, 4>> ReadPalette(ByteView file, const Fields
 } // namespace
 
 std::array<std::uint8_t, 4> TgaColourOf(const std::uint8_t* data, int bytes, bool hasAlpha) noexcept {
+    if (bytes == 1) {
+        return {data[0], data[0], data[0], 255};
+    }
     if (bytes > 2) {
         return {data[0], data[1], data[2], bytes > 3 && hasAlpha ? data[3] : std::uint8_t{255}};
     }
@@ -142,12 +162,12 @@ bool IsTgaHeader(ByteView file) noexcept {
     if (type == nullptr || file.size() <= kHeaderBytes) {
         return false;
     }
-    const bool hasAttributes = IsOneOf(fields.AttributeBits(), {0, 1, 8});
-    const bool isInterleaved = (fields.descriptor & 0xC0) != 0; // in use by nobody
-    return MapMakesSense(fields, *type) &&
-           std::find(type->bits.begin(), type->bits.end(), fields.bits) != type->bits.end() &&
-           fields.width > 0 && fields.height > 0 && hasAttributes && !isInterleaved &&
-           fields.PixelsAt() < file.size();
+    const bool isPicture = std::find(type->bits.begin(), type->bits.end(), fields.bits) != type->bits.end() &&
+                           fields.width > 0 && fields.height > 0 && fields.Interleave() <= 4 &&
+                           fields.PixelsAt() < file.size() &&
+                           (type->colour != TgaColour::Mapped || MapMakesSense(fields, *type));
+    const bool isClean = MapMakesSense(fields, *type) && IsOneOf(fields.AttributeBits(), {0, 1, 8});
+    return isPicture && (isClean || IsVouchedFor(file, fields));
 }
 
 TgaHeader ReadTgaHeader(ByteView file) {
@@ -165,6 +185,7 @@ TgaHeader ReadTgaHeader(ByteView file) {
     header.height = fields.height;
     header.rightToLeft = (fields.descriptor & 0x10) != 0;
     header.topDown = (fields.descriptor & 0x20) != 0;
+    header.interleave = fields.Interleave();
     header.alpha = AlphaOf(file, fields, header.colour);
     if (header.colour == TgaColour::Mapped) {
         header.palette = ReadPalette(file, fields, header.alpha != TgaAlpha::None);

@@ -27,6 +27,7 @@ struct TgaHeader {
     int pixelBytes = 0;
     bool rightToLeft = false;
     bool topDown = false;
+    int interleave = 1; // rows 0, n, 2n ... of the picture come first, then 1, n + 1 ...
     TgaAlpha alpha = TgaAlpha::None;
     // Of Mapped: blue, green, red, alpha of every index that a pixel can have; those that the map leaves out
     // are black.
@@ -34,7 +35,7 @@ struct TgaHeader {
     ByteView pixels;
 };
 
-// One colour of 2 (five bits each), 3 or 4 bytes as blue, green, red, alpha.
+// One colour of 1 (grey), 2 (five bits each), 3 or 4 bytes as blue, green, red, alpha.
 std::array<std::uint8_t, 4> TgaColourOf(const std::uint8_t* data, int bytes, bool hasAlpha) noexcept;
 
 // Whether the fields of the header make sense together.

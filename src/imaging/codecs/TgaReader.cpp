@@ -48,7 +48,7 @@ class TgaPixels {
         } else if (header_.pixelBytes == 2) {
             fiveBits_.Convert(data, bgra, pixels, hasAlpha_);
         } else if (header_.pixelBytes == 3) {
-            ConvertTriples(data, bgra, pixels);
+            CopyOpaque(data, bgra, pixels);
         } else {
             ConvertQuadruples(data, bgra, pixels);
         }
@@ -67,15 +67,6 @@ class TgaPixels {
         for (int x = 0; x < pixels; ++x, data += header_.pixelBytes, bgra += PixelArray::kComponents) {
             bgra[0] = bgra[1] = bgra[2] = data[0];
             bgra[3] = hasAlpha_ ? data[1] : std::uint8_t{255};
-        }
-    }
-
-    static void ConvertTriples(const std::uint8_t* data, std::uint8_t* bgra, int pixels) {
-        for (int x = 0; x < pixels; ++x, data += 3, bgra += PixelArray::kComponents) {
-            bgra[0] = data[0];
-            bgra[1] = data[1];
-            bgra[2] = data[2];
-            bgra[3] = 255;
         }
     }
 
@@ -159,19 +150,22 @@ class TgaReader {
           rows_(picture_.WritableRows()) {}
 
     PixelArray Read() {
-        const int present = header_.hasRunLengths ? ReadRunLengths() : ReadRaw();
+        const std::int64_t present = header_.hasRunLengths ? ReadRunLengths() : ReadRaw();
         if (present == 0) {
-            Refuse("The Targa picture ends before its first row of pixels.");
+            Refuse("The Targa picture ends before its first pixel.");
         }
-        const int firstRow = header_.topDown ? 0 : header_.height - present;
-        SettleAlphaOf(firstRow, firstRow + present);
+        const int wholeRows = static_cast<int>(present / header_.width);
+        const bool isApart = header_.interleave > 1; // the rows present then lie all over the picture
+        const int firstRow = header_.topDown || isApart ? 0 : header_.height - wholeRows;
+        SettleAlphaOf(firstRow, isApart ? header_.height : firstRow + wholeRows);
         return std::move(picture_);
     }
 
   private:
     // Puts the pixels of a row of the file in their place, white where there are none.
     void Place(int fileRow, const std::uint8_t* data, int present) const {
-        const int y = header_.topDown ? fileRow : header_.height - 1 - fileRow;
+        const int row = RowInPicture(fileRow);
+        const int y = header_.topDown ? row : header_.height - 1 - row;
         std::uint8_t* const bgra = rows_ + y * picture_.Stride();
         if (present > 0) { // else there is not even a place to read from
             pixels_.Convert(data, bgra, present);
@@ -184,8 +178,20 @@ class TgaReader {
         }
     }
 
-    // Both return the number of rows that the file holds, the last of them perhaps in part.
-    int ReadRaw() const {
+    int RowInPicture(int fileRow) const {
+        int first = 0;
+        const auto rowsFrom = [&] {
+            return (header_.height - first + header_.interleave - 1) / header_.interleave;
+        };
+        while (fileRow >= rowsFrom()) {
+            fileRow -= rowsFrom();
+            ++first;
+        }
+        return first + fileRow * header_.interleave;
+    }
+
+    // Both return the number of pixels that the file holds.
+    std::int64_t ReadRaw() const {
         const auto pixelBytes = static_cast<std::size_t>(header_.pixelBytes);
         const std::size_t rowBytes = static_cast<std::size_t>(header_.width) * pixelBytes;
         ForEachBand(header_.height, rowBytes + picture_.RowBytes(), [&](int first, int end) {
@@ -195,18 +201,17 @@ class TgaReader {
                 Place(row, data.data(), static_cast<int>(data.size() / pixelBytes));
             }
         });
-        const std::size_t present =
-            (header_.pixels.size() / pixelBytes * pixelBytes + rowBytes - 1) / rowBytes;
-        return static_cast<int>(std::min(present, static_cast<std::size_t>(header_.height)));
+        return std::min(static_cast<std::int64_t>(header_.pixels.size() / pixelBytes),
+                        std::int64_t{header_.width} * header_.height);
     }
 
-    int ReadRunLengths() const {
+    std::int64_t ReadRunLengths() const {
         TgaRunLengths packets(header_.pixels, header_.pixelBytes);
         std::vector<std::uint8_t> row(static_cast<std::size_t>(header_.width * header_.pixelBytes));
-        int present = 0;
+        std::int64_t present = 0;
         for (int y = 0; y < header_.height; ++y) {
             const int pixels = packets.Read(row.data(), header_.width);
-            present += pixels > 0 ? 1 : 0;
+            present += pixels;
             Place(y, row.data(), pixels);
         }
         return present;
