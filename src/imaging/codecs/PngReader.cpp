@@ -8,6 +8,7 @@
 #include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/Png.h"
+#include "imaging/codecs/Xmp.h"
 
 #include <png.h>
 
@@ -37,6 +38,21 @@ void CheckHeader(ByteView file) {
                      kDeflateRatio * 8 * 2 / bits + 1);
 }
 
+// The first chunk of a name that holds a text, without that text; empty where there is none.
+ByteView FindChunk(ByteView file, std::string_view name, std::string_view begin) {
+    constexpr std::size_t kBeforeData = 8; // length and name
+    constexpr std::size_t kAroundData = 12;
+    for (std::size_t at = kSignature.size(); at + kAroundData <= file.size();) {
+        const std::size_t length = BigEndian32(file, at);
+        const ByteView data = Slice(file, at + kBeforeData, length);
+        if (StartsWith(Slice(file, at + 4), name) && StartsWith(data, begin)) {
+            return data.subspan(begin.size());
+        }
+        at += kAroundData + length;
+    }
+    return {};
+}
+
 // Whether the file ends inside a chunk. libpng takes a whole buffer of pixels or none: of such a file it is
 // to take byte by byte, to the very end.
 bool IsCutShort(ByteView file) {
@@ -50,7 +66,7 @@ bool IsCutShort(ByteView file) {
 
 class PngDecoder {
   public:
-    explicit PngDecoder(ByteView file) : rest_(file), isCut_(IsCutShort(file)) {
+    explicit PngDecoder(ByteView file) : file_(file), rest_(file), isCut_(IsCutShort(file)) {
         png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, JumpBack, IgnoreWarning);
         info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
         if (info_ == nullptr) {
@@ -122,6 +138,8 @@ class PngDecoder {
             static constexpr png_byte kSkipped[] = "tEXt\0zTXt\0iTXt\0sPLT";
             png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, kSkipped, 4);
             png_read_info(png_, info_);
+            // Pixels are taken whatever their checksum: where they are damaged in earnest, inflating ends.
+            png_set_crc_action(png_, PNG_CRC_QUIET_USE, PNG_CRC_WARN_DISCARD);
         });
     }
 
@@ -265,6 +283,7 @@ class PngDecoder {
             Guarded([this] { png_read_end(png_, info_); });
         }
         Metadata details = picture.Details();
+        details.xmp = WithoutPictureClaims(FindChunk(file_, "iTXt", kPngXmpKeyword));
         png_uint_32 exifBytes = 0;
         png_bytep exifData = nullptr;
         int orientation = 1;
@@ -289,7 +308,8 @@ class PngDecoder {
 
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
-    ByteView rest_; // of the file
+    ByteView file_;
+    ByteView rest_; // that libpng has not read yet
     bool isCut_;
     ByteBuffer icc_;        // the file's own profile
     ByteBuffer calibrated_; // made from its gamma and primaries

@@ -10,6 +10,7 @@
 #include "imaging/codecs/TiffLayout.h"
 #include "imaging/codecs/TiffMetadata.h"
 #include "imaging/codecs/TiffStructure.h"
+#include "imaging/codecs/Xmp.h"
 
 #include <tiffio.h>
 
@@ -133,6 +134,9 @@ PixelArray ReadTiff(ByteView file, const ReadOptions& /*options*/) {
     const ByteBuffer icc = ReadProfile(tiff);
     details.icc = ProfileAfterConversion(icc);
     details.exif = ExifOfPage(structure, page.directory);
+    if (const TiffEntry* const xmp = page.directory.Find(tifftags::kXmp)) {
+        details.xmp = WithoutPictureClaims(xmp->value);
+    }
     PixelArray picture = DecodeTiff(std::move(tiff), page.offset, layout, file, icc);
     picture.SetDetails(std::move(details));
     return ApplyOrientation(std::move(picture), layout.orientation);

@@ -5,6 +5,7 @@
 #include "imaging/ForEachBand.h"
 #include "imaging/ImagingError.h"
 #include "imaging/Limits.h"
+#include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/TiffMetadata.h"
 #include "imaging/codecs/TiffStructure.h"
@@ -187,13 +188,17 @@ void AddDetails(PageDirectory& page, const Metadata& details) {
               .count = kSoftware.size(),
               .value = ByteView(reinterpret_cast<const std::uint8_t*>(kSoftware.data()), kSoftware.size()),
               .valueBytes = kSoftware.size()});
-    if (!details.icc.empty()) {
-        page.Raw({.tag = tifftags::kIccProfile,
-                  .type = tifftags::kTypeUndefined,
-                  .count = details.icc.size(),
-                  .value = details.icc,
-                  .valueBytes = details.icc.size()});
-    }
+    const auto addBlock = [&page](std::uint16_t tag, std::uint16_t type, const ByteBuffer& block) {
+        if (!block.empty()) {
+            page.Raw({.tag = tag,
+                      .type = type,
+                      .count = block.size(),
+                      .value = block,
+                      .valueBytes = block.size()});
+        }
+    };
+    addBlock(tifftags::kXmp, tifftags::kTypeByte, details.xmp);
+    addBlock(tifftags::kIccProfile, tifftags::kTypeUndefined, details.icc);
 }
 
 // The first directory of an EXIF block that can stand at the head of the file.
@@ -260,11 +265,12 @@ ByteBuffer EncodeTiff(const PixelArray& picture) {
     const int rowsPerStrip = std::clamp(static_cast<int>(kStripBytes / rowBytes), 1, picture.Height());
     std::vector<ByteBuffer> strips = CompressStrips(picture, channels, rowsPerStrip);
 
-    const std::optional<TiffDirectory> exif = ExifDirectory(details.exif);
-    ByteBuffer out = exif ? details.exif : ByteBuffer{'I', 'I', 42, 0, 0, 0, 0, 0};
+    const ByteBuffer exifBlock = WithPictureSize(details.exif, picture.Width(), picture.Height());
+    const std::optional<TiffDirectory> exif = ExifDirectory(exifBlock);
+    ByteBuffer out = exif ? exifBlock : ByteBuffer{'I', 'I', 42, 0, 0, 0, 0, 0};
     constexpr std::size_t kDirectoryRoom = 4096;
-    const StripTable table =
-        AppendStrips(out, strips, details.exif.size() + details.icc.size() + kDirectoryRoom);
+    const StripTable table = AppendStrips(
+        out, strips, exifBlock.size() + details.icc.size() + details.xmp.size() + kDirectoryRoom);
 
     const bool littleEndian = out[0] == 'I';
     PageDirectory page(littleEndian);
