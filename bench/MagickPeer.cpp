@@ -52,6 +52,7 @@ class MagickPeer : public FormatPeer {
                                                  : UndefinedCompression;
         const Images copy(CloneImage(image_.get(), 0, 0, MagickTrue, exception_));
         CopyMagickString(copy->magick, info->magick, MaxTextExtent);
+        copy->quality = info->quality;
         std::size_t size = 0;
         auto* const bytes = static_cast<std::uint8_t*>(ImageToBlob(info, copy.get(), &size, exception_));
         DestroyImageInfo(info);

@@ -60,8 +60,7 @@ Band MakeBand(const PixelArray& picture, bool withAlpha, int firstRow, int endRo
     Band band;
     band.bytes = filtered.size();
     band.checksum = adler32_z(1, filtered.data(), filtered.size());
-    band.deflated =
-        Deflate(filtered, endRow == picture.Height() ? DeflatePart::LastPiece : DeflatePart::Piece);
+    band.deflated = Deflate(filtered, endRow == picture.Height());
     return band;
 }
 
