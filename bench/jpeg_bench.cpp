@@ -1,6 +1,7 @@
 // Compares our JPEG codec with libjpeg-turbo on one thread, on the same picture in one run: the shortest of
 // several interleaved runs each, and their ratio; processor time too, since it stays true on a busy machine.
 // Usage: jpeg_bench [runs [picture.ppm]].
+#include "PpmFile.h"
 #include "imaging/ForEachBand.h"
 #include "imaging/codecs/JpegCodec.h"
 
@@ -66,33 +67,6 @@ PixelArray MadePhoto(int width, int height) {
         }
     });
     return photo;
-}
-
-PixelArray ReadPpm(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string magic;
-    int width = 0;
-    int height = 0;
-    int maximum = 0;
-    file >> magic >> width >> height >> maximum;
-    file.get();
-    if (magic != "P6" || maximum != 255) {
-        throw std::runtime_error("not a plain 8-bit PPM file: " + path);
-    }
-    PixelArray picture(width, height);
-    std::uint8_t* const rows = picture.WritableRows();
-    std::vector<char> row(static_cast<std::size_t>(width) * 3);
-    for (int y = 0; y < height; ++y) {
-        file.read(row.data(), static_cast<std::streamsize>(row.size()));
-        for (int x = 0; x < width; ++x) {
-            std::uint8_t* const pixel = rows + y * picture.Stride() + x * 4;
-            for (int c = 0; c < 3; ++c) {
-                pixel[c] = static_cast<std::uint8_t>(row[static_cast<std::size_t>(x * 3 + 2 - c)]);
-            }
-            pixel[3] = 255;
-        }
-    }
-    return picture;
 }
 
 // The library alone, into memory that is already there.
@@ -201,7 +175,8 @@ void Run(int runs, const PixelArray& photo) {
 
 int main(int argc, char** argv) {
     try {
-        Run(argc > 1 ? std::atoi(argv[1]) : 7, argc > 2 ? ReadPpm(argv[2]) : MadePhoto(6000, 4000));
+        Run(argc > 1 ? std::atoi(argv[1]) : 7,
+            argc > 2 ? pictorel::bench::ReadPpm(argv[2]) : MadePhoto(6000, 4000));
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());

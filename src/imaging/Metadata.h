@@ -14,6 +14,9 @@ struct Metadata {
     // profile, a plain sRGB one where the pixels were converted from another space. Empty where the file had
     // none.
     std::vector<std::uint8_t> icc;
+    // The XMP packet (UTF-8), without what it said of orientation, sizes, resolution and thumbnail. Empty
+    // where the file had none.
+    std::vector<std::uint8_t> xmp;
     // Pixels per inch; 0 where unknown.
     double dotsPerInchX = 0;
     double dotsPerInchY = 0;

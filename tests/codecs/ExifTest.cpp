@@ -1,6 +1,7 @@
 // EXIF fields in both byte orders, damaged blocks, and the eight orientations.
 #include "codecs/MadeExif.h"
 #include "imaging/codecs/Exif.h"
+#include "imaging/codecs/TiffStructure.h"
 
 #include <gtest/gtest.h>
 
@@ -38,6 +39,56 @@ TEST(Exif, OnlyOrientationAndThumbnailChange) {
     }
 }
 
+// Writers do not agree on the type of the number.
+TEST(Exif, OrientationOfAnyType) {
+    for (const bool littleEndian : {true, false}) {
+        for (const int type : {1, 3, 4}) {
+            ByteBuffer exif = MadeExif({littleEndian, 6, 300, 300, 2});
+            constexpr std::size_t kEntry = 8 + 2 + 12; // the second one
+            const std::size_t width = type == 1 ? 1 : type == 3 ? 2 : 4;
+            exif[kEntry + (littleEndian ? 2 : 3)] = static_cast<std::uint8_t>(type);
+            std::fill_n(exif.begin() + kEntry + 8, 4, std::uint8_t{0});
+            exif[kEntry + 8 + (littleEndian ? 0 : width - 1)] = 6;
+            EXPECT_EQ(ExifOrientation(exif), 6) << type;
+            EXPECT_EQ(ExifOrientation(WithUprightOrientation(exif)), 1) << type;
+        }
+    }
+}
+
+// Sizes in both directories, of either type, follow the picture; what is not told is not added.
+TEST(Exif, SizesFollowThePicture) {
+    for (const bool littleEndian : {true, false}) {
+        const auto block = [littleEndian](std::uint32_t width, std::uint32_t height) {
+            ByteBuffer bytes;
+            TiffStructureWriter writer(bytes, littleEndian);
+            bytes = {static_cast<std::uint8_t>(littleEndian ? 'I' : 'M'),
+                     static_cast<std::uint8_t>(littleEndian ? 'I' : 'M')};
+            writer.Number(42, 2);
+            writer.Number(8, 4);
+            const auto entry = [&writer](int tag, int type, std::uint32_t value) {
+                writer.Number(static_cast<std::uint64_t>(tag), 2);
+                writer.Number(static_cast<std::uint64_t>(type), 2);
+                writer.Number(1, 4);
+                writer.Number(value, type == 3 ? 2 : 4);
+                writer.Number(0, type == 3 ? 2 : 0);
+            };
+            writer.Number(2, 2);
+            entry(0x0100, 4, width);
+            entry(0x8769, 4, 8 + 2 + 2 * 12 + 4);
+            writer.Number(0, 4);
+            writer.Number(2, 2);
+            entry(0xA002, 3, width);
+            entry(0xA003, 4, height);
+            writer.Number(0, 4);
+            return bytes;
+        };
+        EXPECT_EQ(WithPictureSize(block(4000, 3000), 640, 480), block(640, 480));
+        const ByteBuffer without = MadeExif({littleEndian, 1, 300, 300, 2});
+        EXPECT_EQ(WithPictureSize(without, 640, 480), without);
+    }
+    EXPECT_TRUE(WithPictureSize({}, 1, 1).empty());
+}
+
 TEST(Exif, DamageIsHarmless) {
     EXPECT_TRUE(WithUprightOrientation({}).empty());
     EXPECT_TRUE(WithUprightOrientation(ByteBuffer(64, 0)).empty());
@@ -54,6 +105,7 @@ TEST(Exif, DamageIsHarmless) {
                     const ByteBuffer upright = WithUprightOrientation(block);
                     EXPECT_TRUE(upright.empty() || upright.size() == block.size());
                     ExifResolution(block);
+                    EXPECT_EQ(WithPictureSize(block, 5, 6).size(), block.size());
                 }
             }
         }

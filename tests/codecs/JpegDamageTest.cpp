@@ -188,6 +188,44 @@ TEST(JpegDamage, AnnouncedSizesAreCheckedFirst) {
     EXPECT_EQ(Read(WithSize(progressive, 32767, 32766)).failure, ImagingFailure::UnsupportedFormat);
 }
 
+// Faults behind which there is a whole picture.
+TEST(JpegDamage, FaultsThatCostNothing) {
+    const ByteBuffer file = MadeJpeg(MadePicture(75, 61), {});
+    const PixelArray expected = ReadJpeg(file, {});
+    const auto with = [&file](std::size_t at, std::initializer_list<int> bytes) {
+        ByteBuffer changed = file;
+        changed.insert(changed.begin() + static_cast<std::ptrdiff_t>(at), bytes.begin(), bytes.end());
+        return changed;
+    };
+    const std::size_t frame = FrameOffset(file);
+    const std::size_t scan = JpegSegments(file).back().offset;
+    ByteBuffer heightBehind = WithSize(with(file.size() - 2, {0xFF, 0xDC, 0, 4, 0, 61}), 75, 0);
+    ByteBuffer twoPictures = file;
+    twoPictures.insert(twoPictures.end(), file.begin(), file.end());
+    const struct {
+        const char* name;
+        ByteBuffer bytes;
+    } cases[] = {
+        {"two starts", with(0, {0xFF, 0xD8})},
+        {"garbage behind the start", with(2, {0, 7, 0xFF, 0, 9})},
+        {"garbage between segments", with(frame, {1, 2, 3, 0xFF, 0, 0xFF, 0xFF})},
+        {"garbage before the scan", with(scan, {0, 0, 0})},
+        {"an empty segment", with(frame, {0xFF, 0xE5, 0, 2})},
+        {"a restart marker among the segments", with(frame, {0xFF, 0xD3})},
+        {"restart markers announced, none there", with(frame, {0xFF, 0xDD, 0, 4, 0, 3})},
+        {"the height behind the scan", heightBehind},
+        {"no end", Head(file, file.size() - 2)},
+        {"bytes behind the end", with(file.size(), {0, 0xFF, 0xD8, 0xFF, 0xC0, 1})},
+        {"another picture behind the end", twoPictures},
+    };
+    for (const auto& c : cases) {
+        EXPECT_TRUE(IsJpeg(c.bytes)) << c.name;
+        const Result result = Read(c.bytes);
+        ASSERT_TRUE(result.picture) << c.name;
+        EXPECT_EQ(Difference(*result.picture, expected), 0) << c.name;
+    }
+}
+
 TEST(JpegDamage, OtherKindsOfCompressionAreRefused) {
     const ByteBuffer file = MadeJpeg(MadePicture(75, 61), {});
     ByteBuffer deep = file;

@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -21,6 +23,7 @@ using testing::ExifPayload;
 using testing::JpegRecipe;
 using testing::JpegSpace;
 using testing::LibraryPixels;
+using testing::MadeGradientJpeg;
 using testing::MadeJpeg;
 using testing::MadePicture;
 using testing::Solid;
@@ -119,6 +122,46 @@ TEST(JpegReader, EveryKindOfFile) {
                     ASSERT_TRUE(IsJpeg(file));
                     EXPECT_EQ(Difference(ReadJpeg(file, {}), LibraryPixels(file)), 0);
                 }
+            }
+        }
+    }
+}
+
+// Samplings that divide the picture's and those that do not, which the library leaves to its caller.
+TEST(JpegReader, EverySampling) {
+    constexpr int kWidth = 101;
+    constexpr int kHeight = 77;
+    for (const testing::Samplings& samplings :
+         {testing::Samplings{{{4, 1}, {1, 1}, {1, 1}}}, testing::Samplings{{{1, 1}, {2, 2}, {1, 2}}},
+          testing::Samplings{{{3, 2}, {2, 1}, {1, 1}}}, testing::Samplings{{{2, 3}, {1, 2}, {1, 1}}},
+          testing::Samplings{{{4, 1}, {3, 1}, {1, 1}}}, testing::Samplings{{{1, 2}, {1, 3}, {2, 1}}}}) {
+        for (const JpegSpace space : {JpegSpace::Rgb, JpegSpace::YCbCr}) {
+            for (const bool progressive : {false, true}) {
+                const PixelArray read =
+                    ReadJpeg(MadeGradientJpeg(kWidth, kHeight, samplings,
+                                              {.space = space, .progressive = progressive}),
+                             {});
+                ASSERT_EQ(read.Width(), kWidth);
+                ASSERT_EQ(read.Height(), kHeight);
+                double largest = 0;
+                for (int y = 0; y < kHeight; ++y) {
+                    for (int x = 0; x < kWidth; ++x) {
+                        const auto level = [&](int c) { return double(testing::GradientLevel(c, x, y)); };
+                        const std::uint8_t* const bgra = read.Row(y) + std::ptrdiff_t{4} * x;
+                        std::array<double, 3> rgb{level(0), level(1), level(2)};
+                        if (space == JpegSpace::YCbCr) {
+                            rgb = {level(0) + 1.402 * (level(2) - 128),
+                                   level(0) - 0.344136 * (level(1) - 128) - 0.714136 * (level(2) - 128),
+                                   level(0) + 1.772 * (level(1) - 128)};
+                        }
+                        for (std::size_t c = 0; c < rgb.size(); ++c) {
+                            const double wanted = std::clamp(rgb[c], 0.0, 255.0);
+                            largest = std::max(largest, std::abs(wanted - bgra[2 - c]));
+                        }
+                        EXPECT_EQ(bgra[3], 255);
+                    }
+                }
+                EXPECT_LE(largest, 6) << samplings[0][0] << 'x' << samplings[0][1];
             }
         }
     }

@@ -94,6 +94,66 @@ ByteBuffer MadeJpeg(const PixelArray& picture, const JpegRecipe& recipe) {
     return file;
 }
 
+ByteBuffer MadeGradientJpeg(int width, int height, const Samplings& samplings, const JpegRecipe& recipe) {
+    jpeg_compress_struct library{};
+    jpeg_error_mgr errors{};
+    library.err = jpeg_std_error(&errors);
+    errors.error_exit = Fail;
+    jpeg_create_compress(&library);
+    unsigned char* memory = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&library, &memory, &size);
+    library.image_width = static_cast<JDIMENSION>(width);
+    library.image_height = static_cast<JDIMENSION>(height);
+    library.input_components = 3;
+    library.in_color_space = SpaceOf(recipe.space).stored;
+    jpeg_set_defaults(&library);
+    jpeg_set_colorspace(&library, library.in_color_space);
+    jpeg_set_quality(&library, 100, TRUE);
+    library.raw_data_in = TRUE;
+    if (recipe.progressive) {
+        jpeg_simple_progression(&library);
+    }
+    int widest = 1;
+    int tallest = 1;
+    for (std::size_t c = 0; c < samplings.size(); ++c) {
+        library.comp_info[c].h_samp_factor = samplings[c][0];
+        library.comp_info[c].v_samp_factor = samplings[c][1];
+        widest = std::max(widest, samplings[c][0]);
+        tallest = std::max(tallest, samplings[c][1]);
+    }
+    jpeg_start_compress(&library, TRUE);
+    while (library.next_scanline < library.image_height) {
+        std::array<std::vector<std::vector<JSAMPLE>>, 3> planes;
+        std::array<std::vector<JSAMPROW>, 3> rows;
+        std::array<JSAMPARRAY, 3> arrays{};
+        for (std::size_t c = 0; c < planes.size(); ++c) {
+            const double stepX = 1.0 * widest / samplings[c][0];
+            const double stepY = 1.0 * tallest / samplings[c][1];
+            for (int j = 0; j < samplings[c][1] * DCTSIZE; ++j) {
+                auto& row = planes[c].emplace_back(library.comp_info[c].width_in_blocks * DCTSIZE +
+                                                   std::size_t{MAX_SAMP_FACTOR} * DCTSIZE);
+                for (std::size_t i = 0; i < row.size(); ++i) {
+                    const double x = (static_cast<double>(i) + 0.5) * stepX - 0.5;
+                    const double y = library.next_scanline + (j + 0.5) * stepY - 0.5;
+                    row[i] =
+                        static_cast<JSAMPLE>(std::clamp(GradientLevel(static_cast<int>(c), x, y), 0, 255));
+                }
+            }
+            for (auto& row : planes[c]) {
+                rows[c].push_back(row.data());
+            }
+            arrays[c] = rows[c].data();
+        }
+        jpeg_write_raw_data(&library, arrays.data(), static_cast<JDIMENSION>(tallest * DCTSIZE));
+    }
+    jpeg_finish_compress(&library);
+    jpeg_destroy_compress(&library);
+    ByteBuffer file(memory, memory + size);
+    std::free(memory);
+    return file;
+}
+
 PixelArray LibraryPixels(ByteView file) {
     jpeg_decompress_struct library{};
     jpeg_error_mgr errors{};

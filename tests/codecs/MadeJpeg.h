@@ -30,6 +30,16 @@ struct JpegRecipe {
 // four as ink for the others.
 ByteBuffer MadeJpeg(const PixelArray& picture, const JpegRecipe& recipe);
 
+// The level of a component, 0 to 2, of a smooth picture.
+inline int GradientLevel(int component, double x, double y) {
+    return static_cast<int>(30 + 20 * component + 0.6 * x + 0.9 * y);
+}
+
+// That picture, each component stored with its own number of samples across and down. Of the recipe only the
+// space (Rgb or YCbCr) and the kind of coding count.
+using Samplings = std::array<std::array<int, 2>, 3>;
+ByteBuffer MadeGradientJpeg(int width, int height, const Samplings& samplings, const JpegRecipe& recipe);
+
 // Decoded by the library in one go: B, G, R, 255, or four inks.
 PixelArray LibraryPixels(ByteView file);
 

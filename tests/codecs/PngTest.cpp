@@ -1,78 +1,15 @@
 // PNG: every colour type and depth, colour spaces, and files that are damaged in one place or another.
 #include "MadeExif.h"
+#include "MadePng.h"
 #include "MadeProfiles.h"
 #include "PictureSupport.h"
 #include "imaging/codecs/Exif.h"
-
-#include <zlib.h>
 
 #include <string>
 #include <vector>
 
 namespace pictorel::codecs::testing {
 namespace {
-
-ByteBuffer Chunk(std::string_view type, const ByteBuffer& data) {
-    const ByteBuffer named = Bytes().Text(type).Append(data).Done();
-    return Bytes()
-        .Be32({static_cast<std::int64_t>(data.size())})
-        .Append(named)
-        .Be32({static_cast<std::int64_t>(crc32(0, named.data(), static_cast<uInt>(named.size())))})
-        .Done();
-}
-
-ByteBuffer Deflated(const ByteBuffer& data) {
-    uLongf size = compressBound(data.size());
-    ByteBuffer out(size);
-    compress(out.data(), &size, data.data(), data.size());
-    out.resize(size);
-    return out;
-}
-
-struct Recipe {
-    std::int64_t width = 2;
-    std::int64_t height = 1;
-    int bits = 8;
-    int colourType = 2; // 0 grey, 2 RGB, 3 palette, 4 grey and alpha, 6 RGB and alpha
-    int interlace = 0;
-    ByteBuffer extra{}; // whole chunks between header and pixels
-    ByteBuffer rows{};  // with their filter bytes
-    ByteBuffer after{}; // whole chunks behind the pixels
-};
-
-ByteBuffer Header(const Recipe& recipe) {
-    return Bytes()
-        .Be32({recipe.width, recipe.height})
-        .U8({recipe.bits, recipe.colourType, 0, 0, recipe.interlace})
-        .Done();
-}
-
-ByteBuffer MakePng(const Recipe& recipe) {
-    return Bytes()
-        .Text("\x89PNG\r\n\x1A\n")
-        .Append(Chunk("IHDR", Header(recipe)))
-        .Append(recipe.extra)
-        .Append(Chunk("IDAT", Deflated(recipe.rows)))
-        .Append(recipe.after)
-        .Append(Chunk("IEND", {}))
-        .Done();
-}
-
-struct Case {
-    const char* name;
-    Recipe recipe;
-    std::string expected;
-};
-
-void ExpectAll(const std::vector<Case>& cases) {
-    for (const Case& c : cases) {
-        EXPECT_EQ(SpelledFile(MakePng(c.recipe)), c.expected) << c.name;
-    }
-}
-
-ByteBuffer Palette() {
-    return Chunk("PLTE", {255, 0, 0, 0, 255, 0, 0, 0, 255});
-}
 
 TEST(Png, ReadsEveryColourTypeAndDepth) {
     ExpectAll({
@@ -132,10 +69,6 @@ TEST(Png, ReadsTransparentColours) {
 ByteBuffer ProfileChunk(const ByteBuffer& icc) {
     return Chunk("iCCP", Bytes().Text("p").U8({0, 0}).Append(Deflated(icc)).Done());
 }
-ByteBuffer GammaChunk(std::int64_t gamma) {
-    return Chunk("gAMA", Bytes().Be32({gamma}).Done());
-}
-
 TEST(Png, ConvertsOtherColourSpacesToSrgb) {
     const ByteBuffer wide = ProfileChunk(WideRgbProfile());
     const ByteBuffer primaries =
@@ -193,69 +126,6 @@ TEST(Png, TurnsThePictureUprightAndKeepsItsDetails) {
         EXPECT_TRUE(SamePixels(picture, again));
         EXPECT_EQ(picture.Details(), again.Details());
     }
-}
-
-// A file of 64 x 64 noisy greys in one data chunk, so that damage can be put at a known place in it.
-ByteBuffer NoisyPng(int interlace = 0) {
-    ByteBuffer rows;
-    std::uint32_t random = 1;
-    const int rowCount = interlace == 0 ? 64 : 1024; // more than enough for all passes
-    for (int i = 0; i < rowCount * 65; ++i) {
-        random = random * 1664525 + 1013904223;
-        rows.push_back(i % 65 == 0 || interlace != 0 ? std::uint8_t{0}
-                                                     : static_cast<std::uint8_t>(random >> 24));
-    }
-    return MakePng({.width = 64, .height = 64, .colourType = 0, .interlace = interlace, .rows = rows});
-}
-
-TEST(Png, ShowsWhatADamagedFileHolds) {
-    const ByteBuffer whole = NoisyPng();
-    const PixelArray expected = Read(whole);
-    ByteBuffer cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size()) / 2);
-    const PixelArray half = Read(cut);
-    EXPECT_EQ(std::memcmp(half.Row(20), expected.Row(20), half.RowBytes()), 0);
-    const ByteBuffer white(half.RowBytes(), 0xFF);
-    EXPECT_EQ(std::memcmp(half.Row(63), white.data(), white.size()), 0);
-
-    ByteBuffer badSum = whole; // of the data chunk: all rows come before it
-    badSum[badSum.size() - 13] ^= 1;
-    EXPECT_TRUE(SamePixels(Read(badSum), expected));
-
-    const ByteBuffer interlaced = NoisyPng(1);
-    cut.assign(interlaced.begin(), interlaced.end() - 24);
-    EXPECT_EQ(Read(cut).Width(), 64);
-}
-
-TEST(Png, SkipsDamagedExtrasAndRefusesDamagedEssentials) {
-    ByteBuffer badExtra = GammaChunk(100000);
-    badExtra.back() ^= 1;
-    ByteBuffer badPalette = Palette();
-    badPalette.back() ^= 1;
-    ExpectAll({
-        {"gamma with a wrong checksum",
-         {.colourType = 0, .extra = badExtra, .rows = {0, 128, 255}},
-         "808080 FFFFFF"},
-        {"palette with a wrong checksum",
-         {.colourType = 3, .extra = badPalette, .rows = {0, 1, 2}},
-         kUnsupported},
-        {"no palette", {.colourType = 3, .rows = {0, 1, 2}}, kUnsupported},
-        {"no such colour type", {.colourType = 5, .rows = {0, 1, 2}}, kUnsupported},
-        {"no such depth", {.bits = 3, .colourType = 0, .rows = {0, 1, 2}}, kUnsupported},
-        {"no rows", {.rows = {}}, kUnsupported},
-        {"width 0", {.width = 0, .rows = {0}}, kUnsupported},
-        {"too large", {.width = 40000, .height = 40000, .rows = {0}}, kTooLarge},
-        {"large without the bytes for it", {.width = 30000, .height = 30000, .rows = {0}}, kUnsupported},
-        {"unknown extra chunk",
-         {.colourType = 0, .extra = Chunk("abCd", {1, 2}), .rows = {0, 128, 255}},
-         "808080 FFFFFF"},
-        {"frames of an animation",
-         {.colourType = 0,
-          .extra = Chunk("acTL", {0, 0, 0, 2, 0, 0, 0, 0}),
-          .rows = {0, 128, 255},
-          .after = Chunk("fdAT", {0, 0, 0, 1, 9, 9})},
-         "808080 FFFFFF"},
-    });
-    EXPECT_EQ(SpelledFile(Bytes().Text("\x89PNG\r\n\x1A\n").Done()), kUnsupported);
 }
 
 TEST(Png, WritesAlphaOnlyWhereItIsNeeded) {

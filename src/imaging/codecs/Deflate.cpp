@@ -3,30 +3,24 @@
 
 #include "imaging/ImagingError.h"
 #include "imaging/codecs/ByteReader.h"
+#include "imaging/codecs/RunDeflate.h"
 
 #include <zlib.h>
 
 namespace pictorel::codecs {
 namespace {
 
-struct Effort {
-    int level;
-    int strategy;
-};
-constexpr Effort kRuns{1, Z_RLE};
-constexpr Effort kSampleStrings{4, Z_DEFAULT_STRATEGY};
-constexpr Effort kStrings{6, Z_DEFAULT_STRATEGY};
+constexpr int kSampleLevel = 4;
+constexpr int kLevel = 6;
 constexpr std::size_t kSampleBytes = 32U << 10; // each: a whole window, so that strings show
 constexpr std::size_t kSamples = 3;
-constexpr double kWorthwhile = 0.95; // strings take five times as long
+constexpr double kWorthwhile = 0.95; // strings take twenty times as long
 
-ByteBuffer DeflateWith(Effort effort, ByteView data, DeflatePart part) {
+ByteBuffer DeflateStrings(int level, ByteView data, bool isLast) {
     constexpr int kLargestWindow = 15;
     constexpr int kMemoryLevel = 9;
     z_stream stream{};
-    if (deflateInit2(&stream, effort.level, Z_DEFLATED,
-                     part == DeflatePart::Whole ? kLargestWindow : -kLargestWindow, kMemoryLevel,
-                     effort.strategy) != Z_OK) {
+    if (deflateInit2(&stream, level, Z_DEFLATED, -kLargestWindow, kMemoryLevel, Z_DEFAULT_STRATEGY) != Z_OK) {
         throw ImagingError(ImagingFailure::OutOfMemory, "There is not enough memory to save this picture.");
     }
     ByteBuffer out;
@@ -41,7 +35,7 @@ ByteBuffer DeflateWith(Effort effort, ByteView data, DeflatePart part) {
     stream.avail_in = static_cast<uInt>(data.size());
     stream.next_out = out.data();
     stream.avail_out = static_cast<uInt>(out.size());
-    deflate(&stream, part == DeflatePart::Piece ? Z_SYNC_FLUSH : Z_FINISH);
+    deflate(&stream, isLast ? Z_FINISH : Z_SYNC_FLUSH);
     out.resize(stream.total_out);
     deflateEnd(&stream);
     return out;
@@ -57,18 +51,17 @@ ByteBuffer Sample(ByteView data) {
     return sample;
 }
 
-Effort ChooseEffort(ByteView data) {
+bool GainsByStrings(ByteView data) {
     const ByteBuffer sample = Sample(data);
-    const auto runs = static_cast<double>(DeflateWith(kRuns, sample, DeflatePart::LastPiece).size());
-    const auto strings =
-        static_cast<double>(DeflateWith(kSampleStrings, sample, DeflatePart::LastPiece).size());
-    return strings < runs * kWorthwhile ? kStrings : kRuns;
+    const auto runs = static_cast<double>(DeflateRuns(sample, true).size());
+    const auto strings = static_cast<double>(DeflateStrings(kSampleLevel, sample, true).size());
+    return strings < runs * kWorthwhile;
 }
 
 } // namespace
 
-ByteBuffer Deflate(ByteView data, DeflatePart part) {
-    return DeflateWith(ChooseEffort(data), data, part);
+ByteBuffer Deflate(ByteView data, bool isLast) {
+    return GainsByStrings(data) ? DeflateStrings(kLevel, data, isLast) : DeflateRuns(data, isLast);
 }
 
 } // namespace pictorel::codecs

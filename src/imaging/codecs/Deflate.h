@@ -5,15 +5,10 @@
 
 namespace pictorel::codecs {
 
-enum class DeflatePart {
-    Whole,     // a zlib stream of its own
-    Piece,     // raw deflate data that ends on a byte boundary, so that another piece can follow
-    LastPiece, // the same, and ends the stream
-};
-
-// Filtered photographs hold no repeated strings: runs and Huffman codes alone make them as small, in a fifth
-// of the time. Drawings and screens gain much by string matching. A sample of the data tells which they are.
-// Throws ImagingError(OutOfMemory).
-ByteBuffer Deflate(ByteView data, DeflatePart part);
+// Raw deflate data. They end the stream where `isLast`, otherwise they end on a byte boundary, so that
+// another piece can follow. Filtered photographs hold no repeated strings: runs and Huffman codes alone make
+// them as small, in a tenth of the time. Drawings and screens gain much by string matching. A sample of the
+// data tells which they are. Throws ImagingError(OutOfMemory).
+ByteBuffer Deflate(ByteView data, bool isLast);
 
 } // namespace pictorel::codecs

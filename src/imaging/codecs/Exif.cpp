@@ -17,13 +17,19 @@ namespace {
 constexpr std::size_t kHeaderBytes = 8; // byte order, 42, offset of the first directory
 constexpr std::size_t kEntryBytes = 12; // tag, type, count, value or its offset
 
+constexpr std::uint16_t kTagImageWidth = 0x0100;
+constexpr std::uint16_t kTagImageLength = 0x0101;
 constexpr std::uint16_t kTagOrientation = 0x0112;
 constexpr std::uint16_t kTagXResolution = 0x011A;
 constexpr std::uint16_t kTagYResolution = 0x011B;
 constexpr std::uint16_t kTagResolutionUnit = 0x0128;
 constexpr std::uint16_t kTagThumbnailOffset = 0x0201;
 constexpr std::uint16_t kTagThumbnailLength = 0x0202;
+constexpr std::uint16_t kTagExifDirectory = 0x8769;
+constexpr std::uint16_t kTagPixelXDimension = 0xA002;
+constexpr std::uint16_t kTagPixelYDimension = 0xA003;
 
+constexpr std::uint16_t kTypeByte = 1;
 constexpr std::uint16_t kTypeShort = 3;
 constexpr std::uint16_t kTypeLong = 4;
 constexpr std::uint16_t kTypeRational = 5;
@@ -83,9 +89,28 @@ class TiffBlock {
         const unsigned entries = Short(directory).value_or(0);
         for (unsigned i = 0; i < entries; ++i) {
             const std::size_t entry = directory + 2 + i * kEntryBytes;
-            if (Short(entry) == tag && Short(entry + 2) == type && Long(entry + 4) == 1U && Long(entry + 8)) {
+            if (Short(entry) == tag && Short(entry + 2) == type && Long(entry + 4) >= 1U && Long(entry + 8)) {
                 return entry;
             }
+        }
+        return {};
+    }
+
+    // An unsigned number and where it stands: writers do not agree on the type of a tag.
+    struct Field {
+        std::size_t at;
+        std::size_t bytes;
+        std::uint32_t value;
+    };
+    std::optional<Field> Number(std::size_t directory, std::uint16_t tag) const noexcept {
+        if (const auto entry = Entry(directory, tag, kTypeShort)) {
+            return Field{*entry + 8, 2, *Short(*entry + 8)};
+        }
+        if (const auto entry = Entry(directory, tag, kTypeLong)) {
+            return Field{*entry + 8, 4, *Long(*entry + 8)};
+        }
+        if (const auto entry = Entry(directory, tag, kTypeByte)) {
+            return Field{*entry + 8, 1, bytes_[*entry + 8]};
         }
         return {};
     }
@@ -105,6 +130,14 @@ class TiffBlock {
     bool littleEndian_ = false;
     bool valid_ = false;
 };
+
+void SetNumber(ByteBuffer& exif, const TiffBlock::Field& field, std::uint32_t value) {
+    const bool littleEndian = TiffBlock(exif).IsLittleEndian();
+    for (std::size_t i = 0; i < field.bytes; ++i) {
+        const std::size_t place = littleEndian ? i : field.bytes - 1 - i;
+        exif[field.at + place] = static_cast<std::uint8_t>(value >> (8 * i));
+    }
+}
 
 // Unlinks the second directory, which describes the thumbnail, and clears the thumbnail's bytes.
 void DropThumbnail(ByteBuffer& exif, std::size_t firstDirectory) {
@@ -133,9 +166,8 @@ void DropThumbnail(ByteBuffer& exif, std::size_t firstDirectory) {
 int ExifOrientation(ByteView exif) noexcept {
     const TiffBlock block(exif);
     const auto directory = block.FirstDirectory();
-    const auto entry = directory ? block.Entry(*directory, kTagOrientation, kTypeShort) : std::nullopt;
-    const int orientation = entry ? block.Short(*entry + 8).value_or(1) : 1;
-    return orientation >= 1 && orientation <= 8 ? orientation : 1;
+    const auto field = directory ? block.Number(*directory, kTagOrientation) : std::nullopt;
+    return field && field->value >= 1 && field->value <= 8 ? static_cast<int>(field->value) : 1;
 }
 
 ByteBuffer WithUprightOrientation(ByteView exif) {
@@ -144,13 +176,32 @@ ByteBuffer WithUprightOrientation(ByteView exif) {
         return {};
     }
     ByteBuffer upright(exif.begin(), exif.end());
-    const TiffBlock block(upright);
-    if (const auto entry = block.Entry(*directory, kTagOrientation, kTypeShort)) {
-        upright[*entry + 8] = block.IsLittleEndian() ? 1 : 0;
-        upright[*entry + 9] = block.IsLittleEndian() ? 0 : 1;
+    if (const auto orientation = TiffBlock(upright).Number(*directory, kTagOrientation)) {
+        SetNumber(upright, *orientation, 1);
     }
     DropThumbnail(upright, *directory);
     return upright;
+}
+
+ByteBuffer WithPictureSize(ByteView exif, int width, int height) {
+    ByteBuffer sized(exif.begin(), exif.end());
+    const TiffBlock block(exif);
+    const auto directory = block.FirstDirectory();
+    if (!directory) {
+        return sized;
+    }
+    const auto set = [&](std::size_t place, std::uint16_t tag, int value) {
+        if (const auto field = block.Number(place, tag); field && field->bytes > 1) {
+            SetNumber(sized, *field, static_cast<std::uint32_t>(value));
+        }
+    };
+    set(*directory, kTagImageWidth, width);
+    set(*directory, kTagImageLength, height);
+    if (const auto exifDirectory = block.Number(*directory, kTagExifDirectory)) {
+        set(exifDirectory->value, kTagPixelXDimension, width);
+        set(exifDirectory->value, kTagPixelYDimension, height);
+    }
+    return sized;
 }
 
 Resolution ExifResolution(ByteView exif) noexcept {

@@ -13,6 +13,10 @@ int ExifOrientation(ByteView exif) noexcept;
 // showing another picture; an empty buffer where the block is damaged beyond use.
 ByteBuffer WithUprightOrientation(ByteView exif);
 
+// A copy of the block in which the sizes of the picture are these, as far as it tells any: an edit may have
+// changed them since the block was read.
+ByteBuffer WithPictureSize(ByteView exif, int width, int height);
+
 // Pixels per inch from the block's XResolution, YResolution and ResolutionUnit; 0 where missing.
 struct Resolution {
     double dotsPerInchX = 0;

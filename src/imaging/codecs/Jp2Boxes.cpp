@@ -2,6 +2,7 @@
 #include "imaging/codecs/Jp2Boxes.h"
 
 #include "imaging/codecs/ByteReader.h"
+#include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
 
 #include <algorithm>
@@ -277,7 +278,7 @@ Jp2Boxes ReadJp2Boxes(ByteView file) {
 }
 
 ByteBuffer WrapInJp2Boxes(const PixelArray& picture, bool withAlpha, const ByteBuffer& codestream) {
-    const ByteBuffer& exif = picture.Details().exif;
+    const ByteBuffer exif = WithPictureSize(picture.Details().exif, picture.Width(), picture.Height());
     ByteBuffer out;
     out.reserve(codestream.size() + exif.size() + picture.Details().icc.size() + 1024);
     out.assign(kJp2Signature.begin(), kJp2Signature.end());

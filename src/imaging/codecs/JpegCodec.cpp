@@ -7,6 +7,7 @@
 #include "imaging/codecs/Exif.h"
 #include "imaging/codecs/JpegDecoder.h"
 #include "imaging/codecs/JpegEncoder.h"
+#include "imaging/codecs/JpegMend.h"
 #include "imaging/codecs/JpegRestartStrips.h"
 #include "imaging/codecs/JpegWorkingBlock.h"
 
@@ -17,6 +18,7 @@
 #include <functional>
 #include <new>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 namespace pictorel::codecs {
@@ -53,7 +55,12 @@ int Decode(ByteView file, const std::vector<JpegSegment>& segments, PixelArray& 
     if (!plan.strips.empty() && DecodeStrips(plan, target)) {
         return picture.Height();
     }
-    const JpegOutcome outcome = DecodeJpeg({file, {}}, target);
+    JpegOutcome outcome = DecodeJpeg({file, {}}, target);
+    if (!outcome.clean && outcome.goodRows < picture.Height()) {
+        if (const auto without = WithoutRestartInterval(file, segments)) {
+            outcome = DecodeJpeg({*without, {}}, target);
+        }
+    }
     if (outcome.goodRows == 0) {
         throw ImagingError(ImagingFailure::UnsupportedFormat, "The JPEG file is damaged beyond use.");
     }
@@ -137,13 +144,30 @@ PixelArray Finished(PixelArray picture, int goodRows, JpegColour colour,
 } // namespace
 
 bool IsJpeg(ByteView file) noexcept {
-    constexpr std::array<std::uint8_t, 3> kStart{0xFF, jpeg::kStartOfImage, 0xFF};
-    return file.size() >= kStart.size() && std::equal(kStart.begin(), kStart.end(), file.begin());
+    if (file.size() < 4 || file[0] != 0xFF || file[1] != jpeg::kStartOfImage) {
+        return false;
+    }
+    if (file[2] == 0xFF) {
+        return true;
+    }
+    // Garbage may follow, but soon a segment must come.
+    constexpr std::size_t kMostGarbage = 256;
+    const ByteView begin = file.first(std::min(file.size(), kMostGarbage));
+    const auto found = std::adjacent_find(begin.begin() + 2, begin.end(), [](int first, int second) {
+        return first == 0xFF && ((second >= jpeg::kApp0 && second <= jpeg::kApp0 + 15) ||
+                                 second == jpeg::kQuantisation || second == jpeg::kComment);
+    });
+    return found != begin.end();
 }
 
-PixelArray ReadJpeg(ByteView file, const ReadOptions& options) try {
+PixelArray ReadJpeg(ByteView given, const ReadOptions& options) try {
+    std::vector<JpegSegment> segments = JpegSegments(given);
+    const std::optional<ByteBuffer> mended = MendedJpeg(given, segments);
+    const ByteView file = mended ? ByteView(*mended) : given;
+    if (mended) {
+        segments = JpegSegments(file);
+    }
     const JpegInfo info = ReadJpegInfo(file);
-    const std::vector<JpegSegment> segments = JpegSegments(file);
     PixelArray picture(info.width, info.height);
     const int goodRows = Decode(file, segments, picture);
     const auto block = options.workingFile ? FindWorkingBlock(segments) : std::nullopt;
@@ -172,7 +196,7 @@ ByteBuffer WriteJpeg(const PixelArray& picture, const WriteOptions& options) try
         WriteWorkingJpeg(picture, gather);
     } else {
         EncodeJpeg(picture, {std::clamp(options.quality, 1, 100), JpegPixels::OverWhite},
-                   MetadataMarkers(picture.Details()), gather);
+                   MetadataMarkers(picture), gather);
     }
     return file;
 } catch (const std::bad_alloc&) {

@@ -3,6 +3,7 @@
 
 #include "imaging/Limits.h"
 #include "imaging/codecs/JpegLibrary.h"
+#include "imaging/codecs/JpegPlanes.h"
 #include "imaging/codecs/JpegSegments.h"
 
 #include <algorithm>
@@ -38,6 +39,8 @@ struct Session {
     std::array<ByteView, 2> parts;
     std::size_t nextPart = 0;
     const JpegTarget* target = nullptr;
+    bool inPlanes = false; // components come one by one, into `planes`
+    JpegPlanes planes;
     int lostRow = -1; // row of MCUs from which the first coefficients are missing, -1 while none are
     int lostScan = 0;
     bool exhausted = false;
@@ -153,7 +156,12 @@ void ReadRows(Session& session) {
     const JpegTarget& target = *session.target;
     const bool ink = library.jpeg_color_space == JCS_CMYK || library.jpeg_color_space == JCS_YCCK;
     library.out_color_space = ink ? JCS_CMYK : JCS_EXT_BGRA;
+    session.inPlanes = JpegPlanes::AreNeeded(library);
+    library.raw_data_out = session.inPlanes ? TRUE : FALSE;
     jpeg_start_decompress(&library);
+    if (session.inPlanes) {
+        return session.planes.Read(library);
+    }
     constexpr int kRowsAtOnce = 16;
     while (library.output_scanline < library.output_height) {
         std::array<JSAMPROW, kRowsAtOnce> rows{};
@@ -180,7 +188,7 @@ std::size_t SegmentBefore(ByteView file, std::size_t position) noexcept {
 
 int GoodRows(const Session& session) noexcept {
     const jpeg_decompress_struct& library = session.jpeg;
-    const int height = static_cast<int>(library.output_scanline);
+    const int height = std::min(static_cast<int>(library.output_scanline), session.target->height);
     if (session.lostRow < 0) {
         return height;
     }
@@ -208,6 +216,14 @@ struct Attempt {
     std::size_t usableBytes; // of the head: where damage between two scans starts, its size if there is none
 };
 
+int ShownRows(const Session& session) {
+    const int rows = GoodRows(session);
+    if (session.inPlanes) {
+        session.planes.Show(*session.target, rows);
+    }
+    return rows;
+}
+
 Attempt DecodeOnce(const JpegStream& stream, const JpegTarget& target) {
     Session session(stream, &target);
     const std::size_t allBytes = stream.head.size();
@@ -217,7 +233,7 @@ Attempt DecodeOnce(const JpegStream& stream, const JpegTarget& target) {
         return {{0, false}, allBytes};
     }
     if (Guarded(session.errors, ReadRows, session)) {
-        return {{GoodRows(session), session.errors.base.num_warnings == 0}, allBytes};
+        return {{ShownRows(session), session.errors.base.num_warnings == 0}, allBytes};
     }
     if (session.tooManyScans) {
         throw ImagingError(ImagingFailure::UnsupportedFormat, "The JPEG file has an absurd number of scans.");
@@ -227,7 +243,7 @@ Attempt DecodeOnce(const JpegStream& stream, const JpegTarget& target) {
         throw failure;
     }
     const bool betweenScans = session.jpeg.output_scanline == 0 && session.jpeg.input_scan_number > 1;
-    return {{GoodRows(session), false},
+    return {{ShownRows(session), false},
             betweenScans ? SegmentBefore(stream.head, session.Position()) : allBytes};
 }
 

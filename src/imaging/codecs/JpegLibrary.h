@@ -1,5 +1,5 @@
 // What reading and writing share of libjpeg: errors that come back to us, and silence on the terminal.
-// Included by the two .cpp files that call the library, and by nothing else.
+// Included by the .cpp files that call the library, and by nothing else.
 #pragma once
 
 #include "imaging/ImagingError.h"

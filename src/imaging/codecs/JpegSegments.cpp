@@ -2,6 +2,7 @@
 #include "imaging/codecs/JpegSegments.h"
 
 #include "imaging/codecs/Exif.h"
+#include "imaging/codecs/Xmp.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,6 +12,7 @@ namespace pictorel::codecs {
 namespace {
 
 constexpr std::string_view kExifSignature("Exif\0\0", 6);
+constexpr std::string_view kXmpSignature("http://ns.adobe.com/xap/1.0/\0", 29);
 constexpr std::string_view kIccSignature("ICC_PROFILE\0", 12);
 constexpr std::string_view kJfifSignature("JFIF\0", 5);
 constexpr std::size_t kIccCounters = 2; // number of the chunk, from 1, and number of chunks
@@ -78,6 +80,15 @@ void Append(ByteBuffer& bytes, std::string_view text) {
     bytes.insert(bytes.end(), text.begin(), text.end());
 }
 
+// A block that is in one segment or, being too long, in none.
+void AppendBlock(std::vector<JpegMarker>& markers, std::string_view signature, ByteView block) {
+    if (!block.empty() && block.size() <= jpeg::kMaximumPayload - signature.size()) {
+        ByteBuffer& payload = markers.emplace_back(JpegMarker{jpeg::kApp1, {}}).payload;
+        Append(payload, signature);
+        payload.insert(payload.end(), block.begin(), block.end());
+    }
+}
+
 } // namespace
 
 std::vector<JpegSegment> JpegSegments(ByteView file) {
@@ -131,19 +142,18 @@ Metadata JpegMetadata(const std::vector<JpegSegment>& segments) {
     const bool known = fromExif.dotsPerInchX > 0 && fromExif.dotsPerInchY > 0;
     Metadata details;
     details.exif.assign(exif.begin(), exif.end());
+    details.xmp = WithoutPictureClaims(FindPayload(segments, jpeg::kApp1, kXmpSignature));
     details.icc = AssembledProfile(segments);
     details.dotsPerInchX = known ? fromExif.dotsPerInchX : jfif.dotsPerInchX;
     details.dotsPerInchY = known ? fromExif.dotsPerInchY : jfif.dotsPerInchY;
     return details;
 }
 
-std::vector<JpegMarker> MetadataMarkers(const Metadata& details) {
+std::vector<JpegMarker> MetadataMarkers(const PixelArray& picture) {
+    const Metadata& details = picture.Details();
     std::vector<JpegMarker> markers;
-    if (!details.exif.empty() && details.exif.size() <= jpeg::kMaximumPayload - kExifSignature.size()) {
-        JpegMarker& exif = markers.emplace_back(JpegMarker{jpeg::kApp1, {}});
-        Append(exif.payload, kExifSignature);
-        exif.payload.insert(exif.payload.end(), details.exif.begin(), details.exif.end());
-    }
+    AppendBlock(markers, kExifSignature, WithPictureSize(details.exif, picture.Width(), picture.Height()));
+    AppendBlock(markers, kXmpSignature, details.xmp);
     constexpr std::size_t kChunk = jpeg::kMaximumPayload - kIccSignature.size() - kIccCounters;
     const std::size_t chunks = (details.icc.size() + kChunk - 1) / kChunk;
     if (chunks > 255) {

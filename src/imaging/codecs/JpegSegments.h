@@ -15,6 +15,7 @@ inline constexpr int kRestart0 = 0xD0; // to 0xD7
 inline constexpr int kStartOfImage = 0xD8;
 inline constexpr int kEndOfImage = 0xD9;
 inline constexpr int kStartOfScan = 0xDA;
+inline constexpr int kQuantisation = 0xDB;
 inline constexpr int kRestartInterval = 0xDD;
 inline constexpr int kBaseline = 0xC0;           // start of frame, Huffman, 8 bits
 inline constexpr int kExtendedSequential = 0xC1; // start of frame, Huffman
@@ -52,11 +53,12 @@ struct JpegMarker {
 // What follows this signature in the segment's payload; empty where it is of another kind.
 ByteView PayloadAfter(const JpegSegment& segment, int marker, std::string_view signature) noexcept;
 
-// What EXIF (with the orientation as stored), ICC and JFIF segments say. A profile with missing, doubled or
-// contradictory chunks is left out.
+// What EXIF (with the orientation as stored), XMP, ICC and JFIF segments say. A profile with missing, doubled
+// or contradictory chunks is left out.
 Metadata JpegMetadata(const std::vector<JpegSegment>& segments);
 
-// Segments that hold the EXIF block (where it fits into one) and the profile.
-std::vector<JpegMarker> MetadataMarkers(const Metadata& details);
+// Segments that hold the EXIF block and the XMP packet (where they fit into one each) and the profile of a
+// picture.
+std::vector<JpegMarker> MetadataMarkers(const PixelArray& picture);
 
 } // namespace pictorel::codecs

@@ -1,7 +1,7 @@
 // Packs and unpacks the private block of working files, see JpegWorkingBlock.h. All numbers are
 // little-endian:
 //   32-bit width, height; 64-bit floating reduction, dots per inch across, down;
-//   32-bit length and bytes of the EXIF block, then of the ICC profile;
+//   32-bit length and bytes of the EXIF block, then of the ICC profile, then of the XMP packet;
 //   32-bit rows per alpha band, 0 where alpha means nothing; then per band 32-bit length and a zlib stream.
 #include "imaging/codecs/JpegWorkingBlock.h"
 
@@ -162,6 +162,7 @@ std::vector<JpegMarker> WorkingMarkers(const PixelArray& picture) {
     writer.Real(details.dotsPerInchY);
     writer.Bytes(details.exif);
     writer.Bytes(details.icc);
+    writer.Bytes(details.xmp);
     writer.Number32(picture.HasAlpha() ? kBandRows : 0);
     if (picture.HasAlpha()) {
         WriteAlpha(picture, writer);
@@ -229,6 +230,8 @@ void ApplyWorkingBlock(const ByteBuffer& block, PixelArray& picture) {
     details.exif.assign(exif.begin(), exif.end());
     const ByteView icc = reader.Bytes();
     details.icc.assign(icc.begin(), icc.end());
+    const ByteView xmp = reader.Bytes();
+    details.xmp.assign(xmp.begin(), xmp.end());
     picture.SetDetails(std::move(details));
     const std::size_t bandRows = reader.Number32();
     if (bandRows != 0 && bandRows != kBandRows) {

@@ -8,6 +8,8 @@
 #include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/Png.h"
+#include "imaging/codecs/PngChunks.h"
+#include "imaging/codecs/Xmp.h"
 
 #include <png.h>
 
@@ -20,7 +22,6 @@
 namespace pictorel::codecs {
 namespace {
 
-constexpr std::string_view kSignature = "\x89PNG\r\n\x1A\n";
 constexpr std::int64_t kDeflateRatio = 1032;          // the most that a byte of deflated data can become
 constexpr int kBatchRows = 256;                       // converted together, on all cores
 constexpr png_alloc_size_t kLargestChunk = 64U << 20; // of profiles and the like, unpacked
@@ -37,20 +38,9 @@ void CheckHeader(ByteView file) {
                      kDeflateRatio * 8 * 2 / bits + 1);
 }
 
-// Whether the file ends inside a chunk. libpng takes a whole buffer of pixels or none: of such a file it is
-// to take byte by byte, to the very end.
-bool IsCutShort(ByteView file) {
-    constexpr std::size_t kAroundData = 12; // length, name and checksum
-    std::size_t at = kSignature.size();
-    while (at + kAroundData <= file.size()) {
-        at += kAroundData + BigEndian32(file, at);
-    }
-    return at > file.size();
-}
-
 class PngDecoder {
   public:
-    explicit PngDecoder(ByteView file) : rest_(file), isCut_(IsCutShort(file)) {
+    explicit PngDecoder(ByteView file) : file_(file), parts_(PngParts(file)), isCut_(IsPngCutShort(file)) {
         png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, JumpBack, IgnoreWarning);
         info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
         if (info_ == nullptr) {
@@ -90,12 +80,20 @@ class PngDecoder {
     static void IgnoreWarning(png_structp /*png*/, png_const_charp /*text*/) {}
 
     static void Supply(png_structp png, png_bytep out, std::size_t bytes) {
-        auto& rest = static_cast<PngDecoder*>(png_get_io_ptr(png))->rest_;
-        if (bytes > rest.size()) {
-            png_error(png, "the file ends here");
+        auto& parts = static_cast<PngDecoder*>(png_get_io_ptr(png))->parts_;
+        auto& next = static_cast<PngDecoder*>(png_get_io_ptr(png))->nextPart_;
+        while (bytes > 0) {
+            if (next == parts.size()) {
+                png_error(png, "the file ends here");
+            }
+            ByteView& part = parts[next];
+            const std::size_t taken = std::min(bytes, part.size());
+            std::memcpy(out, part.data(), taken);
+            part = part.subspan(taken);
+            out += taken;
+            bytes -= taken;
+            next += part.empty() ? 1 : 0;
         }
-        std::memcpy(out, rest.data(), bytes);
-        rest = rest.subspan(bytes);
     }
 
     // Runs calls into libpng; false where it gave up. Giving up jumps over `body`, which must own nothing.
@@ -116,12 +114,12 @@ class PngDecoder {
             png_set_chunk_malloc_max(png_, kLargestChunk);
             png_set_compression_buffer_size(png_, isCut_ ? 1 : kReadBytes);
             png_set_benign_errors(png_, 1);
+            png_set_option(png_, PNG_IGNORE_ADLER32, PNG_OPTION_ON); // the pixels are there by then
             png_set_option(png_, PNG_MAXIMUM_INFLATE_WINDOW,
                            PNG_OPTION_ON); // a wrong window size costs nothing
-            // Text may unpack to anything, and nothing of it is kept.
-            static constexpr png_byte kSkipped[] = "tEXt\0zTXt\0iTXt\0sPLT";
-            png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, kSkipped, 4);
             png_read_info(png_, info_);
+            // Pixels are taken whatever their checksum: where they are damaged in earnest, inflating ends.
+            png_set_crc_action(png_, PNG_CRC_QUIET_USE, PNG_CRC_WARN_DISCARD);
         });
     }
 
@@ -265,11 +263,14 @@ class PngDecoder {
             Guarded([this] { png_read_end(png_, info_); });
         }
         Metadata details = picture.Details();
+        details.xmp = WithoutPictureClaims(FindPngChunk(file_, "iTXt", kPngXmpKeyword));
         png_uint_32 exifBytes = 0;
         png_bytep exifData = nullptr;
         int orientation = 1;
-        if (png_get_eXIf_1(png_, info_, &exifBytes, &exifData) != 0) {
-            const ByteView exif(exifData, exifBytes);
+        const bool hasChunk = png_get_eXIf_1(png_, info_, &exifBytes, &exifData) != 0;
+        const ByteBuffer exif =
+            hasChunk ? ByteBuffer(exifData, exifData + exifBytes) : FindPngExifText(file_);
+        if (!exif.empty()) {
             orientation = ExifOrientation(exif);
             details.exif = WithUprightOrientation(exif);
             const Resolution resolution = ExifResolution(exif);
@@ -289,7 +290,11 @@ class PngDecoder {
 
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
-    ByteView rest_; // of the file
+    ByteView file_;
+    std::vector<ByteView> parts_; // that libpng gets; what it has read is taken off
+    std::size_t nextPart_ = 0;
+    // libpng takes a whole buffer of pixels or none: of a file cut short it is to take byte by byte, to the
+    // end.
     bool isCut_;
     ByteBuffer icc_;        // the file's own profile
     ByteBuffer calibrated_; // made from its gamma and primaries
@@ -305,7 +310,7 @@ class PngDecoder {
 } // namespace
 
 bool IsPng(ByteView file) noexcept {
-    return StartsWith(file, kSignature);
+    return StartsWith(file, kPngSignature);
 }
 
 PixelArray ReadPng(ByteView file, const ReadOptions& /*options*/) {

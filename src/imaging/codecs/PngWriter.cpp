@@ -3,6 +3,7 @@
 #include "imaging/ImagingError.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/Deflate.h"
+#include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/Png.h"
 #include "imaging/codecs/PngFilters.h"
@@ -59,8 +60,7 @@ Band MakeBand(const PixelArray& picture, bool withAlpha, int firstRow, int endRo
     Band band;
     band.bytes = filtered.size();
     band.checksum = adler32_z(1, filtered.data(), filtered.size());
-    band.deflated =
-        Deflate(filtered, endRow == picture.Height() ? DeflatePart::LastPiece : DeflatePart::Piece);
+    band.deflated = Deflate(filtered, endRow == picture.Height());
     return band;
 }
 
@@ -88,6 +88,16 @@ std::vector<Band> MakeBands(const PixelArray& picture, bool withAlpha) {
     return bands;
 }
 
+// The content of the chunk that holds an XMP packet (XMP specification, part 3); empty where there is none.
+ByteBuffer XmpText(const ByteBuffer& xmp) {
+    ByteBuffer text;
+    if (!xmp.empty()) {
+        text.assign(kPngXmpKeyword.begin(), kPngXmpKeyword.end());
+        text.insert(text.end(), xmp.begin(), xmp.end());
+    }
+    return text;
+}
+
 class PngEncoder {
   public:
     PngEncoder() {
@@ -101,13 +111,16 @@ class PngEncoder {
     ByteBuffer Write(const PixelArray& picture) {
         const bool withAlpha = NeedsAlpha(picture);
         const std::vector<Band> bands = MakeBands(picture, withAlpha);
-        std::size_t total = picture.Details().exif.size() + picture.Details().icc.size() + 1024;
+        std::size_t total = picture.Details().exif.size() + picture.Details().icc.size() +
+                            picture.Details().xmp.size() + 1024;
         for (const Band& band : bands) {
             total += band.deflated.size() + 12;
         }
         out_.reserve(total);
-        const Metadata& details = picture.Details();
-        if (info_ == nullptr || !WriteChunks(picture, details, withAlpha, bands)) {
+        Metadata details = picture.Details();
+        details.exif = WithPictureSize(details.exif, picture.Width(), picture.Height());
+        const ByteBuffer xmp = XmpText(details.xmp);
+        if (info_ == nullptr || !WriteChunks(picture, details, xmp, withAlpha, bands)) {
             throw ImagingError(ImagingFailure::OutOfMemory,
                                "There is not enough memory to save this picture.");
         }
@@ -134,8 +147,8 @@ class PngEncoder {
     }
 
     // False where libpng gave up; nothing here owns anything, since it jumps.
-    bool WriteChunks(const PixelArray& picture, const Metadata& details, bool withAlpha,
-                     const std::vector<Band>& bands) {
+    bool WriteChunks(const PixelArray& picture, const Metadata& details, const ByteBuffer& xmp,
+                     bool withAlpha, const std::vector<Band>& bands) {
         if (setjmp(png_jmpbuf(png_)) != 0) {
             return false;
         }
@@ -147,6 +160,9 @@ class PngEncoder {
                      PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
         SetDetails(details);
         png_write_info(png_, info_);
+        if (!xmp.empty()) {
+            png_write_chunk(png_, reinterpret_cast<png_const_bytep>("iTXt"), xmp.data(), xmp.size());
+        }
         for (const Band& band : bands) {
             png_write_chunk(png_, reinterpret_cast<png_const_bytep>("IDAT"), band.deflated.data(),
                             band.deflated.size());

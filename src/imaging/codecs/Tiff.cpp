@@ -1,6 +1,7 @@
 // Reads and writes TIFF files, see Tiff.h.
 #include "imaging/codecs/Tiff.h"
 
+#include "imaging/ImagingError.h"
 #include "imaging/Limits.h"
 #include "imaging/codecs/ColourProfile.h"
 #include "imaging/codecs/Exif.h"
@@ -9,7 +10,9 @@
 #include "imaging/codecs/TiffEncoder.h"
 #include "imaging/codecs/TiffLayout.h"
 #include "imaging/codecs/TiffMetadata.h"
+#include "imaging/codecs/TiffRepair.h"
 #include "imaging/codecs/TiffStructure.h"
+#include "imaging/codecs/Xmp.h"
 
 #include <tiffio.h>
 
@@ -113,6 +116,45 @@ ByteBuffer ReadProfile(const TiffFile& tiff) {
     return {bytes, bytes + size};
 }
 
+// Upright, with its resolution and profile.
+PixelArray ReadPage(const TiffStructure& structure, const Page& page, ByteView file) {
+    CheckDirectory(structure, page.directory, file);
+    TiffFile tiff(file, page.offset);
+    const TiffLayout layout = ReadTiffLayout(tiff, page.directory, file);
+    Metadata details;
+    ReadResolution(tiff, details);
+    const ByteBuffer icc = ReadProfile(tiff);
+    details.icc = ProfileAfterConversion(icc);
+    PixelArray picture = DecodeTiff(std::move(tiff), page.offset, layout, file, icc);
+    picture.SetDetails(std::move(details));
+    return ApplyOrientation(std::move(picture), layout.orientation);
+}
+
+PixelArray ReadOrRepair(const TiffStructure& structure, const Page& page, ByteView file) {
+    try {
+        return ReadPage(structure, page, file);
+    } catch (const ImagingError& error) {
+        if (error.Kind() != ImagingFailure::UnsupportedFormat) {
+            throw;
+        }
+        const std::optional<RepairedTiff> repaired = RepairTiff(structure, page.directory, file);
+        if (!repaired) {
+            throw;
+        }
+        const TiffStructure mended(repaired->file);
+        std::optional<TiffDirectory> directory = mended.Directory(repaired->directoryOffset);
+        try {
+            return ReadPage(mended, {repaired->directoryOffset, std::move(directory.value())},
+                            repaired->file);
+        } catch (const ImagingError& again) {
+            if (again.Kind() != ImagingFailure::UnsupportedFormat) {
+                throw;
+            }
+        }
+        throw; // what was wrong with the file itself says more
+    }
+}
+
 } // namespace
 
 bool IsTiff(ByteView file) noexcept {
@@ -125,17 +167,14 @@ PixelArray ReadTiff(ByteView file, const ReadOptions& /*options*/) {
     }
     const TiffStructure structure(file);
     const Page page = FindPage(structure);
-    CheckDirectory(structure, page.directory, file);
-    TiffFile tiff(file, page.offset);
-    const TiffLayout layout = ReadTiffLayout(tiff, page.directory, file);
-    Metadata details;
-    ReadResolution(tiff, details);
-    const ByteBuffer icc = ReadProfile(tiff);
-    details.icc = ProfileAfterConversion(icc);
+    PixelArray picture = ReadOrRepair(structure, page, file);
+    Metadata details = picture.Details();
     details.exif = ExifOfPage(structure, page.directory);
-    PixelArray picture = DecodeTiff(std::move(tiff), page.offset, layout, file, icc);
+    if (const TiffEntry* const xmp = page.directory.Find(tifftags::kXmp)) {
+        details.xmp = WithoutPictureClaims(xmp->value);
+    }
     picture.SetDetails(std::move(details));
-    return ApplyOrientation(std::move(picture), layout.orientation);
+    return picture;
 }
 
 ByteBuffer WriteTiff(const PixelArray& picture, const WriteOptions& /*options*/) {

@@ -5,7 +5,10 @@
 #include "imaging/ForEachBand.h"
 #include "imaging/ImagingError.h"
 #include "imaging/Limits.h"
+#include "imaging/codecs/ByteReader.h"
+#include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
+#include "imaging/codecs/RunDeflate.h"
 #include "imaging/codecs/TiffMetadata.h"
 #include "imaging/codecs/TiffStructure.h"
 
@@ -47,54 +50,62 @@ void PredictRow(const std::uint8_t* bgra, std::uint8_t* out, int pixels) noexcep
     }
 }
 
-// A Deflate stream that is set up once and used again and again.
-class Deflater {
+// A zlib stream that is set up once and used again and again. It looks for repeated strings.
+class StringDeflater {
   public:
-    Deflater(int level, int strategy) {
-        constexpr int kWindowBits = 15;
-        constexpr int kMemoryLevel = 8;
-        if (deflateInit2(&stream_, level, Z_DEFLATED, kWindowBits, kMemoryLevel, strategy) != Z_OK) {
+    StringDeflater() {
+        constexpr int kLevel = 4; // beyond it, time rises and little is won
+        if (deflateInit(&stream_, kLevel) != Z_OK) {
             throw ImagingError(ImagingFailure::OutOfMemory, "There is not enough memory to compress.");
         }
     }
-    ~Deflater() { deflateEnd(&stream_); }
-    Deflater(const Deflater&) = delete;
-    Deflater& operator=(const Deflater&) = delete;
+    ~StringDeflater() { deflateEnd(&stream_); }
+    StringDeflater(const StringDeflater&) = delete;
+    StringDeflater& operator=(const StringDeflater&) = delete;
 
-    ByteView Compress(ByteView bytes) {
+    ByteBuffer Compress(ByteView bytes) {
         deflateReset(&stream_);
-        room_.resize(deflateBound(&stream_, bytes.size()));
+        ByteBuffer packed(deflateBound(&stream_, bytes.size()));
         stream_.next_in = const_cast<Bytef*>(bytes.data()); // only read
         stream_.avail_in = static_cast<uInt>(bytes.size());
-        stream_.next_out = room_.data();
-        stream_.avail_out = static_cast<uInt>(room_.size());
+        stream_.next_out = packed.data();
+        stream_.avail_out = static_cast<uInt>(packed.size());
         deflate(&stream_, Z_FINISH); // always ends: there is room for the worst case
-        return ByteView(room_).first(stream_.total_out);
+        packed.resize(stream_.total_out);
+        packed.shrink_to_fit();
+        return packed;
     }
 
   private:
     z_stream stream_{};
-    ByteBuffer room_;
 };
+
+// The same without looking for strings.
+ByteBuffer CompressRuns(ByteView bytes) {
+    ByteBuffer packed{0x78, 0x01}; // zlib's header: 32 KiB window, fastest
+    const ByteBuffer deflated = DeflateRuns(bytes, true);
+    packed.insert(packed.end(), deflated.begin(), deflated.end());
+    AppendBigEndian32(packed, static_cast<std::uint32_t>(adler32_z(1, bytes.data(), bytes.size())));
+    return packed;
+}
 
 // Looking for repeated strings costs a photograph most of the time and makes it no smaller, since its noise
 // never repeats, while drawings and screens live from it. A piece of each strip tells which it is.
 class StripCompressor {
   public:
-    ByteView Compress(ByteView samples) {
+    ByteBuffer Compress(ByteView samples) {
         constexpr std::size_t kPiece = 8192;
         const std::size_t piece = std::min(kPiece, samples.size());
         const ByteView middle = samples.subspan((samples.size() - piece) / 2, piece);
-        const std::size_t packedAsRuns = runs_.Compress(middle).size();
+        const std::size_t packedAsRuns = CompressRuns(middle).size();
         const std::size_t packedAsStrings = strings_.Compress(middle).size();
         constexpr std::size_t kFlat = kPiece / 16; // so even that either way is fast
         const bool repeats = packedAsRuns < kFlat || packedAsStrings < packedAsRuns - packedAsRuns / 10;
-        return (repeats ? strings_ : runs_).Compress(samples);
+        return repeats ? strings_.Compress(samples) : CompressRuns(samples);
     }
 
   private:
-    Deflater runs_{1, Z_RLE};
-    Deflater strings_{4, Z_DEFAULT_STRATEGY}; // beyond level 4, time rises and little is won
+    StringDeflater strings_;
 };
 
 std::vector<ByteBuffer> CompressStrips(const PixelArray& picture, std::size_t channels, int rowsPerStrip) {
@@ -114,8 +125,7 @@ std::vector<ByteBuffer> CompressStrips(const PixelArray& picture, std::size_t ch
                 const auto predict = channels == 4 ? PredictRow<4> : PredictRow<3>;
                 predict(picture.Row(firstRow + y), out, picture.Width());
             }
-            const ByteView packed = compressor.Compress(samples);
-            strips[static_cast<std::size_t>(strip)].assign(packed.begin(), packed.end());
+            strips[static_cast<std::size_t>(strip)] = compressor.Compress(samples);
         }
     });
     return strips;
@@ -187,13 +197,17 @@ void AddDetails(PageDirectory& page, const Metadata& details) {
               .count = kSoftware.size(),
               .value = ByteView(reinterpret_cast<const std::uint8_t*>(kSoftware.data()), kSoftware.size()),
               .valueBytes = kSoftware.size()});
-    if (!details.icc.empty()) {
-        page.Raw({.tag = tifftags::kIccProfile,
-                  .type = tifftags::kTypeUndefined,
-                  .count = details.icc.size(),
-                  .value = details.icc,
-                  .valueBytes = details.icc.size()});
-    }
+    const auto addBlock = [&page](std::uint16_t tag, std::uint16_t type, const ByteBuffer& block) {
+        if (!block.empty()) {
+            page.Raw({.tag = tag,
+                      .type = type,
+                      .count = block.size(),
+                      .value = block,
+                      .valueBytes = block.size()});
+        }
+    };
+    addBlock(tifftags::kXmp, tifftags::kTypeByte, details.xmp);
+    addBlock(tifftags::kIccProfile, tifftags::kTypeUndefined, details.icc);
 }
 
 // The first directory of an EXIF block that can stand at the head of the file.
@@ -260,11 +274,12 @@ ByteBuffer EncodeTiff(const PixelArray& picture) {
     const int rowsPerStrip = std::clamp(static_cast<int>(kStripBytes / rowBytes), 1, picture.Height());
     std::vector<ByteBuffer> strips = CompressStrips(picture, channels, rowsPerStrip);
 
-    const std::optional<TiffDirectory> exif = ExifDirectory(details.exif);
-    ByteBuffer out = exif ? details.exif : ByteBuffer{'I', 'I', 42, 0, 0, 0, 0, 0};
+    const ByteBuffer exifBlock = WithPictureSize(details.exif, picture.Width(), picture.Height());
+    const std::optional<TiffDirectory> exif = ExifDirectory(exifBlock);
+    ByteBuffer out = exif ? exifBlock : ByteBuffer{'I', 'I', 42, 0, 0, 0, 0, 0};
     constexpr std::size_t kDirectoryRoom = 4096;
-    const StripTable table =
-        AppendStrips(out, strips, details.exif.size() + details.icc.size() + kDirectoryRoom);
+    const StripTable table = AppendStrips(
+        out, strips, exifBlock.size() + details.icc.size() + details.xmp.size() + kDirectoryRoom);
 
     const bool littleEndian = out[0] == 'I';
     PageDirectory page(littleEndian);

@@ -38,6 +38,7 @@ inline constexpr std::uint16_t kArtist = 315;
 inline constexpr std::uint16_t kHostComputer = 316;
 inline constexpr std::uint16_t kPredictor = 317;
 inline constexpr std::uint16_t kExtraSamples = 338;
+inline constexpr std::uint16_t kXmp = 700;
 inline constexpr std::uint16_t kRating = 18246;
 inline constexpr std::uint16_t kCopyright = 33432;
 inline constexpr std::uint16_t kExifDirectory = 34665;
@@ -45,6 +46,7 @@ inline constexpr std::uint16_t kIccProfile = 34675;
 inline constexpr std::uint16_t kGpsDirectory = 34853;
 inline constexpr std::uint16_t kInteroperabilityDirectory = 40965;
 
+inline constexpr std::uint16_t kTypeByte = 1;
 inline constexpr std::uint16_t kTypeAscii = 2;
 inline constexpr std::uint16_t kTypeShort = 3;
 inline constexpr std::uint16_t kTypeLong = 4;
