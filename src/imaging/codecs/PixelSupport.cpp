@@ -155,6 +155,19 @@ void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) no
     }
 }
 
+void FlattenRow(const PixelArray& picture, int y, std::uint8_t* bgr) noexcept {
+    const std::uint8_t* pixel = picture.Row(y);
+    if (picture.HasAlpha()) {
+        LayRowOverWhite(pixel, bgr, picture.Width());
+        return;
+    }
+    for (int x = 0; x < picture.Width(); ++x, pixel += PixelArray::kComponents, bgr += 3) {
+        bgr[0] = pixel[0];
+        bgr[1] = pixel[1];
+        bgr[2] = pixel[2];
+    }
+}
+
 double InchesFromMetre(double pixelsPerMetre) noexcept {
     if (!(pixelsPerMetre > 0)) {
         return 0;
