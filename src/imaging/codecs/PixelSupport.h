@@ -56,9 +56,6 @@ void ColourIndices(const std::uint8_t* packed, int bits, const Palette256& palet
                    int pixels) noexcept;
 void CopyOpaque(const std::uint8_t* bgr, std::uint8_t* bgra, int pixels) noexcept;
 
-// One row laid over white: `pixels` B, G, R, A pixels become B, G, R triples.
-void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) noexcept;
-
 // A row of the picture as B, G, R triples, laid over white where the picture has transparency.
 void FlattenRow(const PixelArray& picture, int y, std::uint8_t* bgr) noexcept;
 
