@@ -224,8 +224,7 @@ ByteBuffer WriteBmp(const PixelArray& picture, const WriteOptions& /*options*/) 
     ForEachBand(picture.Height(), rowBytes + picture.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
             const int fileRow = picture.Height() - 1 - y;
-            LayRowOverWhite(picture.Row(y), rows + static_cast<std::size_t>(fileRow) * rowBytes,
-                            picture.Width());
+            FlattenRow(picture, y, rows + static_cast<std::size_t>(fileRow) * rowBytes);
         }
     });
     return out;

@@ -40,17 +40,28 @@ std::uint8_t* PackPlane(const std::uint8_t* plane, int planeBytes, std::uint8_t*
     return out;
 }
 
-std::uint8_t* PackPcxRow(const std::uint8_t* bgra, int width, int planeBytes, std::uint8_t* out) {
+// The row in planes of red, green and blue.
+void SplitRow(const PixelArray& picture, int y, std::uint8_t* planes, std::size_t planeBytes) {
+    std::vector<std::uint8_t> flat;
+    const std::uint8_t* pixel = picture.Row(y);
+    std::ptrdiff_t step = PixelArray::kComponents;
+    if (picture.HasAlpha()) {
+        flat.resize(static_cast<std::size_t>(picture.Width()) * 3);
+        FlattenRow(picture, y, flat.data());
+        pixel = flat.data();
+        step = 3;
+    }
+    for (int x = 0; x < picture.Width(); ++x, pixel += step) {
+        planes[x] = pixel[2];
+        planes[planeBytes + static_cast<std::size_t>(x)] = pixel[1];
+        planes[2 * planeBytes + static_cast<std::size_t>(x)] = pixel[0];
+    }
+}
+
+std::uint8_t* PackPcxRow(const PixelArray& picture, int y, int planeBytes, std::uint8_t* out) {
     const auto bytes = static_cast<std::size_t>(planeBytes);
     std::vector<std::uint8_t> planes(kPlanes * bytes); // a last odd byte stays 0
-    std::vector<std::uint8_t> bgr(static_cast<std::size_t>(width) * 3);
-    LayRowOverWhite(bgra, bgr.data(), width);
-    const std::uint8_t* pixel = bgr.data();
-    for (std::size_t x = 0; x < static_cast<std::size_t>(width); ++x, pixel += 3) {
-        planes[x] = pixel[2];
-        planes[bytes + x] = pixel[1];
-        planes[2 * bytes + x] = pixel[0];
-    }
+    SplitRow(picture, y, planes.data(), bytes);
     for (std::size_t plane = 0; plane < kPlanes; ++plane) {
         out = PackPlane(planes.data() + plane * bytes, planeBytes, out);
     }
@@ -82,9 +93,7 @@ ByteBuffer WritePcx(const PixelArray& picture, const WriteOptions& /*options*/) 
     ByteBuffer file;
     AppendHeader(file, picture, planeBytes);
     AppendRows(file, picture.Height(), std::size_t{2} * kPlanes * static_cast<std::size_t>(planeBytes),
-               [&](int row, std::uint8_t* out) {
-                   return PackPcxRow(picture.Row(row), picture.Width(), planeBytes, out);
-               });
+               [&](int row, std::uint8_t* out) { return PackPcxRow(picture, row, planeBytes, out); });
     return file;
 }
 

@@ -21,6 +21,15 @@ constexpr std::uint8_t OverWhite(int component, int alpha) noexcept {
     return static_cast<std::uint8_t>((component * alpha + 255 * (255 - alpha) + 127) / 255);
 }
 
+void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) noexcept {
+    for (int x = 0; x < pixels; ++x, bgra += 4, bgr += 3) {
+        const int alpha = bgra[3];
+        bgr[0] = OverWhite(bgra[0], alpha);
+        bgr[1] = OverWhite(bgra[1], alpha);
+        bgr[2] = OverWhite(bgra[2], alpha);
+    }
+}
+
 } // namespace
 
 void Refuse(const char* text) {
@@ -146,12 +155,16 @@ void CopyOpaque(const std::uint8_t* bgr, std::uint8_t* bgra, int pixels) noexcep
     }
 }
 
-void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) noexcept {
-    for (int x = 0; x < pixels; ++x, bgra += 4, bgr += 3) {
-        const int alpha = bgra[3];
-        bgr[0] = OverWhite(bgra[0], alpha);
-        bgr[1] = OverWhite(bgra[1], alpha);
-        bgr[2] = OverWhite(bgra[2], alpha);
+void FlattenRow(const PixelArray& picture, int y, std::uint8_t* bgr) noexcept {
+    const std::uint8_t* pixel = picture.Row(y);
+    if (picture.HasAlpha()) {
+        LayRowOverWhite(pixel, bgr, picture.Width());
+        return;
+    }
+    for (int x = 0; x < picture.Width(); ++x, pixel += PixelArray::kComponents, bgr += 3) {
+        bgr[0] = pixel[0];
+        bgr[1] = pixel[1];
+        bgr[2] = pixel[2];
     }
 }
 

@@ -56,8 +56,8 @@ void ColourIndices(const std::uint8_t* packed, int bits, const Palette256& palet
                    int pixels) noexcept;
 void CopyOpaque(const std::uint8_t* bgr, std::uint8_t* bgra, int pixels) noexcept;
 
-// One row laid over white: `pixels` B, G, R, A pixels become B, G, R triples.
-void LayRowOverWhite(const std::uint8_t* bgra, std::uint8_t* bgr, int pixels) noexcept;
+// A row of the picture as B, G, R triples, laid over white where the picture has transparency.
+void FlattenRow(const PixelArray& picture, int y, std::uint8_t* bgr) noexcept;
 
 // Pixels per inch of a count of pixels per metre, and back. A metre count holds an inch count only to within
 // 0.013, so one that near a whole number becomes it: 72 dpi stays 72 through a file.

@@ -244,7 +244,7 @@ ByteBuffer WriteRas(const PixelArray& picture, const WriteOptions& /*options*/) 
     std::uint8_t* const rows = file.data() + kHeaderBytes;
     ForEachBand(picture.Height(), rowBytes + picture.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            LayRowOverWhite(picture.Row(y), rows + static_cast<std::size_t>(y) * rowBytes, picture.Width());
+            FlattenRow(picture, y, rows + static_cast<std::size_t>(y) * rowBytes);
         }
     });
     return file;
