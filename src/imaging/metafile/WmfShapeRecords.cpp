@@ -1,0 +1,6 @@
+#include "imaging/metafile/WmfRecords.h"
+namespace pictorel::metafile {
+std::span<const WmfRow> WmfShapeRows() noexcept {
+    return {};
+}
+} // namespace pictorel::metafile
