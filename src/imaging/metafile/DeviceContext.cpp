@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kMostSaved = 1024;
 
-QPointF Bounded(QPointF point) {
+QPointF BoundedPoint(QPointF point) {
     const auto within = [](double value) {
         return std::isnan(value) ? 0.0 : std::clamp(value, -kFarthest, kFarthest);
     };
@@ -18,6 +18,15 @@ QPointF Bounded(QPointF point) {
 }
 
 } // namespace
+
+QPainterPath Bounded(const QPainterPath& onCanvas) {
+    QPainterPath bounded = onCanvas;
+    for (int i = 0; i < bounded.elementCount(); ++i) {
+        const QPointF point = BoundedPoint(bounded.elementAt(i));
+        bounded.setElementPositionAt(i, point.x(), point.y());
+    }
+    return bounded;
+}
 
 DeviceContext::DeviceContext(Surface& surface, const Placement& placement, const Mapping& mapping)
     : surface_(surface), placement_(placement), state_(mapping) {}
@@ -61,12 +70,11 @@ QTransform DeviceContext::ToCanvas() const {
 }
 
 QPainterPath DeviceContext::OnCanvas(const QPainterPath& path) const {
-    QPainterPath mapped = ToCanvas().map(path);
-    for (int i = 0; i < mapped.elementCount(); ++i) {
-        const QPointF point = Bounded(mapped.elementAt(i));
-        mapped.setElementPositionAt(i, point.x(), point.y());
-    }
-    return mapped;
+    return Bounded(ToCanvas().map(path));
+}
+
+QPainterPath DeviceContext::DeviceOnCanvas(const QPainterPath& path) const {
+    return Bounded(placement_.toCanvas.map(path));
 }
 
 double DeviceContext::UnitLength() const {
@@ -134,7 +142,7 @@ void DeviceContext::DrawShapes(const QPainterPath& inside, const QPainterPath& o
 void DeviceContext::MoveTo(QPointF point) {
     state_.position = point;
     if (pathIsOpen_) {
-        path_.moveTo(Bounded(ToCanvas().map(point)));
+        path_.moveTo(BoundedPoint(ToCanvas().map(point)));
     }
 }
 
@@ -163,7 +171,7 @@ void DeviceContext::DrawOnwards(const QPainterPath& path) {
 void DeviceContext::BeginPath() {
     path_ = QPainterPath();
     pathIsOpen_ = true;
-    path_.moveTo(Bounded(ToCanvas().map(state_.position)));
+    path_.moveTo(BoundedPoint(ToCanvas().map(state_.position)));
 }
 
 void DeviceContext::AbortPath() {

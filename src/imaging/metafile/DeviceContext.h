@@ -18,6 +18,9 @@ struct Placement {
 // Canvas coordinates end here: far beyond any canvas, and near enough for the painter's whole numbers.
 inline constexpr double kFarthest = 1 << 17;
 
+// The path with its coordinates brought within kFarthest; those that are no numbers become 0.
+QPainterPath Bounded(const QPainterPath& onCanvas);
+
 // Where an operation closes and fills what it draws.
 enum class Parts { Outline = 1, Inside = 2, Both = 3 };
 
@@ -40,6 +43,7 @@ class DeviceContext {
     QTransform ToCanvas() const;
     QTransform DeviceToCanvas() const { return placement_.toCanvas; }
     QPainterPath OnCanvas(const QPainterPath& path) const;
+    QPainterPath DeviceOnCanvas(const QPainterPath& path) const; // from device units
 
     // Half a unit: integers name the middle of pixels for lines and their corners for areas. At most half a
     // pixel of the picture, in canvas pixels.
@@ -69,6 +73,7 @@ class DeviceContext {
 
     void Fill(const QPainterPath& onCanvas, const Brush& brush);
     void FillWith(const QPainterPath& onCanvas, const QBrush& brush, int operation);
+    void DrawOutlines(const QPainterPath& onCanvas, const QColor& colour); // or adds them to the open path
     void Stroke(const QPainterPath& onCanvas, const Pen& pen);
     void Put(const Stamp& stamp);
     void PutImage(QPoint at, const QImage& image);
@@ -79,7 +84,8 @@ class DeviceContext {
     // How clip regions combine: the operations' numbers in files.
     enum class Combine { And = 1, Or = 2, Xor = 3, Difference = 4, Copy = 5 };
     void Clip(const QRegion& onCanvas, Combine combine);
-    void ClearClip();
+    void ClearClip() { SetClip(std::nullopt); }
+    void SetClip(const std::optional<QRegion>& region);
     void OffsetClip(QPointF offset);
     void MoveClipToMeta(); // the clip so far holds for good, and a new one begins
     void Clip(const QPainterPath& onCanvas, Combine combine);

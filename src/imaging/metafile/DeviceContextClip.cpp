@@ -37,8 +37,8 @@ void DeviceContext::Clip(const QRegion& onCanvas, Combine combine) {
     clipChanged_ = true;
 }
 
-void DeviceContext::ClearClip() {
-    state_.clip.reset();
+void DeviceContext::SetClip(const std::optional<QRegion>& region) {
+    state_.clip = region;
     clipChanged_ = true;
 }
 

@@ -129,6 +129,14 @@ void DeviceContext::Fill(const QPainterPath& onCanvas, const Brush& brush) {
     FillWith(onCanvas, PaintBrush(brush), isSheer ? kCopyPen : state_.operation);
 }
 
+void DeviceContext::DrawOutlines(const QPainterPath& onCanvas, const QColor& colour) {
+    if (pathIsOpen_) {
+        path_.addPath(onCanvas);
+    } else {
+        FillWith(onCanvas, colour, kCopyPen);
+    }
+}
+
 // Where the background is opaque, the gaps of a thin dashed line have its colour.
 void DeviceContext::StrokeBackground(const QPainterPath& onCanvas, const Pen& pen, const QPen& painted) {
     if (state_.opaqueBackground && !pen.isGeometric && painted.style() != Qt::SolidLine) {
