@@ -73,6 +73,10 @@ QPainterPath DeviceContext::OnCanvas(const QPainterPath& path) const {
     return Bounded(ToCanvas().map(path));
 }
 
+QPointF DeviceContext::OnCanvas(QPointF point) const {
+    return BoundedPoint(ToCanvas().map(point));
+}
+
 QPainterPath DeviceContext::DeviceOnCanvas(const QPainterPath& path) const {
     return Bounded(placement_.toCanvas.map(path));
 }
@@ -142,36 +146,32 @@ void DeviceContext::DrawShapes(const QPainterPath& inside, const QPainterPath& o
 void DeviceContext::MoveTo(QPointF point) {
     state_.position = point;
     if (pathIsOpen_) {
-        path_.moveTo(BoundedPoint(ToCanvas().map(point)));
+        path_.moveTo(OnCanvas(point));
     }
 }
 
 void DeviceContext::LineTo(QPointF point) {
     QPainterPath line;
-    line.lineTo(point); // the start is put right below
+    line.moveTo(state_.position);
+    line.lineTo(point);
     DrawOnwards(line);
 }
 
 void DeviceContext::DrawOnwards(const QPainterPath& path) {
-    if (path.elementCount() == 0) {
-        return;
-    }
-    QPainterPath whole = path;
-    whole.setElementPositionAt(0, state_.position.x(), state_.position.y());
-    state_.position = whole.currentPosition();
     if (!pathIsOpen_) {
-        Draw(whole, Parts::Outline);
-        return;
+        Draw(path, Parts::Outline);
+    } else if (path.elementCount() > 0) {
+        const QPainterPath onCanvas = OnCanvas(path);
+        const bool goesOn = path_.elementCount() > 0 && path_.currentPosition() == onCanvas.elementAt(0);
+        goesOn ? path_.connectPath(onCanvas) : path_.addPath(onCanvas);
     }
-    const QPainterPath onCanvas = OnCanvas(whole);
-    const bool goesOn = path_.elementCount() > 0 && path_.currentPosition() == onCanvas.elementAt(0);
-    goesOn ? path_.connectPath(onCanvas) : path_.addPath(onCanvas);
+    state_.position = path.currentPosition();
 }
 
 void DeviceContext::BeginPath() {
     path_ = QPainterPath();
     pathIsOpen_ = true;
-    path_.moveTo(BoundedPoint(ToCanvas().map(state_.position)));
+    path_.moveTo(OnCanvas(state_.position));
 }
 
 void DeviceContext::AbortPath() {

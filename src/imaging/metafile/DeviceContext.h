@@ -43,6 +43,7 @@ class DeviceContext {
     QTransform ToCanvas() const;
     QTransform DeviceToCanvas() const { return placement_.toCanvas; }
     QPainterPath OnCanvas(const QPainterPath& path) const;
+    QPointF OnCanvas(QPointF point) const;
     QPainterPath DeviceOnCanvas(const QPainterPath& path) const; // from device units
 
     // Half a unit: integers name the middle of pixels for lines and their corners for areas. At most half a
@@ -58,7 +59,7 @@ class DeviceContext {
     }
     void LineTo(QPointF point);
     void MoveTo(QPointF point);
-    // Goes on from the position, which the end of `path` becomes.
+    // Goes on from the position, where `path` starts; its end becomes the position.
     void DrawOnwards(const QPainterPath& path);
     void SetPixel(QPointF point, QRgb colour);
 

@@ -46,10 +46,7 @@ void DeviceContext::OffsetClip(QPointF offset) {
     if (!state_.clip) {
         return;
     }
-    QPainterPath shift;
-    shift.lineTo(offset);
-    const QPainterPath onCanvas = OnCanvas(shift);
-    state_.clip->translate((QPointF(onCanvas.elementAt(1)) - QPointF(onCanvas.elementAt(0))).toPoint());
+    state_.clip->translate((OnCanvas(offset) - OnCanvas(QPointF())).toPoint());
     *state_.clip &= surface_.Bounds();
     clipChanged_ = true;
 }

@@ -166,14 +166,12 @@ void DeviceContext::PutImage(QPoint at, const QImage& image) {
     surface_.PutImage(at, image);
 }
 
-// One pixel of the picture.
+// The pixel of the picture in which the middle of the unit lies.
 void DeviceContext::SetPixel(QPointF point, QRgb colour) {
     const double side = placement_.pixel;
-    QPainterPath dot;
-    dot.addRect(point.x(), point.y(), 0, 0);
-    const QPointF corner = OnCanvas(dot).elementAt(0);
+    const QPointF middle = OnCanvas(point) + HalfUnit();
     QPainterPath square;
-    square.addRect(std::floor(corner.x() / side) * side, std::floor(corner.y() / side) * side, side, side);
+    square.addRect(std::floor(middle.x() / side) * side, std::floor(middle.y() / side) * side, side, side);
     FillWith(square, QColor::fromRgb(colour), kCopyPen);
 }
 

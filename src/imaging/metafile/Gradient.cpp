@@ -31,11 +31,9 @@ void FillGradient(DeviceContext& context, const GradientVertex& from, const Grad
                   bool downwards) {
     QPainterPath rectangle;
     rectangle.addRect(QRectF(from.point, to.point).normalized());
-    QPainterPath axis; // mapped like the rectangle
-    axis.moveTo(from.point);
-    axis.lineTo(downwards ? QPointF(from.point.x(), to.point.y()) : QPointF(to.point.x(), from.point.y()));
-    const QPainterPath mapped = context.OnCanvas(axis);
-    QLinearGradient gradient(mapped.elementAt(0), mapped.elementAt(1));
+    const QPointF end =
+        downwards ? QPointF(from.point.x(), to.point.y()) : QPointF(to.point.x(), from.point.y());
+    QLinearGradient gradient(context.OnCanvas(from.point), context.OnCanvas(end));
     gradient.setColorAt(0, QColor::fromRgb(from.colour));
     gradient.setColorAt(1, QColor::fromRgb(to.colour));
     context.FillWith(context.OnCanvas(rectangle), gradient, kCopyPen);
@@ -49,7 +47,8 @@ void FillTriangle(DeviceContext& context, const std::array<GradientVertex, 3>& c
         context.FillWith(mapped, Qt::black, kCopyPen);
         return;
     }
-    const std::array<QPointF, 3> at{mapped.elementAt(0), mapped.elementAt(1), mapped.elementAt(2)};
+    const std::array at{context.OnCanvas(corners[0].point), context.OnCanvas(corners[1].point),
+                        context.OnCanvas(corners[2].point)};
     const double whole = Cross(at[0], at[1], at[2]);
     const QRect box = mapped.boundingRect().toAlignedRect() & context.Canvas().Bounds();
     context.Canvas().Spend(box.width() * 16.0 * box.height());

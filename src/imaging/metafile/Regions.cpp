@@ -11,10 +11,7 @@ constexpr int kInvertPaper = 6; // of the operations on two operands
 
 // How far the width of a frame reaches on the canvas: at least one pixel of the picture.
 int FrameReach(const DeviceContext& context, QPointF width) {
-    QPainterPath step;
-    step.lineTo(width);
-    const QPainterPath onCanvas = context.OnCanvas(step);
-    const QPointF reach = QPointF(onCanvas.elementAt(1)) - QPointF(onCanvas.elementAt(0));
+    const QPointF reach = context.OnCanvas(width) - context.OnCanvas(QPointF());
     return static_cast<int>(std::round(std::max(std::hypot(reach.x(), reach.y()), context.Place().pixel)));
 }
 
