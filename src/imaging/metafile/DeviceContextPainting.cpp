@@ -88,6 +88,8 @@ QPen DeviceContext::PaintPen(const Pen& pen) const {
         }
         painted.setDashPattern(QList<qreal>(dashes.begin(), dashes.end()));
         painted.setCapStyle(Qt::FlatCap);
+        painted.setDashOffset(isThin ? 0.5
+                                     : 0); // lines start in the middle of a pixel, dashes with a whole one
     }
     return painted;
 }

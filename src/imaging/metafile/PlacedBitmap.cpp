@@ -114,7 +114,8 @@ void PlacedBitmap::DrawTurned(QPainter& painter, const QImage& image, QPointF sh
     const QRectF pixels = part_.translated(-shift) & QRectF(image.rect());
     const double scaleX = std::hypot(toCanvas_.m11(), toCanvas_.m12());
     const double scaleY = std::hypot(toCanvas_.m21(), toCanvas_.m22());
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const bool isQuarterTurn = toCanvas_.m11() == 0 && toCanvas_.m22() == 0;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth_ || !isQuarterTurn);
     if (scaleX < 1 || scaleY < 1) {
         const QRect whole = pixels.toAlignedRect() & image.rect();
         painter.drawImage(QRectF(whole),

@@ -36,6 +36,7 @@ void Survey::Put(const Stamp& stamp) {
         drawsMore_ = true;
         return;
     }
+    drawsMore_ |= stamp.blendsAlpha || stamp.opacity < 1 || stamp.transparent.has_value();
     const QSize size = stamp.bitmap->Size();
     copies_.push_back({area, std::hypot(stamp.toCanvas.m11(), stamp.toCanvas.m12()),
                        std::hypot(stamp.toCanvas.m21(), stamp.toCanvas.m22()), stamp.bitmap->DotsPerInchX(),
