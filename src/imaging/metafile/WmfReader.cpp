@@ -123,9 +123,9 @@ struct Frame {
 
 Frame PlaceableFrame(ByteView file) {
     const Fields header(file);
-    const QRectF box = QRectF(header.Point16(6), header.Point16(10)).normalized();
+    const QRectF box(header.Point16(6), header.Point16(10)); // turned round where its axes are
     const double unitsPerInch = header.Word(14) == 0 ? 1440 : header.Word(14);
-    return {box, box.size() / unitsPerInch};
+    return {box, box.normalized().size() / unitsPerInch};
 }
 
 // The device is the sheet that the drawing fills: its units are those of the viewport where the file sets
@@ -149,13 +149,9 @@ void SetSheet(Drawing& drawing, ByteView file, const Content& content) {
     }
     drawing.sheet = QRectF(corner, viewport);
     drawing.mapping.SetWindowOrigin(content.windowOrigin.value_or(frame.box.topLeft()));
-    drawing.mapping.SetWindowExtent({window.width(), window.height()});
+    drawing.mapping.SetWindowExtent(extent);
     drawing.mapping.SetViewportOrigin(corner);
     drawing.mapping.SetViewportExtent({viewport.width(), viewport.height()});
-    if (content.windowExtent && !content.viewportExtent) { // a flipped window starts from its far edge
-        drawing.sheet.translate(extent.x() < 0 ? -viewport.width() : 0,
-                                extent.y() < 0 ? -viewport.height() : 0);
-    }
 }
 
 } // namespace
