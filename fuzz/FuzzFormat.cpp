@@ -2,6 +2,9 @@
 // to be the same picture.
 #include "imaging/ImagingError.h"
 #include "imaging/codecs/Codec.h"
+#ifdef PICTOREL_WITH_METAFILES
+#include "imaging/metafile/Metafile.h"
+#endif
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +18,15 @@ using pictorel::codecs::ByteView;
 using pictorel::codecs::Codec;
 
 constexpr int kWrittenBack = 1 << 16; // pixels: larger pictures would only make it slow
+
+const pictorel::codecs::CodecTable& Formats() {
+#ifdef PICTOREL_WITH_METAFILES
+    static const pictorel::codecs::CodecTable table(pictorel::metafile::MetafileCodecs());
+#else
+    static const pictorel::codecs::CodecTable table;
+#endif
+    return table;
+}
 
 bool IsLossless(const Codec& codec) {
     return codec.extension != "JPG" && codec.extension != "GIF";
@@ -54,9 +66,9 @@ void CompareWrittenBack(const Codec& codec, const PixelArray& picture) {
 // 0 always; `file` is read by every codec that takes it for its own, or by the one that the build names.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const ByteView file(data, size);
-    for (const Codec& codec : pictorel::codecs::Codecs()) {
+    for (const Codec& codec : Formats().Rows()) {
 #ifdef PICTOREL_FUZZ_FORMAT
-        if (&codec != pictorel::codecs::FindCodecByExtension(PICTOREL_FUZZ_FORMAT)) {
+        if (&codec != Formats().FindByExtension(PICTOREL_FUZZ_FORMAT)) {
             continue;
         }
 #endif

@@ -1,5 +1,8 @@
 // Writes a few small pictures in every format that the editor writes: make_seeds FOLDER fills FOLDER/FORMAT/.
 #include "imaging/codecs/Codec.h"
+#ifdef PICTOREL_WITH_METAFILES
+#include "imaging/metafile/Metafile.h"
+#endif
 
 #include <algorithm>
 #include <cctype>
@@ -56,7 +59,12 @@ int main(int count, char** arguments) {
         std::fputs("usage: make_seeds FOLDER\n", stderr);
         return 2;
     }
-    for (const auto& codec : pictorel::codecs::Codecs()) {
+#ifdef PICTOREL_WITH_METAFILES
+    const pictorel::codecs::CodecTable formats(pictorel::metafile::MetafileCodecs());
+#else
+    const pictorel::codecs::CodecTable formats;
+#endif
+    for (const auto& codec : formats.Rows()) {
         if (codec.write == nullptr) {
             continue;
         }

@@ -10,6 +10,9 @@
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+#ifdef PICTOREL_WITH_METAFILES
+extern "C" int LLVMFuzzerInitialize(int* count, char*** words);
+#endif
 
 namespace {
 
@@ -38,6 +41,9 @@ int Replay(const std::filesystem::path& folder) {
 
 int main(int count, char** arguments) {
     int files = 0;
+#ifdef PICTOREL_WITH_METAFILES
+    LLVMFuzzerInitialize(&count, &arguments);
+#endif
     for (int i = 1; i < count; ++i) {
         files += Replay(arguments[i]);
     }

@@ -11,6 +11,7 @@
 #include "controls/WebBrowser.h"
 #include "imaging/desktop/PicturePrinter.h"
 #include "imaging/desktop/ScannerProcess.h"
+#include "imaging/metafile/Metafile.h"
 #include "imaging/objects/FileConverter.h"
 #include "imaging/objects/PictureFileCodec.h"
 #include "imaging/objects/WorkingPicture.h"
@@ -119,7 +120,8 @@ void frmMain::MakeImagingObjects() {
         return !folder.empty() && fileName.starts_with(folder);
     };
     document_.ImageUtility = std::make_unique<PictureMeasure>();
-    document_.ImageCodec = std::make_unique<PictureFileCodec>(isWorkingFile, memory);
+    const codecs::CodecTable formats(metafile::MetafileCodecs());
+    document_.ImageCodec = std::make_unique<PictureFileCodec>(isWorkingFile, memory, formats);
     auto pyramids = std::make_shared<SharedPyramids>();
     view.SharePyramids(pyramids);
     imageConvert_ = std::make_unique<FileConverter>(*document_.ImageCodec, memory, pyramids);

@@ -27,6 +27,18 @@ TEST(Open, ShowsThePictureAndStartsAHistory) {
     EXPECT_FALSE(QFileInfo::exists(editor.WorkingFile("tmp_preview0.jpg")));
 }
 
+TEST(Open, ShowsWhatWasSavedAsAMetafile) {
+    Editor editor;
+    editor.Open(editor.MakeFile("source.bmp", MakeScene(320, 200)));
+    for (const char* const name : {"picture.wmf", "picture.emf"}) {
+        editor.Save(editor.Path(name));
+        editor.Open(editor.Path(name));
+        EXPECT_TRUE(editor.person.Messages().empty()) << name;
+        EXPECT_EQ(editor.Document().OpenDialogFolder, editor.Path(name));
+        EXPECT_EQ(LargestDifference(editor.Shown(), MakeScene(320, 200)), 0) << name;
+    }
+}
+
 TEST(Open, CancelChangesNothing) {
     Editor editor;
     editor.Open(editor.MakeFile("one.bmp", MakeScene(40, 30)));
@@ -83,6 +95,7 @@ TEST(Save, WritesTheFormatOfTheExtension) {
     for (const SaveCase& c :
          {SaveCase{"plain.png", "plain.png", 0}, SaveCase{"Mixed.Png", "Mixed.Png", 0},
           SaveCase{"loud.BMP", "loud.BMP", 0}, SaveCase{"layers.tif", "layers.tif", 0},
+          SaveCase{"drawing.wmf", "drawing.wmf", 0}, SaveCase{"Drawing.Emf", "Drawing.Emf", 0},
           SaveCase{"photo.jpg", "photo.jpg", 6}, SaveCase{"no extension", "no extension.jpg", 6}}) {
         editor.Document().ImageModified(0) = true;
         editor.Save(editor.Path(c.typed));

@@ -32,25 +32,43 @@ bool SameLetters(std::string_view a, std::string_view b) noexcept {
                       [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
 }
 
+const Codec* FirstThatKnows(std::span<const Codec> codecs, ByteView file) noexcept {
+    const auto found =
+        std::find_if(codecs.begin(), codecs.end(), [&](const Codec& c) { return c.sniff(file); });
+    return found == codecs.end() ? nullptr : &*found;
+}
+
+const Codec* WriterOf(std::span<const Codec> codecs, std::string_view extension) noexcept {
+    const auto found = std::find_if(codecs.begin(), codecs.end(), [&](const Codec& c) {
+        return c.write != nullptr && SameLetters(c.extension, extension);
+    });
+    return found == codecs.end() ? nullptr : &*found;
+}
+
 } // namespace
 
 std::span<const Codec> Codecs() noexcept {
     return kCodecs;
 }
 
+CodecTable::CodecTable(std::span<const Codec> askedFirst) : rows_(askedFirst.begin(), askedFirst.end()) {
+    rows_.insert(rows_.end(), kCodecs.begin(), kCodecs.end());
+}
+
+const Codec* CodecTable::FindByContent(ByteView file) const noexcept {
+    return FirstThatKnows(rows_, file);
+}
+
+const Codec* CodecTable::FindByExtension(std::string_view extension) const noexcept {
+    return WriterOf(rows_, extension);
+}
+
 const Codec* FindCodecByContent(ByteView file) noexcept {
-    const auto codecs = Codecs();
-    const auto found =
-        std::find_if(codecs.begin(), codecs.end(), [&](const Codec& c) { return c.sniff(file); });
-    return found == codecs.end() ? nullptr : &*found;
+    return FirstThatKnows(kCodecs, file);
 }
 
 const Codec* FindCodecByExtension(std::string_view extension) noexcept {
-    const auto codecs = Codecs();
-    const auto found = std::find_if(codecs.begin(), codecs.end(), [&](const Codec& c) {
-        return c.write != nullptr && SameLetters(c.extension, extension);
-    });
-    return found == codecs.end() ? nullptr : &*found;
+    return WriterOf(kCodecs, extension);
 }
 
 } // namespace pictorel::codecs

@@ -45,13 +45,29 @@ struct Codec {
     ByteBuffer (*write)(const PixelArray& picture, const WriteOptions& options);
 };
 
-// All formats, those with a sure signature first.
+// The formats of this folder, those with a sure signature first.
 std::span<const Codec> Codecs() noexcept;
 
-// The codec whose sniff accepts the file, or null.
-const Codec* FindCodecByContent(ByteView file) noexcept;
+// The formats that a program knows: a value, since some are read and written beyond this folder.
+class CodecTable {
+  public:
+    CodecTable() : CodecTable(std::span<const Codec>()) {}  // those of Codecs()
+    explicit CodecTable(std::span<const Codec> askedFirst); // and before them others, of sure signatures
 
-// The codec that writes files with this extension (without the dot, any letter case), or null.
+    std::span<const Codec> Rows() const noexcept { return rows_; }
+
+    // The codec whose sniff accepts the file, or null.
+    const Codec* FindByContent(ByteView file) const noexcept;
+
+    // The codec that writes files with this extension (without the dot, any letter case), or null.
+    const Codec* FindByExtension(std::string_view extension) const noexcept;
+
+  private:
+    std::vector<Codec> rows_;
+};
+
+// The same among Codecs() alone.
+const Codec* FindCodecByContent(ByteView file) noexcept;
 const Codec* FindCodecByExtension(std::string_view extension) noexcept;
 
 } // namespace pictorel::codecs

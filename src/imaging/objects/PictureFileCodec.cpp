@@ -3,7 +3,6 @@
 
 #include "imaging/BufferPool.h"
 #include "imaging/ImagingError.h"
-#include "imaging/codecs/Codec.h"
 #include "imaging/codecs/JpegCodec.h"
 #include "imaging/objects/AtomicFile.h"
 #include "imaging/objects/FinerCopies.h"
@@ -13,13 +12,14 @@
 
 namespace pictorel {
 
-PictureFileCodec::PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory)
-    : isWorkingFile_(std::move(isWorkingFile)), memory_(std::move(memory)) {}
+PictureFileCodec::PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
+                                   codecs::CodecTable formats)
+    : isWorkingFile_(std::move(isWorkingFile)), memory_(std::move(memory)), formats_(std::move(formats)) {}
 
 bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
     picture = PixelArray();
     const auto bytes = ReadWholeFile(fileName);
-    const codecs::Codec* const codec = bytes ? codecs::FindCodecByContent(*bytes) : nullptr;
+    const codecs::Codec* const codec = bytes ? formats_.FindByContent(*bytes) : nullptr;
     if (codec == nullptr) {
         return false;
     }
@@ -47,7 +47,7 @@ bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
 
 void PictureFileCodec::Write(const PixelArray& picture, const std::string& fileName,
                              std::string_view format) {
-    const codecs::Codec* const codec = codecs::FindCodecByExtension(format);
+    const codecs::Codec* const codec = formats_.FindByExtension(format);
     if (codec == nullptr) {
         throw ImagingError(ImagingFailure::UnsupportedFormat,
                            "This editor cannot write the format " + std::string(format) + " yet.");

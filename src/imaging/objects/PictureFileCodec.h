@@ -2,6 +2,7 @@
 #pragma once
 
 #include "imaging/ImageCodec.h"
+#include "imaging/codecs/Codec.h"
 #include "imaging/objects/WorkingFileMemory.h"
 
 #include <functional>
@@ -16,7 +17,8 @@ using IsWorkingFile = std::function<bool(const std::string& fileName)>;
 
 class PictureFileCodec : public ImageCodec {
   public:
-    PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory);
+    PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
+                     codecs::CodecTable formats = codecs::CodecTable());
 
     bool Read(const std::string& fileName, PixelArray& picture) override;
     void Write(const PixelArray& picture, const std::string& fileName, std::string_view format) override;
@@ -28,6 +30,7 @@ class PictureFileCodec : public ImageCodec {
   private:
     IsWorkingFile isWorkingFile_;
     std::shared_ptr<WorkingFileMemory> memory_;
+    codecs::CodecTable formats_;
     int quality_ = 100;
 };
 
