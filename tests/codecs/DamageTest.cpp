@@ -147,7 +147,7 @@ TEST(Formats, AreKnownByContentAlone) {
         const ByteBuffer file = Write(format.extension, MakePicture(5, 5));
         ASSERT_NE(FindCodecByContent(file), nullptr);
         EXPECT_EQ(FindCodecByContent(file)->extension, format.extension);
-        for (std::size_t length = 0; length < 3; ++length) {
+        for (std::size_t length = 0; length < 4; ++length) {
             EXPECT_EQ(FindCodecByContent(Beginning(file, length)), nullptr);
         }
     }

@@ -72,9 +72,9 @@ void JpegPlanes::MakeRoom(const jpeg_decompress_struct& library) {
         plane.down = component.v_samp_factor;
         plane.width = static_cast<int>(component.downsampled_width);
         plane.height = static_cast<int>(component.downsampled_height);
-        plane.stride = std::size_t{mcusAcross} * static_cast<std::size_t>(plane.across * DCTSIZE);
-        plane.samples.resize(plane.stride * library.total_iMCU_rows *
-                             static_cast<std::size_t>(plane.down * DCTSIZE));
+        plane.stride = std::size_t{mcusAcross} * static_cast<std::size_t>(plane.across) * DCTSIZE;
+        plane.samples.resize(plane.stride * library.total_iMCU_rows * static_cast<std::size_t>(plane.down) *
+                             DCTSIZE);
     }
 }
 
@@ -88,7 +88,7 @@ void JpegPlanes::Read(jpeg_decompress_struct& library) {
         const std::size_t mcuRow = library.output_scanline / mcuRows;
         for (std::size_t i = 0; i < count_; ++i) {
             Plane& plane = planes_[i];
-            const auto count = static_cast<std::size_t>(plane.down * DCTSIZE);
+            const auto count = static_cast<std::size_t>(plane.down) * DCTSIZE;
             for (std::size_t y = 0; y < count; ++y) {
                 rows[i][y] = plane.samples.data() + (mcuRow * count + y) * plane.stride;
             }

@@ -79,50 +79,40 @@ class BitWriter {
     int count_ = 0;
 };
 
-// Lengths of Huffman codes for symbols that occur so often; 0 for those that do not occur.
-template <std::size_t kSymbols>
-std::array<std::uint8_t, kSymbols> CodeLengths(const std::array<std::uint32_t, kSymbols>& counts,
-                                               int longest) {
-    std::array<std::uint16_t, kSymbols> order{};
-    std::size_t used = 0;
-    for (std::size_t i = 0; i < kSymbols; ++i) {
-        if (counts[i] != 0) {
-            order[used++] = static_cast<std::uint16_t>(i);
-        }
-    }
-    std::array<std::uint8_t, kSymbols> lengths{};
-    if (used <= 1) { // one bit, since a code takes at least one
-        lengths[order[0]] = 1;
-        return lengths;
-    }
-    const auto rarest = std::span(order).first(used);
-    std::sort(rarest.begin(), rarest.end(),
-              [&](auto a, auto b) { return counts[a] != counts[b] ? counts[a] < counts[b] : a < b; });
+// How many codes there are of each length.
+using LengthCounts = std::array<std::uint32_t, kLongestCode + 1>;
+
+// For symbols that occur so often, the rarest first, by Huffman's method; codes longer than the longest are
+// counted with it.
+LengthCounts HuffmanLengths(std::span<const std::uint32_t> counts, int longest) {
     // Leaves in their order are one queue, and the nodes made of them, which grow, are the other.
-    std::array<std::uint64_t, 2 * kSymbols> weight{};
-    std::array<std::uint16_t, 2 * kSymbols> parent{};
-    for (std::size_t i = 0; i < used; ++i) {
-        weight[i] = counts[order[i]];
-    }
+    const std::size_t leaves = counts.size();
+    std::array<std::uint64_t, 2 * kLiterals> weight{};
+    std::array<std::uint16_t, 2 * kLiterals> parent{};
+    std::copy(counts.begin(), counts.end(), weight.begin());
     std::size_t leaf = 0;
-    std::size_t node = used;
-    for (std::size_t made = used; made < 2 * used - 1; ++made) {
+    std::size_t node = leaves;
+    for (std::size_t made = leaves; made < 2 * leaves - 1; ++made) {
         for (int child = 0; child < 2; ++child) {
-            const bool takeLeaf = leaf < used && (node == made || weight[leaf] <= weight[node]);
+            const bool takeLeaf = leaf < leaves && (node == made || weight[leaf] <= weight[node]);
             const std::size_t taken = takeLeaf ? leaf++ : node++;
             weight[made] += weight[taken];
             parent[taken] = static_cast<std::uint16_t>(made);
         }
     }
-    std::array<int, 2 * kSymbols> depth{};
-    std::array<std::uint32_t, kSymbols + 1> ofLength{};
-    for (std::size_t i = 2 * used - 2; i-- > 0;) {
+    std::array<int, 2 * kLiterals> depth{};
+    LengthCounts ofLength{};
+    for (std::size_t i = 2 * leaves - 2; i-- > 0;) {
         depth[i] = depth[parent[i]] + 1;
-        if (i < used) {
+        if (i < leaves) {
             ++ofLength[static_cast<std::size_t>(std::min(depth[i], longest))];
         }
     }
-    // Codes cut to the longest take too much room: a shorter one is split for each, until all fit.
+    return ofLength;
+}
+
+// Codes cut to the longest take too much room: a shorter one is split for each, until all fit.
+void MakeRoom(LengthCounts& ofLength, int longest) {
     std::uint32_t room = 0;
     for (int length = 1; length <= longest; ++length) {
         room += ofLength[static_cast<std::size_t>(length)] << (longest - length);
@@ -136,6 +126,32 @@ std::array<std::uint8_t, kSymbols> CodeLengths(const std::array<std::uint32_t, k
         ofLength[length + 1] += 2;
         --ofLength[static_cast<std::size_t>(longest)];
     }
+}
+
+// Lengths of codes for symbols that occur so often; 0 for those that do not occur.
+template <std::size_t kSymbols>
+std::array<std::uint8_t, kSymbols> CodeLengths(const std::array<std::uint32_t, kSymbols>& counts,
+                                               int longest) {
+    static_assert(kSymbols <= kLiterals);
+    std::array<std::uint16_t, kSymbols> order{};
+    std::size_t used = 0;
+    for (std::size_t i = 0; i < kSymbols; ++i) {
+        if (counts[i] != 0) {
+            order[used++] = static_cast<std::uint16_t>(i);
+        }
+    }
+    std::array<std::uint8_t, kSymbols> lengths{};
+    if (used <= 1) { // one bit, since a code takes at least one
+        lengths[order[0]] = 1;
+        return lengths;
+    }
+    std::sort(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(used),
+              [&](auto a, auto b) { return counts[a] != counts[b] ? counts[a] < counts[b] : a < b; });
+    std::array<std::uint32_t, kSymbols> sorted{};
+    std::transform(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(used), sorted.begin(),
+                   [&](std::uint16_t symbol) { return counts[symbol]; });
+    LengthCounts ofLength = HuffmanLengths(std::span(sorted).first(used), longest);
+    MakeRoom(ofLength, longest);
     std::size_t next = 0;
     for (int length = longest; length >= 1; --length) {
         for (std::uint32_t i = 0; i < ofLength[static_cast<std::size_t>(length)]; ++i) {
