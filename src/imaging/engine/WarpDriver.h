@@ -4,6 +4,7 @@
 #include "imaging/ForEachBand.h"
 #include "imaging/PixelArray.h"
 #include "imaging/engine/Rounding.h"
+#include "imaging/engine/SampleMean.h"
 #include "imaging/engine/WarpSampler.h"
 
 #include <algorithm>
@@ -22,11 +23,20 @@ struct WarpPoint {
     double y;
 };
 
+// How far the map moves in the source from one result pixel to the next.
+struct LocalScale {
+    WarpPoint perColumn;
+    WarpPoint perRow;
+};
+
 // A map is a value with
-//   WarpPoint Source(WarpPoint)   where a point of the result comes from,
-//   ColumnSpan Moved(int row)     the columns of that row that are not just copied,
-//   kOutside                      what is seen where the source is outside the picture,
-//   kIsAffine                     whether every pixel is moved by the same linear map,
+//   WarpPoint Source(WarpPoint)      where a point of the result comes from,
+//   LocalScale Scale(WarpPoint)      how the source changes there, but for a turn,
+//   ColumnSpan Moved(int row)        the columns of that row that are not just copied,
+//   kOutside                         what is seen where the source is outside the picture,
+//   kIsAffine                        whether every pixel is moved by the same linear map,
+//   kIsEven                          whether the points of a row come from evenly spaced ones,
+//   kIsMonotonic                     whether coordinates only grow or only shrink along a row,
 // and, if that is faster, LocateRun(WarpPoint first, SampleRun&), which fills in run.count points.
 
 namespace warp {
@@ -41,24 +51,9 @@ constexpr int kTileHeight = 16;       // rows taken together, so that the source
 // Points this far outside are as far outside as any: all samples of a pixel cannot reach back from there.
 constexpr double kFarOutside = kMostSteps + 2;
 
-// How far the map moves in the source from one result pixel to the next.
-struct LocalScale {
-    WarpPoint perColumn;
-    WarpPoint perRow;
-};
-
 // std::hypot guards against overflow, which costs more than the rest of a map.
 inline double Length(double x, double y) {
     return std::sqrt(x * x + y * y);
-}
-
-template <class Map>
-LocalScale ScaleAt(const Map& map, WarpPoint at) {
-    const WarpPoint left = map.Source({at.x - 0.5, at.y});
-    const WarpPoint right = map.Source({at.x + 0.5, at.y});
-    const WarpPoint above = map.Source({at.x, at.y - 0.5});
-    const WarpPoint below = map.Source({at.x, at.y + 0.5});
-    return {{right.x - left.x, right.y - left.y}, {below.x - above.x, below.y - above.y}};
 }
 
 // The largest and the smallest factor by which lengths change: the singular values of the scale's matrix.
@@ -114,6 +109,7 @@ inline int GeneratorFor(int count) {
 inline int StepsFor(double stretch) {
     return stretch <= kLargestStep ? 1 : static_cast<int>(std::min(std::ceil(stretch), 1.0 * kMostSteps));
 }
+static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < INT32_MAX); // a sum of samples
 
 // What the pixels from `first` to `last` need, looking at them and at their middle.
 template <class Map>
@@ -123,7 +119,7 @@ SamplePattern PatternFor(const Map& map, WarpPoint first, WarpPoint last) {
     SamplePattern pattern;
     for (std::size_t i = 0; i < scales.size(); ++i) {
         const double offset = (last.x - first.x) * static_cast<double>(i) / 2;
-        const LocalScale& scale = scales[i] = ScaleAt(map, {first.x + offset, first.y});
+        const LocalScale& scale = scales[i] = map.Scale({first.x + offset, first.y});
         const Stretch here = StretchOf(scale);
         stretch = {std::max(stretch.largest, here.largest), std::max(stretch.smallest, here.smallest)};
         const double columnLength = Length(scale.perColumn.x, scale.perColumn.y);
@@ -159,51 +155,70 @@ inline std::int32_t ToSamplePosition(double position, int size) {
            static_cast<std::int32_t>(kBias) * kPhases;
 }
 
-// A map may bring its own way to locate a run of points.
+// Evenly spaced points from the first to the last. Single precision does: it counts from the first one.
+inline void LocateEvenly(double first, double last, int count, std::array<std::int32_t, kRunLength>& to) {
+    const double step = count > 1 ? (last - first) * kPhases / (count - 1) : 0;
+    const double bias = std::ceil(std::abs(step)) * kRunLength; // keeps what is truncated positive
+    const double start = (first - 0.5) * kPhases + 0.5 - bias;
+    const double whole = std::floor(start);
+    const auto base = static_cast<std::int32_t>(whole);
+    const auto offset = static_cast<float>(start - whole + bias);
+    const auto perPoint = static_cast<float>(step);
+    for (int i = 0; i < kRunLength; ++i) {
+        to[i] = base + static_cast<std::int32_t>(offset + perPoint * static_cast<float>(i));
+    }
+}
+
+inline SampleBounds BoundsOf(const SampleRun& run) {
+    SampleBounds bounds{run.x[0], run.x[0], run.y[0], run.y[0]};
+    for (int i = 1; i < run.count; ++i) {
+        bounds = {std::min(bounds.left, run.x[i]), std::max(bounds.right, run.x[i]),
+                  std::min(bounds.top, run.y[i]), std::max(bounds.bottom, run.y[i])};
+    }
+    return bounds;
+}
+
+// Of points of which the first and the last are the outermost.
+inline SampleBounds BoundsOfEnds(const SampleRun& run) {
+    const auto [left, right] = std::minmax(run.x[0], run.x[run.count - 1]);
+    const auto [top, bottom] = std::minmax(run.y[0], run.y[run.count - 1]);
+    return {left, right, top, bottom};
+}
+
+// Whether sample positions around that point fit their numbers.
+inline bool IsNear(WarpPoint point) {
+    constexpr double kNear = 1 << 20; // pixels
+    return std::abs(point.x) < kNear && std::abs(point.y) < kNear;
+}
+
 template <class Map>
-void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count, SampleRun& run) {
-    run.count = count;
+void LocatePoints(const Map& map, const PixelArray& source, WarpPoint first, SampleRun& run) {
     if constexpr (requires { map.LocateRun(first, run); }) {
         map.LocateRun(first, run);
         return;
     }
-    for (int i = 0; i < count; ++i) {
+    if constexpr (Map::kIsEven) {
+        const WarpPoint from = map.Source(first);
+        const WarpPoint to = map.Source({first.x + (run.count - 1), first.y});
+        if (IsNear(from) && IsNear(to)) {
+            LocateEvenly(from.x, to.x, run.count, run.x);
+            LocateEvenly(from.y, to.y, run.count, run.y);
+            return;
+        }
+    }
+    for (int i = 0; i < run.count; ++i) {
         const WarpPoint point = map.Source({first.x + i, first.y});
         run.x[i] = ToSamplePosition(point.x, source.Width());
         run.y[i] = ToSamplePosition(point.y, source.Height());
     }
 }
 
-// The mean of several samples a pixel, on premultiplied colour where there is alpha.
-class SampleMean {
-  public:
-    explicit SampleMean(bool hasAlpha) : hasAlpha_(hasAlpha) {}
-
-    void Add(const std::uint8_t* pixels, int count) {
-        for (int i = 0; i < 4 * count; ++i) {
-            const std::int32_t factor = hasAlpha_ && i % 4 != 3 ? pixels[i | 3] : 1;
-            sums_[i] += pixels[i] * factor;
-        }
-        ++samples_;
-    }
-
-    void Write(int count, std::uint8_t* to) const {
-        const float perSample = 1.0F / static_cast<float>(samples_);
-        for (int i = 0; i < 4 * count; ++i) {
-            float factor = perSample;
-            if (hasAlpha_ && i % 4 != 3) {
-                factor = 1.0F / static_cast<float>(std::max(sums_[i | 3], 1));
-            }
-            to[i] = RoundToByte(static_cast<float>(sums_[i]) * factor);
-        }
-    }
-
-  private:
-    bool hasAlpha_;
-    int samples_ = 0;
-    std::array<std::int32_t, 4 * kRunLength> sums_{};
-};
-static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < INT32_MAX);
+template <class Map>
+void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count, SampleRun& run) {
+    run.count = count;
+    LocatePoints(map, source, first, run);
+    run.bounds = Map::kIsMonotonic ? BoundsOfEnds(run) : BoundsOf(run);
+}
 
 // Makes the result's pixels, a run at a time.
 template <class Map>
@@ -246,12 +261,12 @@ class RunWarper {
     void MakeFromPattern(const SamplePattern& pattern, WarpPoint first, int count, std::uint8_t* to) const {
         SampleRun run;
         SampleMean mean(source_.HasAlpha());
-        std::array<std::uint8_t, 4 * kRunLength> samples;
+        std::array<std::uint8_t, 4 * kRunLength> samples{};
         for (int i = 0; i < pattern.count; ++i) {
             const WarpPoint offset = pattern.Offset(i);
             Locate(map_, source_, {first.x + offset.x, first.y + offset.y}, count, run);
             sampler_.Sample(run, pattern.border, samples.data());
-            mean.Add(samples.data(), count);
+            mean.Add(samples.data());
         }
         mean.Write(count, to);
     }

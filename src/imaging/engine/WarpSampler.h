@@ -20,8 +20,14 @@ struct ColumnSpan {
     int end;
 };
 
+// Smallest and largest coordinates, inclusive.
+struct SampleBounds {
+    std::int32_t left, right, top, bottom;
+};
+
 struct SampleRun {
     int count = 0; // at most kRunLength
+    SampleBounds bounds{};
     std::array<std::int32_t, kRunLength> x{};
     std::array<std::int32_t, kRunLength> y{};
 };
@@ -59,7 +65,7 @@ class WarpSampler {
     // `background` is 0x00BBGGRR. The source must outlive the sampler.
     WarpSampler(const PixelArray& source, Outside outside, std::uint32_t background);
 
-    // Writes run.count pixels.
+    // Writes run.count pixels; the run says its bounds, here and below.
     void Sample(const SampleRun& run, BorderWidth border, std::uint8_t* to) const;
 
     // From the first to the last point inside the picture; where there is none, those that lie nearest.
@@ -70,12 +76,7 @@ class WarpSampler {
     void FillBackground(int count, std::uint8_t* to) const;
 
   private:
-    struct Bounds {
-        std::int32_t left, right, top, bottom; // smallest and largest coordinates, inclusive
-    };
-    static Bounds BoundsOf(const SampleRun& run);
-
-    Bounds InsideOf(BorderWidth border) const;
+    SampleBounds InsideOf(BorderWidth border) const;
     void SampleInside(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                       std::uint8_t* to) const;
     void SampleNearBorder(std::int32_t x, std::int32_t y, BorderWidth border, std::uint8_t* to) const;
