@@ -161,23 +161,10 @@ HWY_INLINE void InterpolateOpaque(const std::uint8_t* pixels, std::ptrdiff_t str
     }
 }
 
-// Runs cross the source's rows, which no prefetcher of a processor foresees.
-HWY_INLINE void PrefetchNeighbours(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
-                                   int i) {
-    if (i < run.count) {
-        const std::uint8_t* const topLeft = TopLeftOf(pixels, stride, run.x[i], run.y[i]);
-        for (int row = 0; row < kCubicTaps; ++row) {
-            hwy::Prefetch(topLeft + row * stride);
-        }
-    }
-}
-
 void SampleOpaqueRun(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                      std::uint8_t* to) {
-    constexpr int kAhead = 16;
     int i = 0;
     for (; i + kBlocks <= run.count; i += kBlocks) {
-        PrefetchNeighbours(pixels, stride, run, i + kAhead);
         InterpolateOpaque<kBlocks>(pixels, stride, run.x.data() + i, run.y.data() + i, to + i * kPixelBytes);
     }
     if (i < run.count) { // the last pixel again, to fill a vector
@@ -263,6 +250,16 @@ HWY_AFTER_NAMESPACE();
 namespace pictorel::engine {
 HWY_EXPORT(SampleOpaqueRun);
 HWY_EXPORT(SampleWithAlphaRun);
+
+void FetchAhead(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run, std::int32_t across,
+                std::int32_t down) {
+    constexpr int kStep = 4; // what lies between is fetched for the next rows of the result
+    for (int i = 0; i < run.count; i += kStep) {
+        const std::ptrdiff_t x = (run.x[i] + across) >> kPhaseBits;
+        const std::ptrdiff_t y = (run.y[i] + down) >> kPhaseBits;
+        hwy::Prefetch(pixels + y * stride + x * PixelArray::kComponents);
+    }
+}
 
 void SampleOpaque(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run, std::uint8_t* to) {
     HWY_DYNAMIC_DISPATCH(SampleOpaqueRun)(pixels, stride, run, to);

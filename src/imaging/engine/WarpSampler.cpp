@@ -74,6 +74,13 @@ void WarpSampler::Sample(const SampleRun& run, BorderWidth border, std::uint8_t*
     const SampleBounds& all = run.bounds;
     if (all.left >= safe.left && all.right <= safe.right && all.top >= safe.top &&
         all.bottom <= safe.bottom) {
+        // The next run of the row, as far from this as this is long.
+        const std::int32_t across = run.x[run.count - 1] - run.x[0];
+        const std::int32_t down = run.y[run.count - 1] - run.y[0];
+        if (all.left + across >= safe.left && all.right + across <= safe.right &&
+            all.top + down >= safe.top && all.bottom + down <= safe.bottom) {
+            FetchAhead(source_.Row(0), source_.Stride(), run, across, down);
+        }
         SampleInside(source_.Row(0), source_.Stride(), run, to);
         return;
     }

@@ -40,6 +40,11 @@ void SampleOpaque(const std::uint8_t* pixels, std::ptrdiff_t stride, const Sampl
 void SampleWithAlpha(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                      std::uint8_t* to);
 
+// Fetches the pixels so far across and down from those points into the cache: runs cross the source's rows,
+// which no prefetcher of a processor foresees.
+void FetchAhead(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run, std::int32_t across,
+                std::int32_t down);
+
 // The same results by plain scalar code: what the above are tested against.
 void SampleOpaqueReference(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                            std::uint8_t* to);
