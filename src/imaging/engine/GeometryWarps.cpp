@@ -196,6 +196,24 @@ struct HorizontalPerspectiveMap : PerspectiveMap {
         return {centre.x + plane.y, centre.y + plane.x};
     }
 
+    // The same for many points that lie before the horizon: both coordinates are quotients of what grows
+    // evenly, from the centre of the top left pixel and in the unit of samples.
+    bool LocateRun(WarpPoint first, SampleRun& run) const {
+        const double along = first.x - centre.x;
+        const double across = first.y - centre.y;
+        const LinearSpacing q{distanceCosine + along * sine, sine};
+        if (q.first <= 0 || q.first + q.perPoint * (kRunLength - 1) <= 0) {
+            return false;
+        }
+        const auto numerator = [&](double origin, double scaled, double perPoint) {
+            return LinearSpacing{(origin * q.first + scaled) * kPhases,
+                                 (origin * q.perPoint + perPoint) * kPhases};
+        };
+        LocateQuotients(numerator(centre.x - 0.5, along * distance, distance),
+                        numerator(centre.y - 0.5, across * distanceCosine, 0), q, run.x.data(), run.y.data());
+        return true;
+    }
+
     LocalScale Scale(WarpPoint p) const {
         const auto [across, along] = PlaneScale(p.y - centre.y, p.x - centre.x);
         return {{along.y, along.x}, {across.y, across.x}};
@@ -238,7 +256,7 @@ struct TwirlMap : CanvasMap {
     }
 
     // The same for many points, in single precision.
-    void LocateRun(WarpPoint first, SampleRun& run) const {
+    bool LocateRun(WarpPoint first, SampleRun& run) const {
         const auto origin = [](double position) {
             return static_cast<std::int32_t>((position - 0.5) * kPhases);
         };
@@ -247,6 +265,7 @@ struct TwirlMap : CanvasMap {
              static_cast<float>(1 / radius), static_cast<float>(radians / (2 * std::numbers::pi)), kPhases,
              origin(centre.x), origin(centre.y)},
             run.count, run.x.data(), run.y.data());
+        return true;
     }
 
     // The chord of the circle.

@@ -4,7 +4,7 @@
 #include "imaging/ForEachBand.h"
 #include "imaging/PixelArray.h"
 #include "imaging/engine/Rounding.h"
-#include "imaging/engine/SampleMean.h"
+#include "imaging/engine/WarpLoops.h"
 #include "imaging/engine/WarpSampler.h"
 
 #include <algorithm>
@@ -37,7 +37,8 @@ struct LocalScale {
 //   kIsAffine                        whether every pixel is moved by the same linear map,
 //   kIsEven                          whether the points of a row come from evenly spaced ones,
 //   kIsMonotonic                     whether coordinates only grow or only shrink along a row,
-// and, if that is faster, LocateRun(WarpPoint first, SampleRun&), which fills in run.count points.
+// and, if that is faster, bool LocateRun(WarpPoint first, SampleRun&), which fills in run.count points if it
+// can.
 
 namespace warp {
 
@@ -52,8 +53,11 @@ constexpr int kTileHeight = 16;       // rows taken together, so that the source
 constexpr double kFarOutside = kMostSteps + 2;
 
 // std::hypot guards against overflow, which costs more than the rest of a map.
+inline double SquareOfLength(double x, double y) {
+    return x * x + y * y;
+}
 inline double Length(double x, double y) {
-    return std::sqrt(x * x + y * y);
+    return std::sqrt(SquareOfLength(x, y));
 }
 
 // The largest and the smallest factor by which lengths change: the singular values of the scale's matrix.
@@ -69,16 +73,16 @@ inline Stretch StretchOf(const LocalScale& scale) {
     return {turning + mirroring, std::abs(turning - mirroring)};
 }
 
-// Part of a pixel's side over which samples are spread, for a side that is so long in the source. It grows
-// with the stretch from nothing to everything, so that sharpness does not jump from where one sample is
-// enough to where it is not; and a side that has no part in the stretch stays sharp.
-inline double SpreadFor(double stretch, double sideLength) {
+// Part of a pixel's side over which samples are spread, for a side whose length in the source has this
+// square. It grows with the stretch from nothing to everything, so that sharpness does not jump from where
+// one sample is enough to where it is not; and a side that has no part in the stretch stays sharp.
+inline double SpreadFor(double stretch, double sideSquare) {
     constexpr double kWholeSpread = 1.75;
     const double needed = (stretch - kLargestStep) / (kWholeSpread - kLargestStep);
     if (needed <= 0) {
         return 0;
     }
-    const double part = 2 * (sideLength * sideLength - 1) / (stretch * stretch - 1);
+    const double part = 2 * (sideSquare - 1) / (stretch * stretch - 1);
     return std::min(needed, 1.0) * std::clamp(part, 0.0, 1.0);
 }
 
@@ -122,27 +126,30 @@ SamplePattern PatternFor(const Map& map, WarpPoint first, WarpPoint last) {
         const LocalScale& scale = scales[i] = map.Scale({first.x + offset, first.y});
         const Stretch here = StretchOf(scale);
         stretch = {std::max(stretch.largest, here.largest), std::max(stretch.smallest, here.smallest)};
-        const double columnLength = Length(scale.perColumn.x, scale.perColumn.y);
-        const double rowLength = Length(scale.perRow.x, scale.perRow.y);
-        pattern.spreadX = std::max(pattern.spreadX, SpreadFor(here.largest, columnLength));
-        pattern.spreadY = std::max(pattern.spreadY, SpreadFor(here.largest, rowLength));
+        const double columnSquare = SquareOfLength(scale.perColumn.x, scale.perColumn.y);
+        const double rowSquare = SquareOfLength(scale.perRow.x, scale.perRow.y);
+        pattern.spreadX = std::max(pattern.spreadX, SpreadFor(here.largest, columnSquare));
+        pattern.spreadY = std::max(pattern.spreadY, SpreadFor(here.largest, rowSquare));
     }
     pattern.count = StepsFor(stretch.largest) * StepsFor(stretch.smallest);
     pattern.generator = GeneratorFor(pattern.count);
     // Part of the pixel's sides that one sample stands for.
     const double shareX = 1 - pattern.spreadX + pattern.spreadX / pattern.count;
     const double shareY = 1 - pattern.spreadY + pattern.spreadY / pattern.count;
-    const auto widest = [](double known, double a, double b) {
-        return std::min(std::max(known, Length(a, b)), 1.0 * kMostSteps);
-    };
     constexpr double kNarrowest = 1e-3;
-    pattern.border = pattern.pixelReach = {kNarrowest, kNarrowest};
-    for (const auto& [column, row] : scales) {
-        pattern.border.x = widest(pattern.border.x, column.x * shareX, row.x * shareY);
-        pattern.border.y = widest(pattern.border.y, column.y * shareX, row.y * shareY);
-        pattern.pixelReach.x = widest(pattern.pixelReach.x, column.x, row.x);
-        pattern.pixelReach.y = widest(pattern.pixelReach.y, column.y, row.y);
-    }
+    const auto widest = [&](const auto& x, const auto& y, double partX, double partY) {
+        double square = kNarrowest * kNarrowest;
+        for (const LocalScale& scale : scales) {
+            square = std::max(square, SquareOfLength(x(scale) * partX, y(scale) * partY));
+        }
+        return std::min(std::sqrt(square), 1.0 * kMostSteps);
+    };
+    const auto columnX = [](const LocalScale& scale) { return scale.perColumn.x; };
+    const auto columnY = [](const LocalScale& scale) { return scale.perColumn.y; };
+    const auto rowX = [](const LocalScale& scale) { return scale.perRow.x; };
+    const auto rowY = [](const LocalScale& scale) { return scale.perRow.y; };
+    pattern.border = {widest(columnX, rowX, shareX, shareY), widest(columnY, rowY, shareX, shareY)};
+    pattern.pixelReach = {widest(columnX, rowX, 1, 1), widest(columnY, rowY, 1, 1)};
     return pattern;
 }
 
@@ -156,17 +163,13 @@ inline std::int32_t ToSamplePosition(double position, int size) {
 }
 
 // Evenly spaced points from the first to the last. Single precision does: it counts from the first one.
-inline void LocateEvenly(double first, double last, int count, std::array<std::int32_t, kRunLength>& to) {
+inline EvenSpacing SpacingOf(double first, double last, int count) {
     const double step = count > 1 ? (last - first) * kPhases / (count - 1) : 0;
     const double bias = std::ceil(std::abs(step)) * kRunLength; // keeps what is truncated positive
     const double start = (first - 0.5) * kPhases + 0.5 - bias;
-    const double whole = std::floor(start);
-    const auto base = static_cast<std::int32_t>(whole);
-    const auto offset = static_cast<float>(start - whole + bias);
-    const auto perPoint = static_cast<float>(step);
-    for (int i = 0; i < kRunLength; ++i) {
-        to[i] = base + static_cast<std::int32_t>(offset + perPoint * static_cast<float>(i));
-    }
+    const double base = std::floor(start);
+    return {static_cast<std::int32_t>(base), static_cast<float>(start - base + bias),
+            static_cast<float>(step)};
 }
 
 inline SampleBounds BoundsOf(const SampleRun& run) {
@@ -194,15 +197,16 @@ inline bool IsNear(WarpPoint point) {
 template <class Map>
 void LocatePoints(const Map& map, const PixelArray& source, WarpPoint first, SampleRun& run) {
     if constexpr (requires { map.LocateRun(first, run); }) {
-        map.LocateRun(first, run);
-        return;
+        if (map.LocateRun(first, run)) {
+            return;
+        }
     }
     if constexpr (Map::kIsEven) {
         const WarpPoint from = map.Source(first);
         const WarpPoint to = map.Source({first.x + (run.count - 1), first.y});
         if (IsNear(from) && IsNear(to)) {
-            LocateEvenly(from.x, to.x, run.count, run.x);
-            LocateEvenly(from.y, to.y, run.count, run.y);
+            LocateEvenly(SpacingOf(from.x, to.x, run.count), run.x.data());
+            LocateEvenly(SpacingOf(from.y, to.y, run.count), run.y.data());
             return;
         }
     }
@@ -260,15 +264,16 @@ class RunWarper {
 
     void MakeFromPattern(const SamplePattern& pattern, WarpPoint first, int count, std::uint8_t* to) const {
         SampleRun run;
-        SampleMean mean(source_.HasAlpha());
-        std::array<std::uint8_t, 4 * kRunLength> samples{};
+        std::array<std::int32_t, kRunNumbers> sums{};
+        std::array<std::uint8_t, kRunNumbers> samples{};
         for (int i = 0; i < pattern.count; ++i) {
             const WarpPoint offset = pattern.Offset(i);
             Locate(map_, source_, {first.x + offset.x, first.y + offset.y}, count, run);
             sampler_.Sample(run, pattern.border, samples.data());
-            mean.Add(samples.data());
+            AddSamples(samples.data(), source_.HasAlpha(), sums.data());
         }
-        mean.Write(count, to);
+        MeanOfSamples(sums.data(), pattern.count, source_.HasAlpha(), samples.data());
+        std::copy_n(samples.data(), count * PixelArray::kComponents, to);
     }
 
     const PixelArray& source_;
