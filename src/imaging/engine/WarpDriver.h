@@ -43,11 +43,11 @@ struct LocalScale {
 namespace warp {
 
 // One sample a pixel is enough while neighbouring ones lie no further apart in the source than this: bicubic
-// interpolation does not alias visibly up to there. Where a map reduces more, a sample is taken for every
-// source pixel.
-constexpr double kLargestStep = 1.25; // source pixels
-constexpr int kMostSteps = 64;        // along each of the two directions of a reduction
-constexpr int kTileHeight = 16;       // rows taken together, so that the source lines stay in the cache
+// interpolation does not alias visibly up to there. Where a map reduces more, more samples are taken.
+constexpr double kLargestStep = 1.25;  // source pixels
+constexpr double kSampleSpacing = 1.15; // of those, in source pixels
+constexpr int kMostSteps = 64;         // along each of the two directions of a reduction
+constexpr int kTileHeight = 16;        // rows taken together, so that the source lines stay in the cache
 
 // Points this far outside are as far outside as any: all samples of a pixel cannot reach back from there.
 constexpr double kFarOutside = kMostSteps + 2;
@@ -111,7 +111,10 @@ inline int GeneratorFor(int count) {
 }
 
 inline int StepsFor(double stretch) {
-    return stretch <= kLargestStep ? 1 : static_cast<int>(std::min(std::ceil(stretch), 1.0 * kMostSteps));
+    if (stretch <= kLargestStep) {
+        return 1;
+    }
+    return static_cast<int>(std::min(std::ceil(stretch / kSampleSpacing), 1.0 * kMostSteps));
 }
 static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < INT32_MAX); // a sum of samples
 
