@@ -191,49 +191,60 @@ TEST(Simd, RankRowsEqualPlainLoops) {
     });
 }
 
-// What the four steps along a line of `picture` give, one behind the other: plain or in vectors.
+// What the steps along a line of `picture` give, one behind the other: plain or in vectors.
 struct RaySteps {
-    std::vector<std::int16_t> pairs;
-    std::vector<std::int32_t> sums;
-    std::vector<float> means;
+    std::vector<std::int16_t> values;
+    std::vector<std::int16_t> means;
     PixelArray pixels;
 };
 
 RaySteps TakeRaySteps(const PixelArray& picture, bool inVectors, int rays) {
-    constexpr int kPixels = 20;
-    constexpr std::size_t kLine = 160; // numbers from sum to sum
-    RaySteps steps{std::vector<std::int16_t>(8 * kPixels), std::vector<std::int32_t>(6 * kLine),
-                   std::vector<float>(kLine), picture};
-    const auto pair = inVectors ? simd::PairPixels : scalar::PairPixels;
-    const auto add = inVectors ? simd::AddCrossings : scalar::AddCrossings;
-    for (std::size_t node = 0; node < 5; ++node) {
-        // Across and down, over both ends of the line, forwards and backwards.
-        const PixelLine line = node % 2 == 0 ? PixelLine{picture.Row(3), 4, picture.Width(), -2}
-                                             : PixelLine{picture.Row(0) + 8, picture.Stride(), 9, -5};
-        pair(line, kPixels, picture.HasAlpha(), steps.pairs.data());
-        const Crossing crossing = node == 4 ? Crossing{1200000, -30000} : Crossing{40000, 31234};
-        add(steps.pairs.data(), crossing, rays, steps.sums.data() + node * kLine,
-            steps.sums.data() + (node + 1) * kLine);
+    constexpr int kNodes = 5;
+    constexpr std::size_t kLine = 192; // numbers from node to node
+    RaySteps steps{std::vector<std::int16_t>(kNodes * kLine), std::vector<std::int16_t>(kLine), picture};
+    std::vector<std::int32_t> sums(kLine);
+    const auto valuesAt = [&](std::size_t node) { return steps.values.data() + node * kLine; };
+    std::vector<std::int16_t> premultiplied(4 * 64);
+    for (std::size_t node = 0; node < kNodes; ++node) {
+        // As far apart as they may be, forwards and backwards, and close together.
+        const Crossing crossing =
+            node == 4 ? Crossing{45 * 65536 + 99, -65536} : Crossing{700, node == 2 ? 65536 : 15101};
+        if (picture.HasAlpha()) {
+            for (std::size_t i = 0; i < premultiplied.size(); ++i) {
+                premultiplied[i] = static_cast<std::int16_t>(picture.Row(static_cast<int>(node))[i] * 128);
+            }
+            (inVectors ? simd::CrossingsPremultiplied : scalar::CrossingsPremultiplied)(
+                premultiplied.data(), crossing, rays, valuesAt(node));
+        } else {
+            (inVectors ? simd::Crossings : scalar::Crossings)(picture.Row(static_cast<int>(node)), crossing,
+                                                              rays, valuesAt(node));
+        }
     }
-    const std::int32_t* const sums = steps.sums.data();
-    const Stretch stretch{
-        sums + 4 * kLine, sums + 5 * kLine, sums, sums + kLine, sums + 2 * kLine, 0.22F, 0.11F, 1.0F / 1400};
-    (inVectors ? simd::MeansOf : scalar::MeansOf)(stretch, rays, steps.means.data());
-    steps.means.resize(static_cast<std::size_t>(4 * rays)); // beyond lies what vectors write too much
-    const PixelsBetween between{-0.3, 1.7, 5, rays - 2, steps.pixels.WritableRows(), picture.Stride()};
-    (inVectors ? simd::MixMeans : scalar::MixMeans)(steps.means.data(), between, picture.HasAlpha());
+    (inVectors ? simd::AddInterval : scalar::AddInterval)(valuesAt(0), valuesAt(1), rays, sums.data());
+    const auto slide = inVectors ? simd::SlideRays : scalar::SlideRays;
+    slide({valuesAt(1), valuesAt(2), valuesAt(0), valuesAt(1), false, 9000, 16384, 14, 0.25F}, rays,
+          sums.data(), steps.means.data());
+    slide({valuesAt(3), valuesAt(4), valuesAt(1), valuesAt(2), true, 1, 3, 0, 1.0F / 4000}, rays, sums.data(),
+          steps.means.data());
+    for (std::vector<std::int16_t>* const numbers : {&steps.values, &steps.means}) {
+        for (std::size_t i = 0; i < numbers->size(); ++i) { // what vectors write too much
+            (*numbers)[i] = static_cast<int>(i % kLine) < 4 * rays ? (*numbers)[i] : std::int16_t{0};
+        }
+    }
+    const PixelsBetween between{70000, (rays - 4) * 65536 / 9, 9, steps.pixels.WritableRows(),
+                                picture.Stride()};
+    (inVectors ? simd::MixRays : scalar::MixRays)(steps.means.data(), between);
     return steps;
 }
 
 TEST(Simd, ZoomRaysEqualPlainLoops) {
     ForEachTarget([](const char* target) {
         for (const Alpha alpha : {Alpha::None, Alpha::Random}) {
-            const PixelArray picture = Random({17, 9}, alpha, 11);
-            for (const int rays : {2, 3, 33, 38}) {
+            const PixelArray picture = Random({80, 9}, alpha, 11);
+            for (const int rays : {4, 5, 33, 46}) {
                 const RaySteps plain = TakeRaySteps(picture, false, rays);
                 const RaySteps vectors = TakeRaySteps(picture, true, rays);
-                EXPECT_EQ(vectors.pairs, plain.pairs) << target;
-                EXPECT_EQ(vectors.sums, plain.sums) << target << " rays " << rays;
+                EXPECT_EQ(vectors.values, plain.values) << target << " rays " << rays;
                 EXPECT_EQ(vectors.means, plain.means) << target << " rays " << rays;
                 EXPECT_TRUE(SamePixels(vectors.pixels, plain.pixels)) << target << " rays " << rays;
             }

@@ -94,6 +94,8 @@ PixelArray Centred(const PixelArray& turned, const PixelArray& source, std::uint
 struct CanvasMap {
     static constexpr Outside kOutside = Outside::Background;
     static constexpr bool kIsAffine = false;
+    static constexpr bool kIsEven = false;
+    static constexpr bool kIsMonotonic = true;
 
     WarpPoint centre;
     int width;
@@ -105,6 +107,7 @@ struct CanvasMap {
 
 struct RotationMap : CanvasMap {
     static constexpr bool kIsAffine = true;
+    static constexpr bool kIsEven = true;
 
     double cosine;
     double sine;
@@ -117,10 +120,13 @@ struct RotationMap : CanvasMap {
         const double y = p.y - centre.y;
         return {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
     }
+
+    LocalScale Scale(WarpPoint /*p*/) const { return {{cosine, sine}, {-sine, cosine}}; }
 };
 
 struct SkewMap : CanvasMap {
     static constexpr bool kIsAffine = true;
+    static constexpr bool kIsEven = true;
 
     double acrossPerRow;  // how far the source moves right with every row down
     double downPerColumn; // how far the source moves down with every column to the right
@@ -133,6 +139,8 @@ struct SkewMap : CanvasMap {
     WarpPoint Source(WarpPoint p) const {
         return {p.x + acrossPerRow * (p.y - centre.y), p.y + downPerColumn * (p.x - centre.x)};
     }
+
+    LocalScale Scale(WarpPoint /*p*/) const { return {{1, downPerColumn}, {acrossPerRow, 1}}; }
 };
 
 struct PerspectiveMap : CanvasMap {
@@ -157,15 +165,27 @@ struct PerspectiveMap : CanvasMap {
         }
         return {across * distanceCosine / q, along * distance / q};
     }
+
+    // The derivatives of that, across first and along second. At the horizon the plane is nowhere.
+    LocalScale PlaneScale(double across, double along) const {
+        constexpr double kNearHorizon = 1e-6;
+        const double perQ = 1 / std::max(distanceCosine + along * sine, kNearHorizon);
+        const double shrink = distanceCosine * perQ;
+        return {{shrink, 0}, {-across * shrink * sine * perQ, distance * shrink * perQ}};
+    }
 };
 
 struct VerticalPerspectiveMap : PerspectiveMap {
+    static constexpr bool kIsEven = true;
+
     using PerspectiveMap::PerspectiveMap;
 
     WarpPoint Source(WarpPoint p) const {
         const WarpPoint plane = Plane(p.x - centre.x, p.y - centre.y);
         return {centre.x + plane.x, centre.y + plane.y};
     }
+
+    LocalScale Scale(WarpPoint p) const { return PlaneScale(p.x - centre.x, p.y - centre.y); }
 };
 
 struct HorizontalPerspectiveMap : PerspectiveMap {
@@ -175,11 +195,35 @@ struct HorizontalPerspectiveMap : PerspectiveMap {
         const WarpPoint plane = Plane(p.y - centre.y, p.x - centre.x);
         return {centre.x + plane.y, centre.y + plane.x};
     }
+
+    // The same for many points that lie before the horizon: both coordinates are quotients of what grows
+    // evenly, from the centre of the top left pixel and in the unit of samples.
+    bool LocateRun(WarpPoint first, SampleRun& run) const {
+        const double along = first.x - centre.x;
+        const double across = first.y - centre.y;
+        const LinearSpacing q{distanceCosine + along * sine, sine};
+        if (q.first <= 0 || q.first + q.perPoint * (kRunLength - 1) <= 0) {
+            return false;
+        }
+        const auto numerator = [&](double origin, double scaled, double perPoint) {
+            return LinearSpacing{(origin * q.first + scaled) * kPhases,
+                                 (origin * q.perPoint + perPoint) * kPhases};
+        };
+        LocateQuotients(numerator(centre.x - 0.5, along * distance, distance),
+                        numerator(centre.y - 0.5, across * distanceCosine, 0), q, run.x.data(), run.y.data());
+        return true;
+    }
+
+    LocalScale Scale(WarpPoint p) const {
+        const auto [across, along] = PlaneScale(p.y - centre.y, p.x - centre.x);
+        return {{along.y, along.x}, {across.y, across.x}};
+    }
 };
 
 struct TwirlMap : CanvasMap {
     // Nothing comes from outside the circle, and that lies inside the canvas.
     static constexpr Outside kOutside = Outside::EdgePixels;
+    static constexpr bool kIsMonotonic = false;
 
     double radius;
     double radians;
@@ -197,8 +241,22 @@ struct TwirlMap : CanvasMap {
         return {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
     }
 
+    // A point moves as its circle is turned, and along that circle as the angle falls with the radius: by
+    // r d(angle)/dr = -6 radians t^2 (1 - t) for every pixel outwards.
+    LocalScale Scale(WarpPoint p) const {
+        const double x = p.x - centre.x;
+        const double y = p.y - centre.y;
+        const double distance = std::max(std::sqrt(x * x + y * y), 1e-9);
+        const double t = std::min(distance / radius, 1.0);
+        const double shear = -6 * radians * t * t * (1 - t);
+        const double across = x / distance;
+        const double down = y / distance;
+        return {{1 - shear * across * down, shear * across * across},
+                {-shear * down * down, 1 + shear * across * down}};
+    }
+
     // The same for many points, in single precision.
-    void LocateRun(WarpPoint first, SampleRun& run) const {
+    bool LocateRun(WarpPoint first, SampleRun& run) const {
         const auto origin = [](double position) {
             return static_cast<std::int32_t>((position - 0.5) * kPhases);
         };
@@ -207,6 +265,7 @@ struct TwirlMap : CanvasMap {
              static_cast<float>(1 / radius), static_cast<float>(radians / (2 * std::numbers::pi)), kPhases,
              origin(centre.x), origin(centre.y)},
             run.count, run.x.data(), run.y.data());
+        return true;
     }
 
     // The chord of the circle.

@@ -4,6 +4,7 @@
 #include "imaging/ForEachBand.h"
 #include "imaging/PixelArray.h"
 #include "imaging/engine/Rounding.h"
+#include "imaging/engine/WarpLoops.h"
 #include "imaging/engine/WarpSampler.h"
 
 #include <algorithm>
@@ -22,43 +23,41 @@ struct WarpPoint {
     double y;
 };
 
-// A map is a value with
-//   WarpPoint Source(WarpPoint)   where a point of the result comes from,
-//   ColumnSpan Moved(int row)     the columns of that row that are not just copied,
-//   kOutside                      what is seen where the source is outside the picture,
-//   kIsAffine                     whether every pixel is moved by the same linear map,
-// and, if that is faster, LocateRun(WarpPoint first, SampleRun&), which fills in run.count points.
-
-namespace warp {
-
-// One sample a pixel is enough while neighbouring ones lie no further apart in the source than this: bicubic
-// interpolation does not alias visibly up to there. Where a map reduces more, a sample is taken for every
-// source pixel.
-constexpr double kLargestStep = 1.25; // source pixels
-constexpr int kMostSteps = 64;        // along each of the two directions of a reduction
-constexpr int kTileHeight = 16;       // rows taken together, so that the source lines stay in the cache
-
-// Points this far outside are as far outside as any: all samples of a pixel cannot reach back from there.
-constexpr double kFarOutside = kMostSteps + 2;
-
 // How far the map moves in the source from one result pixel to the next.
 struct LocalScale {
     WarpPoint perColumn;
     WarpPoint perRow;
 };
 
-// std::hypot guards against overflow, which costs more than the rest of a map.
-inline double Length(double x, double y) {
-    return std::sqrt(x * x + y * y);
-}
+// A map is a value with
+//   WarpPoint Source(WarpPoint)      where a point of the result comes from,
+//   LocalScale Scale(WarpPoint)      how the source changes there, but for a turn,
+//   ColumnSpan Moved(int row)        the columns of that row that are not just copied,
+//   kOutside                         what is seen where the source is outside the picture,
+//   kIsAffine                        whether every pixel is moved by the same linear map,
+//   kIsEven                          whether the points of a row come from evenly spaced ones,
+//   kIsMonotonic                     whether coordinates only grow or only shrink along a row,
+// and, if that is faster, bool LocateRun(WarpPoint first, SampleRun&), which fills in run.count points if it
+// can.
 
-template <class Map>
-LocalScale ScaleAt(const Map& map, WarpPoint at) {
-    const WarpPoint left = map.Source({at.x - 0.5, at.y});
-    const WarpPoint right = map.Source({at.x + 0.5, at.y});
-    const WarpPoint above = map.Source({at.x, at.y - 0.5});
-    const WarpPoint below = map.Source({at.x, at.y + 0.5});
-    return {{right.x - left.x, right.y - left.y}, {below.x - above.x, below.y - above.y}};
+namespace warp {
+
+// One sample a pixel is enough while neighbouring ones lie no further apart in the source than this: bicubic
+// interpolation does not alias visibly up to there. Where a map reduces more, more samples are taken.
+constexpr double kLargestStep = 1.25;  // source pixels
+constexpr double kSampleSpacing = 1.15; // of those, in source pixels
+constexpr int kMostSteps = 64;         // along each of the two directions of a reduction
+constexpr int kTileHeight = 16;        // rows taken together, so that the source lines stay in the cache
+
+// Points this far outside are as far outside as any: all samples of a pixel cannot reach back from there.
+constexpr double kFarOutside = kMostSteps + 2;
+
+// std::hypot guards against overflow, which costs more than the rest of a map.
+inline double SquareOfLength(double x, double y) {
+    return x * x + y * y;
+}
+inline double Length(double x, double y) {
+    return std::sqrt(SquareOfLength(x, y));
 }
 
 // The largest and the smallest factor by which lengths change: the singular values of the scale's matrix.
@@ -74,16 +73,16 @@ inline Stretch StretchOf(const LocalScale& scale) {
     return {turning + mirroring, std::abs(turning - mirroring)};
 }
 
-// Part of a pixel's side over which samples are spread, for a side that is so long in the source. It grows
-// with the stretch from nothing to everything, so that sharpness does not jump from where one sample is
-// enough to where it is not; and a side that has no part in the stretch stays sharp.
-inline double SpreadFor(double stretch, double sideLength) {
+// Part of a pixel's side over which samples are spread, for a side whose length in the source has this
+// square. It grows with the stretch from nothing to everything, so that sharpness does not jump from where
+// one sample is enough to where it is not; and a side that has no part in the stretch stays sharp.
+inline double SpreadFor(double stretch, double sideSquare) {
     constexpr double kWholeSpread = 1.75;
     const double needed = (stretch - kLargestStep) / (kWholeSpread - kLargestStep);
     if (needed <= 0) {
         return 0;
     }
-    const double part = 2 * (sideLength * sideLength - 1) / (stretch * stretch - 1);
+    const double part = 2 * (sideSquare - 1) / (stretch * stretch - 1);
     return std::min(needed, 1.0) * std::clamp(part, 0.0, 1.0);
 }
 
@@ -112,8 +111,12 @@ inline int GeneratorFor(int count) {
 }
 
 inline int StepsFor(double stretch) {
-    return stretch <= kLargestStep ? 1 : static_cast<int>(std::min(std::ceil(stretch), 1.0 * kMostSteps));
+    if (stretch <= kLargestStep) {
+        return 1;
+    }
+    return static_cast<int>(std::min(std::ceil(stretch / kSampleSpacing), 1.0 * kMostSteps));
 }
+static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < INT32_MAX); // a sum of samples
 
 // What the pixels from `first` to `last` need, looking at them and at their middle.
 template <class Map>
@@ -123,30 +126,33 @@ SamplePattern PatternFor(const Map& map, WarpPoint first, WarpPoint last) {
     SamplePattern pattern;
     for (std::size_t i = 0; i < scales.size(); ++i) {
         const double offset = (last.x - first.x) * static_cast<double>(i) / 2;
-        const LocalScale& scale = scales[i] = ScaleAt(map, {first.x + offset, first.y});
+        const LocalScale& scale = scales[i] = map.Scale({first.x + offset, first.y});
         const Stretch here = StretchOf(scale);
         stretch = {std::max(stretch.largest, here.largest), std::max(stretch.smallest, here.smallest)};
-        const double columnLength = Length(scale.perColumn.x, scale.perColumn.y);
-        const double rowLength = Length(scale.perRow.x, scale.perRow.y);
-        pattern.spreadX = std::max(pattern.spreadX, SpreadFor(here.largest, columnLength));
-        pattern.spreadY = std::max(pattern.spreadY, SpreadFor(here.largest, rowLength));
+        const double columnSquare = SquareOfLength(scale.perColumn.x, scale.perColumn.y);
+        const double rowSquare = SquareOfLength(scale.perRow.x, scale.perRow.y);
+        pattern.spreadX = std::max(pattern.spreadX, SpreadFor(here.largest, columnSquare));
+        pattern.spreadY = std::max(pattern.spreadY, SpreadFor(here.largest, rowSquare));
     }
     pattern.count = StepsFor(stretch.largest) * StepsFor(stretch.smallest);
     pattern.generator = GeneratorFor(pattern.count);
     // Part of the pixel's sides that one sample stands for.
     const double shareX = 1 - pattern.spreadX + pattern.spreadX / pattern.count;
     const double shareY = 1 - pattern.spreadY + pattern.spreadY / pattern.count;
-    const auto widest = [](double known, double a, double b) {
-        return std::min(std::max(known, Length(a, b)), 1.0 * kMostSteps);
-    };
     constexpr double kNarrowest = 1e-3;
-    pattern.border = pattern.pixelReach = {kNarrowest, kNarrowest};
-    for (const auto& [column, row] : scales) {
-        pattern.border.x = widest(pattern.border.x, column.x * shareX, row.x * shareY);
-        pattern.border.y = widest(pattern.border.y, column.y * shareX, row.y * shareY);
-        pattern.pixelReach.x = widest(pattern.pixelReach.x, column.x, row.x);
-        pattern.pixelReach.y = widest(pattern.pixelReach.y, column.y, row.y);
-    }
+    const auto widest = [&](const auto& x, const auto& y, double partX, double partY) {
+        double square = kNarrowest * kNarrowest;
+        for (const LocalScale& scale : scales) {
+            square = std::max(square, SquareOfLength(x(scale) * partX, y(scale) * partY));
+        }
+        return std::min(std::sqrt(square), 1.0 * kMostSteps);
+    };
+    const auto columnX = [](const LocalScale& scale) { return scale.perColumn.x; };
+    const auto columnY = [](const LocalScale& scale) { return scale.perColumn.y; };
+    const auto rowX = [](const LocalScale& scale) { return scale.perRow.x; };
+    const auto rowY = [](const LocalScale& scale) { return scale.perRow.y; };
+    pattern.border = {widest(columnX, rowX, shareX, shareY), widest(columnY, rowY, shareX, shareY)};
+    pattern.pixelReach = {widest(columnX, rowX, 1, 1), widest(columnY, rowY, 1, 1)};
     return pattern;
 }
 
@@ -159,51 +165,67 @@ inline std::int32_t ToSamplePosition(double position, int size) {
            static_cast<std::int32_t>(kBias) * kPhases;
 }
 
-// A map may bring its own way to locate a run of points.
-template <class Map>
-void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count, SampleRun& run) {
-    run.count = count;
-    if constexpr (requires { map.LocateRun(first, run); }) {
-        map.LocateRun(first, run);
-        return;
+// Evenly spaced points from the first to the last. Single precision does: it counts from the first one.
+inline EvenSpacing SpacingOf(double first, double last, int count) {
+    const double step = count > 1 ? (last - first) * kPhases / (count - 1) : 0;
+    const double bias = std::ceil(std::abs(step)) * kRunLength; // keeps what is truncated positive
+    const double start = (first - 0.5) * kPhases + 0.5 - bias;
+    const double base = std::floor(start);
+    return {static_cast<std::int32_t>(base), static_cast<float>(start - base + bias),
+            static_cast<float>(step)};
+}
+
+inline SampleBounds BoundsOf(const SampleRun& run) {
+    SampleBounds bounds{run.x[0], run.x[0], run.y[0], run.y[0]};
+    for (int i = 1; i < run.count; ++i) {
+        bounds = {std::min(bounds.left, run.x[i]), std::max(bounds.right, run.x[i]),
+                  std::min(bounds.top, run.y[i]), std::max(bounds.bottom, run.y[i])};
     }
-    for (int i = 0; i < count; ++i) {
+    return bounds;
+}
+
+// Of points of which the first and the last are the outermost.
+inline SampleBounds BoundsOfEnds(const SampleRun& run) {
+    const auto [left, right] = std::minmax(run.x[0], run.x[run.count - 1]);
+    const auto [top, bottom] = std::minmax(run.y[0], run.y[run.count - 1]);
+    return {left, right, top, bottom};
+}
+
+// Whether sample positions around that point fit their numbers.
+inline bool IsNear(WarpPoint point) {
+    constexpr double kNear = 1 << 20; // pixels
+    return std::abs(point.x) < kNear && std::abs(point.y) < kNear;
+}
+
+template <class Map>
+void LocatePoints(const Map& map, const PixelArray& source, WarpPoint first, SampleRun& run) {
+    if constexpr (requires { map.LocateRun(first, run); }) {
+        if (map.LocateRun(first, run)) {
+            return;
+        }
+    }
+    if constexpr (Map::kIsEven) {
+        const WarpPoint from = map.Source(first);
+        const WarpPoint to = map.Source({first.x + (run.count - 1), first.y});
+        if (IsNear(from) && IsNear(to)) {
+            LocateEvenly(SpacingOf(from.x, to.x, run.count), run.x.data());
+            LocateEvenly(SpacingOf(from.y, to.y, run.count), run.y.data());
+            return;
+        }
+    }
+    for (int i = 0; i < run.count; ++i) {
         const WarpPoint point = map.Source({first.x + i, first.y});
         run.x[i] = ToSamplePosition(point.x, source.Width());
         run.y[i] = ToSamplePosition(point.y, source.Height());
     }
 }
 
-// The mean of several samples a pixel, on premultiplied colour where there is alpha.
-class SampleMean {
-  public:
-    explicit SampleMean(bool hasAlpha) : hasAlpha_(hasAlpha) {}
-
-    void Add(const std::uint8_t* pixels, int count) {
-        for (int i = 0; i < 4 * count; ++i) {
-            const std::int32_t factor = hasAlpha_ && i % 4 != 3 ? pixels[i | 3] : 1;
-            sums_[i] += pixels[i] * factor;
-        }
-        ++samples_;
-    }
-
-    void Write(int count, std::uint8_t* to) const {
-        const float perSample = 1.0F / static_cast<float>(samples_);
-        for (int i = 0; i < 4 * count; ++i) {
-            float factor = perSample;
-            if (hasAlpha_ && i % 4 != 3) {
-                factor = 1.0F / static_cast<float>(std::max(sums_[i | 3], 1));
-            }
-            to[i] = RoundToByte(static_cast<float>(sums_[i]) * factor);
-        }
-    }
-
-  private:
-    bool hasAlpha_;
-    int samples_ = 0;
-    std::array<std::int32_t, 4 * kRunLength> sums_{};
-};
-static_assert(std::uint64_t{kMostSteps} * kMostSteps * 255 * 255 < INT32_MAX);
+template <class Map>
+void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count, SampleRun& run) {
+    run.count = count;
+    LocatePoints(map, source, first, run);
+    run.bounds = Map::kIsMonotonic ? BoundsOfEnds(run) : BoundsOf(run);
+}
 
 // Makes the result's pixels, a run at a time.
 template <class Map>
@@ -245,15 +267,16 @@ class RunWarper {
 
     void MakeFromPattern(const SamplePattern& pattern, WarpPoint first, int count, std::uint8_t* to) const {
         SampleRun run;
-        SampleMean mean(source_.HasAlpha());
-        std::array<std::uint8_t, 4 * kRunLength> samples;
+        std::array<std::int32_t, kRunNumbers> sums{};
+        std::array<std::uint8_t, kRunNumbers> samples{};
         for (int i = 0; i < pattern.count; ++i) {
             const WarpPoint offset = pattern.Offset(i);
             Locate(map_, source_, {first.x + offset.x, first.y + offset.y}, count, run);
             sampler_.Sample(run, pattern.border, samples.data());
-            mean.Add(samples.data(), count);
+            AddSamples(samples.data(), source_.HasAlpha(), sums.data());
         }
-        mean.Write(count, to);
+        MeanOfSamples(sums.data(), pattern.count, source_.HasAlpha(), samples.data());
+        std::copy_n(samples.data(), count * PixelArray::kComponents, to);
     }
 
     const PixelArray& source_;

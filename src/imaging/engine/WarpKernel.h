@@ -10,11 +10,11 @@ namespace pictorel::engine {
 
 inline constexpr int kCubicTaps = 4;
 
-// Weights are in 1/2^14. A sum over one row keeps 6 fractional bits: 255 times the largest overshoot (1.125)
-// still fits a signed 16-bit number, and the rest of the shift follows after the sum over rows.
+// Weights along one axis are in 1/2^14. Those of the 4 x 4 neighbours are their products, rounded to 1/2^13
+// so that they still fit a signed 16-bit number: the sum over all is off by a quarter of a level at most.
 inline constexpr int kWeightBits = 14;
-inline constexpr int kRowShift = 8;
-inline constexpr int kColumnShift = 2 * kWeightBits - kRowShift;
+inline constexpr int kProductBits = 13;
+inline constexpr int kProductShift = 2 * kWeightBits - kProductBits;
 
 using CubicWeights = std::array<std::int16_t, kCubicTaps>;
 

@@ -27,14 +27,15 @@ Neighbourhood NeighbourhoodOf(const std::uint8_t* pixels, std::ptrdiff_t stride,
 
 void InterpolateOpaque(const Neighbourhood& n, std::ptrdiff_t stride, std::uint8_t* to) {
     for (int c = 0; c < kComponents; ++c) {
-        std::int32_t sum = 1 << (kColumnShift - 1);
+        std::int32_t sum = 1 << (kProductBits - 1);
         for (int row = 0; row < kCubicTaps; ++row) {
             const std::uint8_t* const p = n.topLeft + row * stride + c;
-            const std::int32_t rowSum = n.across[0] * p[0] + n.across[1] * p[4] + n.across[2] * p[8] +
-                                        n.across[3] * p[12] + (1 << (kRowShift - 1));
-            sum += n.down[row] * (rowSum >> kRowShift);
+            for (int column = 0; column < kCubicTaps; ++column) {
+                const std::int32_t product = n.across[column] * n.down[row];
+                sum += ((product + (1 << (kProductShift - 1))) >> kProductShift) * p[column * kComponents];
+            }
         }
-        to[c] = ClampToByte(sum >> kColumnShift);
+        to[c] = ClampToByte(sum >> kProductBits);
     }
 }
 

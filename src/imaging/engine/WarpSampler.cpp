@@ -19,19 +19,8 @@ constexpr int kComponents = PixelArray::kComponents;
 WarpSampler::WarpSampler(const PixelArray& source, Outside outside, std::uint32_t background)
     : source_(source), outside_(outside), backgroundPixel_(OpaquePixel(background)) {}
 
-WarpSampler::Bounds WarpSampler::BoundsOf(const SampleRun& run) {
-    Bounds bounds{run.x[0], run.x[0], run.y[0], run.y[0]};
-    for (int i = 1; i < run.count; ++i) {
-        bounds.left = std::min(bounds.left, run.x[i]);
-        bounds.right = std::max(bounds.right, run.x[i]);
-        bounds.top = std::min(bounds.top, run.y[i]);
-        bounds.bottom = std::max(bounds.bottom, run.y[i]);
-    }
-    return bounds;
-}
-
 // Inside are points whose 4 x 4 neighbours exist and that the border's fading does not reach.
-WarpSampler::Bounds WarpSampler::InsideOf(BorderWidth border) const {
+SampleBounds WarpSampler::InsideOf(BorderWidth border) const {
     const auto margin = [](double width) {
         return static_cast<std::int32_t>(std::max(1.0, std::ceil(width / 2)) * kPhases);
     };
@@ -44,7 +33,7 @@ bool WarpSampler::IsBackground(const SampleRun& run, BorderWidth border) const {
         return false;
     }
     const auto reach = [](double width) { return static_cast<std::int32_t>((0.5 + width) * kPhases); };
-    const Bounds bounds = BoundsOf(run);
+    const SampleBounds& bounds = run.bounds;
     const std::int32_t reachX = reach(border.x);
     const std::int32_t reachY = reach(border.y);
     return bounds.right < -reachX || bounds.left > (source_.Width() - 1) * kPhases + reachX ||
@@ -54,7 +43,7 @@ bool WarpSampler::IsBackground(const SampleRun& run, BorderWidth border) const {
 ColumnSpan WarpSampler::NearestToPicture(const SampleRun& run) const {
     const std::int32_t right = (source_.Width() - 1) * kPhases;
     const std::int32_t bottom = (source_.Height() - 1) * kPhases;
-    const Bounds bounds = BoundsOf(run);
+    const SampleBounds& bounds = run.bounds;
     if (bounds.left >= 0 && bounds.right <= right && bounds.top >= 0 && bounds.bottom <= bottom) {
         return {0, run.count};
     }
@@ -81,10 +70,17 @@ void WarpSampler::FillBackground(int count, std::uint8_t* to) const {
 }
 
 void WarpSampler::Sample(const SampleRun& run, BorderWidth border, std::uint8_t* to) const {
-    const Bounds safe = InsideOf(border);
-    const Bounds all = BoundsOf(run);
+    const SampleBounds safe = InsideOf(border);
+    const SampleBounds& all = run.bounds;
     if (all.left >= safe.left && all.right <= safe.right && all.top >= safe.top &&
         all.bottom <= safe.bottom) {
+        // The next run of the row, as far from this as this is long.
+        const std::int32_t across = run.x[run.count - 1] - run.x[0];
+        const std::int32_t down = run.y[run.count - 1] - run.y[0];
+        if (all.left + across >= safe.left && all.right + across <= safe.right &&
+            all.top + down >= safe.top && all.bottom + down <= safe.bottom) {
+            FetchAhead(source_.Row(0), source_.Stride(), run, across, down);
+        }
         SampleInside(source_.Row(0), source_.Stride(), run, to);
         return;
     }

@@ -20,8 +20,14 @@ struct ColumnSpan {
     int end;
 };
 
+// Smallest and largest coordinates, inclusive.
+struct SampleBounds {
+    std::int32_t left, right, top, bottom;
+};
+
 struct SampleRun {
     int count = 0; // at most kRunLength
+    SampleBounds bounds{};
     std::array<std::int32_t, kRunLength> x{};
     std::array<std::int32_t, kRunLength> y{};
 };
@@ -33,6 +39,11 @@ struct SampleRun {
 void SampleOpaque(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run, std::uint8_t* to);
 void SampleWithAlpha(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                      std::uint8_t* to);
+
+// Fetches the pixels so far across and down from those points into the cache: runs cross the source's rows,
+// which no prefetcher of a processor foresees.
+void FetchAhead(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run, std::int32_t across,
+                std::int32_t down);
 
 // The same results by plain scalar code: what the above are tested against.
 void SampleOpaqueReference(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
@@ -59,7 +70,7 @@ class WarpSampler {
     // `background` is 0x00BBGGRR. The source must outlive the sampler.
     WarpSampler(const PixelArray& source, Outside outside, std::uint32_t background);
 
-    // Writes run.count pixels.
+    // Writes run.count pixels; the run says its bounds, here and below.
     void Sample(const SampleRun& run, BorderWidth border, std::uint8_t* to) const;
 
     // From the first to the last point inside the picture; where there is none, those that lie nearest.
@@ -70,12 +81,7 @@ class WarpSampler {
     void FillBackground(int count, std::uint8_t* to) const;
 
   private:
-    struct Bounds {
-        std::int32_t left, right, top, bottom; // smallest and largest coordinates, inclusive
-    };
-    static Bounds BoundsOf(const SampleRun& run);
-
-    Bounds InsideOf(BorderWidth border) const;
+    SampleBounds InsideOf(BorderWidth border) const;
     void SampleInside(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                       std::uint8_t* to) const;
     void SampleNearBorder(std::int32_t x, std::int32_t y, BorderWidth border, std::uint8_t* to) const;

@@ -1,69 +1,101 @@
-// Running sums along rays as plain loops, see ZoomRays.h.
+// Sums along rays as plain loops, see ZoomRays.h.
 #include "imaging/engine/ZoomRays.h"
 
 #include "imaging/engine/Rounding.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace pictorel::engine::scalar {
+namespace {
 
 constexpr int kComponents = 4;
 
-void PairPixels(const PixelLine& line, int count, bool hasAlpha, std::int16_t* pairs) {
-    for (int i = 0; i <= count; ++i) {
-        const std::uint8_t* const pixel =
-            line.pixels + std::clamp(line.first + i, 0, line.size - 1) * line.step;
-        for (int k = 0; k < kComponents; ++k) {
-            const int factor = hasAlpha && k < 3 ? pixel[3] : 255;
-            const auto value = static_cast<std::int16_t>((pixel[k] * factor * kRayValueUnit + 127) / 255);
-            if (i < count) {
-                pairs[(i * kComponents + k) * 2] = value;
-            }
-            if (i > 0) {
-                pairs[((i - 1) * kComponents + k) * 2 + 1] = value;
-            }
-        }
-    }
+std::int32_t ShareAt(std::int32_t position) {
+    return position >> (kRayPositionBits - kRayShareBits) & (kRayShares - 1);
 }
 
-void AddCrossings(const std::int16_t* pairs, Crossing crossing, int rays, const std::int32_t* before,
-                  std::int32_t* after) {
+// The weighted means of the four rays around pixel i.
+std::array<std::int32_t, kComponents> Mixed(const std::int16_t* means, const PixelsBetween& between, int i,
+                                            int bitsLost) {
+    const std::int64_t position = between.position + i * between.step;
+    const CubicWeights& weights = MixWeightsAt(position);
+    const std::int16_t* const first = means + ((position >> kRayPositionBits) - 1) * kComponents;
+    std::array<std::int32_t, kComponents> sums{};
+    for (int tap = 0; tap < kCubicTaps; ++tap) {
+        for (int k = 0; k < kComponents; ++k) {
+            const std::int32_t product = first[tap * kComponents + k] * weights[tap];
+            sums[k] += bitsLost == 0 ? product : (product + (1 << (bitsLost - 1))) >> bitsLost;
+        }
+    }
+    return sums;
+}
+
+} // namespace
+
+void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values) {
     std::int32_t position = crossing.position;
-    for (int i = 0; i < rays * kComponents; ++i) {
-        const std::int16_t* const pair =
-            pairs + (position >> kRayPositionBits) * kComponents * 2 + i % kComponents * 2;
-        const int share = position >> (kRayPositionBits - kRayShareBits) & (kRayShares - 1);
-        after[i] = before[i] + pair[0] * (kRayShares - share) + pair[1] * share;
-        position += i % kComponents == kComponents - 1 ? crossing.step : 0;
-    }
-}
-
-void MeansOf(const Stretch& s, int rays, float* means) {
-    for (int i = 0; i < rays * kComponents; ++i) {
-        const auto whole = static_cast<float>(s.outer[i] - s.inner[i]);
-        const auto last = static_cast<float>(s.beyondOuter[i] - s.outer[i]) * 0.5F;
-        const auto first = static_cast<float>(s.inner[i] - s.beforeInner[i]) * s.shareBefore;
-        const auto second = static_cast<float>(s.beyondInner[i] - s.inner[i]) * s.shareBeyond;
-        means[i] = (whole + last + (first - second)) * s.perLength;
-    }
-}
-
-void MixMeans(const float* means, const PixelsBetween& between, bool hasAlpha) {
-    for (int i = 0; i < between.count; ++i) {
-        const double position = between.position + i * between.step;
-        const int ray = std::clamp(static_cast<int>(position), 0, between.lastRay);
-        const float share = std::clamp(static_cast<float>(position - ray), 0.0F, 1.0F);
-        float mean[kComponents];
+    for (int i = 0; i < rays; ++i, position += crossing.step) {
+        const std::uint8_t* const pixel = line + (position >> kRayPositionBits) * kComponents;
         for (int k = 0; k < kComponents; ++k) {
-            const float* const left = means + ray * kComponents + k;
-            mean[k] = left[0] + (left[kComponents] - left[0]) * share;
+            const int ahead = (pixel[k + kComponents] - pixel[k]) * ShareAt(position);
+            values[i * kComponents + k] = static_cast<std::int16_t>(pixel[k] * kRayShares + ahead);
         }
-        const float perAlpha = hasAlpha ? 255.0F / std::max(mean[3], 1.0F / 1024) : 1.0F;
+    }
+}
+
+void CrossingsPremultiplied(const std::int16_t* line, Crossing crossing, int rays, std::int16_t* values) {
+    std::int32_t position = crossing.position;
+    for (int i = 0; i < rays; ++i, position += crossing.step) {
+        const std::int16_t* const value = line + (position >> kRayPositionBits) * kComponents;
+        for (int k = 0; k < kComponents; ++k) {
+            const int ahead = (value[k + kComponents] - value[k]) * ShareAt(position);
+            values[i * kComponents + k] =
+                static_cast<std::int16_t>(value[k] + ((ahead + kRayShares / 2) >> kRayShareBits));
+        }
+    }
+}
+
+void AddInterval(const std::int16_t* before, const std::int16_t* entering, int rays, std::int32_t* sums) {
+    for (int i = 0; i < rays * kComponents; ++i) {
+        sums[i] += before[i] + entering[i];
+    }
+}
+
+void SlideRays(const RaySlide& slide, int rays, std::int32_t* sums, std::int16_t* means) {
+    for (int i = 0; i < rays * kComponents; ++i) {
+        sums[i] += slide.before[i] + slide.entering[i];
+        sums[i] -= slide.leaves ? slide.inner[i] + slide.afterInner[i] : 0;
+        const std::int32_t rest =
+            slide.inner[i] * slide.innerShare + slide.afterInner[i] * slide.afterInnerShare;
+        const auto whole = static_cast<float>(sums[i] + (rest >> slide.restShift));
+        means[i] = static_cast<std::int16_t>(std::nearbyint(whole * slide.perLength));
+    }
+}
+
+// As the products of the vectors, each is rounded to 1/64 of a level.
+void MixRays(const std::int16_t* means, const PixelsBetween& between) {
+    for (int i = 0; i < between.count; ++i) {
+        const auto sums = Mixed(means, between, i, kWeightBits + 1);
         std::uint8_t* const pixel = between.pixels + i * between.pixelStep;
         for (int k = 0; k < 3; ++k) {
-            pixel[k] = RoundToByte(mean[k] * perAlpha);
+            pixel[k] = ClampToByte((sums[k] + kRayShares / 4) >> (kRayShareBits - 1));
         }
-        pixel[3] = hasAlpha ? RoundToByte(mean[3]) : 255;
+        pixel[3] = 255;
+    }
+}
+
+void MixRaysWithAlpha(const std::int16_t* means, const PixelsBetween& between) {
+    constexpr float kPerUnit = 1.0F / (kRayShares << kWeightBits);
+    for (int i = 0; i < between.count; ++i) {
+        const auto sums = Mixed(means, between, i, 0);
+        std::uint8_t* const pixel = between.pixels + i * between.pixelStep;
+        const float perAlpha = 255.0F / static_cast<float>(std::max(sums[3], 1 << kWeightBits));
+        for (int k = 0; k < 3; ++k) {
+            pixel[k] = RoundToByte(static_cast<float>(sums[k]) * perAlpha);
+        }
+        pixel[3] = RoundToByte(static_cast<float>(sums[3]) * kPerUnit);
     }
 }
 

@@ -1,78 +1,78 @@
-// Rays through a picture and the running sums along them, for the zoom blur.
+// Rays through a picture and the sums along them, for the zoom blur.
 #pragma once
+
+#include "imaging/engine/WarpKernel.h"
 
 #include <cstddef>
 #include <cstdint>
 
 namespace pictorel::engine {
 
-// Values along a ray are in 1/8 of a level times 1/64 of a pixel: as fine as the sum along the longest ray,
-// half of the largest side, fits into 32 bits.
-inline constexpr int kRayValueUnit = 8;
-inline constexpr int kRayShareBits = 6;
+// Values along a ray are in 1/128 of a level and taken at places in 1/128 of a pixel. Rays lie one behind the
+// other with four components each; where they are written, up to kRaysTogether - 1 more than asked for are.
+inline constexpr int kRayShareBits = 7;
 inline constexpr int kRayShares = 1 << kRayShareBits;
-inline constexpr int kRayPositionBits = 16; // of the places where rays pass
+inline constexpr int kRayPositionBits = 16; // of the places where rays cross a line
+inline constexpr int kRaysTogether = 8;
+inline constexpr int kLineRoom = 16; // pixels that are readable behind a line's last
 
-// Rays are stored one behind the other with four components each, their number rounded up to this.
-inline constexpr int kRaysTogether = 4;
-
-// A line of pixels that rays cross: pixel `first`, `first` + 1, ... of `size`, `step` bytes apart; beyond its
-// ends the line is continued by its end pixels.
-struct PixelLine {
-    const std::uint8_t* pixels;
-    std::ptrdiff_t step;
-    int size;
-    int first;
-};
-
-// Where evenly spaced rays cross a line, from its first pixel on.
+// Evenly spaced rays on a line of pixels, at most a pixel apart; in 2^-kRayPositionBits of a pixel.
 struct Crossing {
     std::int32_t position;
     std::int32_t step;
 };
 
-// The mean over a stretch of each ray, made from running sums at both of its ends: to the middle between the
-// sums `outer` and `beyondOuter`, from a point between three consecutive sums.
-struct Stretch {
-    const std::int32_t* outer;
-    const std::int32_t* beyondOuter;
-    const std::int32_t* beforeInner;
-    const std::int32_t* inner;
-    const std::int32_t* beyondInner;
-    float shareBefore;
-    float shareBeyond;
+// A stretch of every ray slides outwards by a pixel: what lies between the values `before` and `entering` is
+// added to its sum and, if it `leaves`, what lies between `inner` and `afterInner` taken off. The mean is
+// then that of the sum and of the rest of the way before it: `inner` and `afterInner` in such shares of
+// 2^-15, of their sum 2^-restShift, times `perLength`.
+struct RaySlide {
+    const std::int16_t* before;
+    const std::int16_t* entering;
+    const std::int16_t* inner;
+    const std::int16_t* afterInner;
+    bool leaves;
+    std::int16_t innerShare;
+    std::int16_t afterInnerShare;
+    int restShift;
     float perLength;
 };
 
-// Pixels that lie between rays: the first at the ray `position`, `step` rays apart; `lastRay` is the one
-// before the last.
+// Pixels that lie between rays: the first at the ray `position` (in 2^-kRayPositionBits), `step` rays apart,
+// never before ray 1 or behind the last but two.
 struct PixelsBetween {
-    double position;
-    double step;
+    std::int64_t position;
+    std::int64_t step;
     int count;
-    int lastRay;
     std::uint8_t* pixels;
     std::ptrdiff_t pixelStep;
 };
 
-// PairPixels: eight numbers for each of `count` pixels: the value of each component and, behind it, that of
-//     the next pixel; premultiplied where there is alpha.
-// AddCrossings: after = before + what each of `rays` rays meets between two of those pixels.
-// MeansOf: the means over a stretch, for all components of `rays` rays.
-// MixMeans: pixels from the means of the rays next to them.
+// The shares of the four rays around a position.
+inline const CubicWeights& MixWeightsAt(std::int64_t position) {
+    return kCubicTable[static_cast<std::size_t>(position >> (kRayPositionBits - kPhaseBits) & (kPhases - 1))];
+}
+
+// Crossings: the values where rays cross a line of pixels, between them in a straight line.
+// CrossingsPremultiplied: the same on a line of values, four of 16 bits a pixel.
+// AddInterval: twice what lies between two values of each of `rays` rays is added to their sums, whose order
+//     is that of SlideRays.
+// SlideRays: see RaySlide; leaves the means.
+// MixRays: opaque pixels from the means of the four rays around them.
 namespace scalar {
-void PairPixels(const PixelLine& line, int count, bool hasAlpha, std::int16_t* pairs);
-void AddCrossings(const std::int16_t* pairs, Crossing crossing, int rays, const std::int32_t* before,
-                  std::int32_t* after);
-void MeansOf(const Stretch& stretch, int rays, float* means);
-void MixMeans(const float* means, const PixelsBetween& between, bool hasAlpha);
+void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values);
+void CrossingsPremultiplied(const std::int16_t* line, Crossing crossing, int rays, std::int16_t* values);
+void AddInterval(const std::int16_t* before, const std::int16_t* entering, int rays, std::int32_t* sums);
+void SlideRays(const RaySlide& slide, int rays, std::int32_t* sums, std::int16_t* means);
+void MixRays(const std::int16_t* means, const PixelsBetween& between);
+void MixRaysWithAlpha(const std::int16_t* means, const PixelsBetween& between);
 } // namespace scalar
 namespace simd { // the same with the best vectors that the processor has
-void PairPixels(const PixelLine& line, int count, bool hasAlpha, std::int16_t* pairs);
-void AddCrossings(const std::int16_t* pairs, Crossing crossing, int rays, const std::int32_t* before,
-                  std::int32_t* after);
-void MeansOf(const Stretch& stretch, int rays, float* means); // rays rounded up
-void MixMeans(const float* means, const PixelsBetween& between, bool hasAlpha);
+void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values);
+void CrossingsPremultiplied(const std::int16_t* line, Crossing crossing, int rays, std::int16_t* values);
+void AddInterval(const std::int16_t* before, const std::int16_t* entering, int rays, std::int32_t* sums);
+void SlideRays(const RaySlide& slide, int rays, std::int32_t* sums, std::int16_t* means);
+void MixRays(const std::int16_t* means, const PixelsBetween& between);
 } // namespace simd
 
 } // namespace pictorel::engine

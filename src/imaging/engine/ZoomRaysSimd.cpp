@@ -1,8 +1,9 @@
-// Running sums along rays in vectors, see ZoomRays.h. Sums and products are taken in the order of the plain
-// loops, so that both give the same bits.
+// Sums along rays in vectors, see ZoomRays.h. Products and sums are those of the plain loops, so that both
+// give the same bits.
 #include "imaging/engine/ZoomRays.h"
 
 #include <algorithm>
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/ZoomRaysSimd.cpp"
@@ -13,98 +14,177 @@ HWY_BEFORE_NAMESPACE();
 namespace pictorel::engine::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
-using scalar::AddCrossings;
-using scalar::MeansOf;
-using scalar::MixMeans;
-using scalar::PairPixels;
+using scalar::AddInterval;
+using scalar::Crossings;
+using scalar::CrossingsPremultiplied;
+using scalar::MixRays;
+using scalar::SlideRays;
 
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr int kComponents = 4;
-constexpr hn::FixedTag<std::int32_t, kComponents> kInts; // one pixel
-constexpr hn::FixedTag<float, kComponents> kFloats;
-constexpr hn::FixedTag<std::int16_t, 2 * kComponents> kPair;
+constexpr hn::CappedTag<std::int16_t, kRaysTogether * kComponents> kShorts;
+constexpr hn::RepartitionToWide<decltype(kShorts)> kInts;
+constexpr hn::RebindToFloat<decltype(kInts)> kFloats;
+using Shorts = hn::VFromD<decltype(kShorts)>;
+using Ints = hn::VFromD<decltype(kInts)>;
+constexpr int kRays = static_cast<int>(hn::MaxLanes(kShorts)) / kComponents; // of a vector
 
-void PairPixels(const PixelLine& line, int count, bool hasAlpha, std::int16_t* pairs) {
-    if (hasAlpha) {
-        scalar::PairPixels(line, count, hasAlpha, pairs);
-        return;
-    }
-    const hn::FixedTag<std::uint8_t, kComponents> bytes;
-    const hn::FixedTag<std::int16_t, kComponents> shorts;
-    const auto valueOf = [&](int i) HWY_ATTR {
-        const std::uint8_t* const pixel =
-            line.pixels + std::clamp(line.first + i, 0, line.size - 1) * line.step;
-        static_assert(kRayValueUnit == 1 << 3);
-        return hn::ZeroExtendVector(kPair, hn::ShiftLeft<3>(hn::PromoteTo(shorts, hn::LoadU(bytes, pixel))));
-    };
-    auto value = valueOf(0);
-    for (int i = 0; i < count; ++i) {
-        const auto next = valueOf(i + 1);
-        hn::StoreU(hn::InterleaveLower(kPair, value, next), kPair,
-                   pairs + static_cast<std::ptrdiff_t>(i) * 2 * kComponents);
-        value = next;
+void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values) {
+    const hn::Rebind<std::uint8_t, decltype(kShorts)> bytes;
+    const hn::Repartition<std::int32_t, decltype(bytes)> pixels; // a lane for each ray
+    // The second byte of a position is the share, twice as fine: for each component.
+    alignas(16) static constexpr std::uint8_t kShare[16] = {1, 1, 1, 1, 5,  5,  5,  5,
+                                                            9, 9, 9, 9, 13, 13, 13, 13};
+    const auto shareOrder = hn::LoadDup128(bytes, kShare);
+    const auto onward = hn::Set(pixels, kRays * crossing.step);
+    const auto start = hn::Set(pixels, crossing.position);
+    auto position = hn::Add(start, hn::Mul(hn::Iota(pixels, 0), hn::Set(pixels, crossing.step)));
+    std::int32_t first = crossing.position + std::min(0, (kRays - 1) * crossing.step);
+    for (int i = 0; i < rays; i += kRays, first += kRays * crossing.step) {
+        const std::int32_t nearest = first >> kRayPositionBits;
+        const std::uint8_t* const from = line + static_cast<std::ptrdiff_t>(nearest) * kComponents;
+        const auto index = hn::IndicesFromVec(
+            pixels, hn::Sub(hn::ShiftRight<kRayPositionBits>(position), hn::Set(pixels, nearest)));
+        const auto valueOf = [&](const std::uint8_t* row) HWY_ATTR {
+            const auto whole = hn::BitCast(pixels, hn::LoadU(bytes, row));
+            return hn::PromoteTo(kShorts, hn::BitCast(bytes, hn::TableLookupLanes(whole, index)));
+        };
+        const Shorts value = valueOf(from);
+        const Shorts next = valueOf(from + kComponents);
+        const auto fine = hn::TableLookupBytes(hn::BitCast(bytes, position), shareOrder);
+        const Shorts share = hn::ShiftRight<8 - kRayShareBits>(hn::PromoteTo(kShorts, fine));
+        const Shorts ahead = hn::Mul(hn::Sub(next, value), share);
+        hn::StoreU(hn::Add(hn::ShiftLeft<kRayShareBits>(value), ahead), kShorts, values + i * kComponents);
+        position = hn::Add(position, onward);
     }
 }
 
-void AddCrossings(const std::int16_t* pairs, Crossing crossing, int rays, const std::int32_t* before,
-                  std::int32_t* after) {
+void CrossingsPremultiplied(const std::int16_t* line, Crossing crossing, int rays, std::int16_t* values) {
+    const hn::FixedTag<std::int16_t, kComponents> ray;
     std::int32_t position = crossing.position;
-    for (int i = 0; i < rays * kComponents; i += kComponents, position += crossing.step) {
-        const auto pair = hn::LoadU(
-            kPair, pairs + static_cast<std::ptrdiff_t>(position >> kRayPositionBits) * 2 * kComponents);
-        const std::int32_t share = position >> (kRayPositionBits - kRayShareBits) & (kRayShares - 1);
-        const auto shares = hn::BitCast(kPair, hn::Set(kInts, share * 0xFFFF + kRayShares)); // low: the rest
-        auto odd = hn::Zero(kInts);
-        const auto even = hn::ReorderWidenMulAccumulate(kInts, pair, shares, hn::Zero(kInts), odd);
-        const auto met = hn::RearrangeToOddPlusEven(even, odd);
-        hn::StoreU(hn::Add(hn::LoadU(kInts, before + i), met), kInts, after + i);
+    for (int i = 0; i < rays; ++i, position += crossing.step) {
+        const std::int16_t* const from =
+            line + static_cast<std::ptrdiff_t>(position >> kRayPositionBits) * kComponents;
+        const auto value = hn::LoadU(ray, from);
+        const int fine = position >> (kRayPositionBits - kRayShareBits) & (kRayShares - 1);
+        const auto share = hn::Set(ray, static_cast<std::int16_t>(fine << (15 - kRayShareBits)));
+        const auto ahead = hn::Sub(hn::LoadU(ray, from + kComponents), value);
+        hn::StoreU(hn::Add(value, hn::MulFixedPoint15(ahead, share)), ray, values + i * kComponents);
     }
 }
 
-void MeansOf(const Stretch& s, int rays, float* means) {
-    const hn::CappedTag<float, kRaysTogether * kComponents> floats;
-    const hn::RebindToSigned<decltype(floats)> ints;
-    const auto half = hn::Set(floats, 0.5F);
-    const auto shareBefore = hn::Set(floats, s.shareBefore);
-    const auto shareBeyond = hn::Set(floats, s.shareBeyond);
-    const auto perLength = hn::Set(floats, s.perLength);
-    const std::size_t count = static_cast<std::size_t>(rays) * kComponents;
-    for (std::size_t i = 0; i < count; i += hn::Lanes(floats)) {
-        const auto outer = hn::LoadU(ints, s.outer + i);
-        const auto inner = hn::LoadU(ints, s.inner + i);
-        const auto between = [&](auto a, auto b) HWY_ATTR { return hn::ConvertTo(floats, hn::Sub(a, b)); };
-        const auto last = hn::Mul(between(hn::LoadU(ints, s.beyondOuter + i), outer), half);
-        const auto first = hn::Mul(between(inner, hn::LoadU(ints, s.beforeInner + i)), shareBefore);
-        const auto second = hn::Mul(between(hn::LoadU(ints, s.beyondInner + i), inner), shareBeyond);
-        const auto sum = hn::Add(hn::Add(between(outer, inner), last), hn::Sub(first, second));
-        hn::StoreU(hn::Mul(sum, perLength), floats, means + i);
+// Sums and differences of two values fit 16 bits without a sign.
+HWY_INLINE Ints LowerHalves(Shorts sums) {
+    return hn::BitCast(kInts, hn::InterleaveLower(kShorts, sums, hn::Zero(kShorts)));
+}
+HWY_INLINE Ints UpperHalves(Shorts sums) {
+    return hn::BitCast(kInts, hn::InterleaveUpper(kShorts, sums, hn::Zero(kShorts)));
+}
+
+void AddInterval(const std::int16_t* before, const std::int16_t* entering, int rays, std::int32_t* sums) {
+    const std::ptrdiff_t half = hn::Lanes(kInts);
+    for (std::ptrdiff_t i = 0; i < rays * kComponents; i += 2 * half) {
+        const Shorts both = hn::Add(hn::LoadU(kShorts, before + i), hn::LoadU(kShorts, entering + i));
+        hn::StoreU(hn::Add(hn::LoadU(kInts, sums + i), LowerHalves(both)), kInts, sums + i);
+        hn::StoreU(hn::Add(hn::LoadU(kInts, sums + i + half), UpperHalves(both)), kInts, sums + i + half);
     }
 }
 
-void MixMeans(const float* means, const PixelsBetween& between, bool hasAlpha) {
-    if (hasAlpha) {
-        scalar::MixMeans(means, between, hasAlpha);
-        return;
+HWY_INLINE Ints MeanOf(Ints sum, Ints rest, int restShift, float perLength) {
+    const auto whole = hn::ConvertTo(kFloats, hn::Add(sum, hn::ShiftRightSame(rest, restShift)));
+    return hn::NearestInt(hn::Mul(whole, hn::Set(kFloats, perLength)));
+}
+
+// a[0] b[0] + a[1] b[1], a[2] b[2] + a[3] b[3], ...
+HWY_INLINE Ints SumOfPairs(Shorts a, Shorts b) {
+    Ints odd = hn::Zero(kInts);
+    const Ints even = hn::ReorderWidenMulAccumulate(kInts, a, b, hn::Zero(kInts), odd);
+    return hn::RearrangeToOddPlusEven(even, odd);
+}
+
+template <bool kLeaves>
+HWY_INLINE void Slide(const RaySlide& slide, int rays, std::int32_t* sums, std::int16_t* means) {
+    const std::ptrdiff_t half = hn::Lanes(kInts);
+    const std::int32_t bothShares = slide.afterInnerShare * 0x10000 + slide.innerShare;
+    const Shorts shares = hn::BitCast(kShorts, hn::Set(kInts, bothShares));
+    for (std::ptrdiff_t i = 0; i < rays * kComponents; i += 2 * half) {
+        const Shorts entering =
+            hn::Add(hn::LoadU(kShorts, slide.before + i), hn::LoadU(kShorts, slide.entering + i));
+        Ints lower = hn::Add(hn::LoadU(kInts, sums + i), LowerHalves(entering));
+        Ints upper = hn::Add(hn::LoadU(kInts, sums + i + half), UpperHalves(entering));
+        const Shorts inner = hn::LoadU(kShorts, slide.inner + i);
+        const Shorts afterInner = hn::LoadU(kShorts, slide.afterInner + i);
+        if constexpr (kLeaves) {
+            const Shorts leaving = hn::Add(inner, afterInner);
+            lower = hn::Sub(lower, LowerHalves(leaving));
+            upper = hn::Sub(upper, UpperHalves(leaving));
+        }
+        hn::StoreU(lower, kInts, sums + i);
+        hn::StoreU(upper, kInts, sums + i + half);
+        const Ints lowerRest = SumOfPairs(hn::InterleaveLower(kShorts, inner, afterInner), shares);
+        const Ints upperRest = SumOfPairs(hn::InterleaveUpper(kShorts, inner, afterInner), shares);
+        const Ints lowerMeans = MeanOf(lower, lowerRest, slide.restShift, slide.perLength);
+        const Ints upperMeans = MeanOf(upper, upperRest, slide.restShift, slide.perLength);
+        hn::StoreU(hn::ReorderDemote2To(kShorts, lowerMeans, upperMeans), kShorts, means + i);
     }
-    const hn::FixedTag<std::uint8_t, kComponents> bytes;
-    const auto highest = hn::Set(kFloats, 255.0F);
-    const auto half = hn::Set(kFloats, 0.5F);
-    for (int i = 0; i < between.count; ++i) {
-        const double position = between.position + i * between.step;
-        const int ray = std::clamp(static_cast<int>(position), 0, between.lastRay);
-        const float share = std::clamp(static_cast<float>(position - ray), 0.0F, 1.0F);
-        const float* const left = means + static_cast<std::ptrdiff_t>(ray) * kComponents;
-        const auto value = hn::LoadU(kFloats, left);
-        const auto ahead = hn::Sub(hn::LoadU(kFloats, left + kComponents), value);
-        const auto mean = hn::Add(value, hn::Mul(ahead, hn::Set(kFloats, share)));
-        const auto clamped = hn::Min(hn::Max(mean, hn::Zero(kFloats)), highest);
-        std::uint8_t* const pixel = between.pixels + i * between.pixelStep;
-        hn::StoreU(hn::DemoteTo(bytes, hn::ConvertTo(kInts, hn::Add(clamped, half))), bytes, pixel);
-        pixel[3] = 255;
+}
+
+void SlideRays(const RaySlide& slide, int rays, std::int32_t* sums, std::int16_t* means) {
+    slide.leaves ? Slide<true>(slide, rays, sums, means) : Slide<false>(slide, rays, sums, means);
+}
+
+constexpr hn::FixedTag<std::int16_t, 2 * kComponents> kTwoRays;
+using TwoRays = hn::VFromD<decltype(kTwoRays)>;
+
+// The weighted rays around a pixel, one behind the other still to be added to the one before.
+HWY_INLINE TwoRays WeightedRays(const std::int16_t* means, std::int64_t position) {
+    alignas(16) static constexpr std::uint8_t kFirst[16] = {0, 1, 0, 1, 0, 1, 0, 1, 2, 3, 2, 3, 2, 3, 2, 3};
+    alignas(16) static constexpr std::uint8_t kSecond[16] = {4, 5, 4, 5, 4, 5, 4, 5, 6, 7, 6, 7, 6, 7, 6, 7};
+    const hn::Repartition<std::uint8_t, decltype(kTwoRays)> bytes;
+    std::int64_t all;
+    std::memcpy(&all, MixWeightsAt(position).data(), sizeof all);
+    const auto weights = hn::BitCast(bytes, hn::Set(hn::FixedTag<std::int64_t, 2>(), all));
+    const auto spread = [&](const std::uint8_t* order) HWY_ATTR {
+        return hn::BitCast(kTwoRays, hn::TableLookupBytes(weights, hn::Load(bytes, order)));
+    };
+    const std::int16_t* const rays = means + ((position >> kRayPositionBits) - 1) * kComponents;
+    const auto first = hn::MulFixedPoint15(hn::LoadU(kTwoRays, rays), spread(kFirst));
+    const auto second =
+        hn::MulFixedPoint15(hn::LoadU(kTwoRays, rays + hn::MaxLanes(kTwoRays)), spread(kSecond));
+    return hn::Add(first, second);
+}
+
+HWY_INLINE TwoRays AddedUp(TwoRays a, TwoRays b) {
+    const hn::RepartitionToWide<hn::RepartitionToWide<decltype(kTwoRays)>> longs;
+    const auto lower = hn::InterleaveLower(longs, hn::BitCast(longs, a), hn::BitCast(longs, b));
+    const auto upper = hn::InterleaveUpper(longs, hn::BitCast(longs, a), hn::BitCast(longs, b));
+    const auto sum = hn::Add(hn::BitCast(kTwoRays, lower), hn::BitCast(kTwoRays, upper));
+    return hn::ShiftRight<kRayShareBits - 1>(hn::Add(sum, hn::Set(kTwoRays, kRayShares / 4)));
+}
+
+void MixRays(const std::int16_t* means, const PixelsBetween& between) {
+    constexpr int kTogether = 4; // pixels
+    const hn::FixedTag<std::uint8_t, 8> bytes;
+    std::int64_t position = between.position;
+    std::uint8_t* pixel = between.pixels;
+    int i = 0;
+    for (; i + kTogether <= between.count; i += kTogether, position += kTogether * between.step) {
+        const auto weighted = [&](int k)
+                                  HWY_ATTR { return WeightedRays(means, position + k * between.step); };
+        const auto first = hn::DemoteTo(bytes, AddedUp(weighted(0), weighted(1)));
+        const auto second = hn::DemoteTo(bytes, AddedUp(weighted(2), weighted(3)));
+        std::uint8_t four[kTogether * kComponents];
+        hn::StoreU(first, bytes, four);
+        hn::StoreU(second, bytes, four + sizeof four / 2);
+        for (int k = 0; k < kTogether; ++k, pixel += between.pixelStep) {
+            std::memcpy(pixel, four + k * kComponents, kComponents);
+            pixel[3] = 255;
+        }
     }
+    scalar::MixRays(means, {position, between.step, between.count - i, pixel, between.pixelStep});
 }
 
 #endif
@@ -115,28 +195,32 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace pictorel::engine {
 
-HWY_EXPORT(PairPixels);
-HWY_EXPORT(AddCrossings);
-HWY_EXPORT(MeansOf);
-HWY_EXPORT(MixMeans);
+HWY_EXPORT(Crossings);
+HWY_EXPORT(CrossingsPremultiplied);
+HWY_EXPORT(AddInterval);
+HWY_EXPORT(SlideRays);
+HWY_EXPORT(MixRays);
 
 namespace simd {
 
-void PairPixels(const PixelLine& line, int count, bool hasAlpha, std::int16_t* pairs) {
-    HWY_DYNAMIC_DISPATCH(PairPixels)(line, count, hasAlpha, pairs);
+void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values) {
+    HWY_DYNAMIC_DISPATCH(Crossings)(line, crossing, rays, values);
 }
 
-void AddCrossings(const std::int16_t* pairs, Crossing crossing, int rays, const std::int32_t* before,
-                  std::int32_t* after) {
-    HWY_DYNAMIC_DISPATCH(AddCrossings)(pairs, crossing, rays, before, after);
+void CrossingsPremultiplied(const std::int16_t* line, Crossing crossing, int rays, std::int16_t* values) {
+    HWY_DYNAMIC_DISPATCH(CrossingsPremultiplied)(line, crossing, rays, values);
 }
 
-void MeansOf(const Stretch& stretch, int rays, float* means) {
-    HWY_DYNAMIC_DISPATCH(MeansOf)(stretch, rays, means);
+void AddInterval(const std::int16_t* before, const std::int16_t* entering, int rays, std::int32_t* sums) {
+    HWY_DYNAMIC_DISPATCH(AddInterval)(before, entering, rays, sums);
 }
 
-void MixMeans(const float* means, const PixelsBetween& between, bool hasAlpha) {
-    HWY_DYNAMIC_DISPATCH(MixMeans)(means, between, hasAlpha);
+void SlideRays(const RaySlide& slide, int rays, std::int32_t* sums, std::int16_t* means) {
+    HWY_DYNAMIC_DISPATCH(SlideRays)(slide, rays, sums, means);
+}
+
+void MixRays(const std::int16_t* means, const PixelsBetween& between) {
+    HWY_DYNAMIC_DISPATCH(MixRays)(means, between);
 }
 
 } // namespace simd
