@@ -279,7 +279,7 @@ TEST(Blurs, ConstantPicturesStayConstant) {
 TEST(Blurs, CarryWhatIsNotPixels) {
     PixelArray source = Random({70, 50}, Alpha::Random);
     source.SetReduction(0.9);
-    source.SetDetails({{1}, {2}, 72, 72});
+    source.SetDetails({{1}, {2}, {3}, 72, 72});
     for (const Operation& operation : Strongest()) {
         const PixelArray result = operation(source);
         EXPECT_EQ(result.Reduction(), 0.9);

@@ -237,7 +237,7 @@ TEST(PointOperations, NeutralValuesGiveTheSourceItself) {
 TEST(PointOperations, CarryWhatIsNotPixels) {
     PixelArray source = Random({7, 5}, Alpha::Random);
     source.SetReduction(0.25);
-    source.SetDetails({{1, 2}, {3}, 300, 300});
+    source.SetDetails({{1, 2}, {3}, {4}, 300, 300});
     const PixelArray before = Crop(source, 0, 0, {7, 5});
     for (const PixelArray& result : {Invert(source), Contrast(source, 0.5), Hue(source, 10)}) {
         EXPECT_EQ(result.Reduction(), 0.25);
