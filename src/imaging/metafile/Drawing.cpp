@@ -128,7 +128,7 @@ Plan PlanOf(const Drawing& drawing) {
 // How many canvas pixels across make one of the picture.
 int CanvasScale(const Plan& plan, bool isBitmap) {
     constexpr int kFinest = 4;
-    constexpr double kMostCanvasPixels = 24e6;
+    constexpr double kMostCanvasPixels = std::min<double>(24e6, kMaximumPixels);
     int scale = isBitmap ? 1 : kFinest;
     while (scale > 1 && (plan.width * plan.height * scale * scale > kMostCanvasPixels ||
                          std::max(plan.width, plan.height) * scale > kLongestDrawnSide)) {
