@@ -5,7 +5,7 @@
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RankRows.h"
-#include "imaging/engine/ResampleOpaque.h"
+#include "imaging/engine/ResampleFixed.h"
 #include "imaging/engine/TurnTile.h"
 #include "imaging/engine/TwirlRows.h"
 #include "imaging/engine/ZoomRays.h"

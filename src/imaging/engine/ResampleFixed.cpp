@@ -1,0 +1,209 @@
+// Resampling in 16-bit fixed point, see ResampleFixed.h. When reducing, rows are summed before columns: that
+// is where the work is then, and it needs no shuffling; narrow strips keep the source lines in the cache
+// while several result rows are made of them. When enlarging, columns come first, while there are few rows.
+#include "imaging/engine/ResampleFixed.h"
+
+#include "imaging/ForEachBand.h"
+
+#include <algorithm>
+
+namespace pictorel::engine {
+namespace {
+
+constexpr int kComponents = PixelArray::kComponents;
+constexpr int kRowsTogether = 8;
+constexpr int kStripComponents = 1024;
+constexpr int kRowBlock = 32; // components
+
+int RoundedUp(int value, int unit) {
+    return (value + unit - 1) / unit * unit;
+}
+
+// Result rows of an opaque picture, rows first.
+class OpaqueBand {
+  public:
+    OpaqueBand(const PixelArray& source, const FixedWeights& rows, const FixedWeights& columns)
+        : source_(source),
+          rows_(rows),
+          columns_(columns),
+          components_(RoundedUp(source.Width() * kComponents, kRowBlock)),
+          stride_(components_ + kRowBlock),
+          sums_(static_cast<std::size_t>(stride_) * kRowsTogether) {}
+
+    void MakeRows(int first, int end, std::uint8_t* to, std::ptrdiff_t toStride) {
+        for (int left = 0; left < components_; left += kStripComponents) {
+            SumStrip(left, first, end);
+        }
+        for (int row = first; row < end; ++row, to += toStride) {
+            simd::SumColumnsFixed(sums_.data() + (row - first) * stride_, columns_, to);
+        }
+    }
+
+  private:
+    void SumStrip(int left, int first, int end) {
+        const int count = std::min(kStripComponents, components_ - left);
+        for (int row = first; row < end; ++row) {
+            const FixedWeights::Taps taps = rows_[row];
+            lines_.clear();
+            for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
+                lines_.push_back(source_.Row(std::min(taps.first + i, source_.Height() - 1)) + left);
+            }
+            simd::SumRowsFixed(lines_, taps.weights, rows_.Bits(), count,
+                               sums_.data() + (row - first) * stride_ + left);
+        }
+    }
+
+    const PixelArray& source_;
+    const FixedWeights& rows_;
+    const FixedWeights& columns_;
+    int components_;
+    std::ptrdiff_t stride_;
+    std::vector<std::int16_t> sums_;
+    std::vector<const std::uint8_t*> lines_;
+};
+
+// Result rows of a picture with alpha, rows first.
+class AlphaBand {
+  public:
+    AlphaBand(const PixelArray& source, const FixedWeights& rows, const FixedWeights& columns)
+        : source_(source),
+          rows_(rows),
+          columns_(columns),
+          components_(RoundedUp(source.Width() * kComponents, kRowBlock)),
+          stride_(components_ + kRowBlock),
+          sums_(static_cast<std::size_t>(stride_) * kRowsTogether) {}
+
+    void MakeRows(int first, int end, std::uint8_t* to, std::ptrdiff_t toStride) {
+        for (int left = 0; left < components_; left += kStripComponents) {
+            SumStrip(left, first, end);
+        }
+        for (int row = first; row < end; ++row, to += toStride) {
+            simd::SumPremultipliedColumns(sums_.data() + (row - first) * stride_, columns_, to);
+        }
+    }
+
+  private:
+    // Every source row of the strip is premultiplied once, for all result rows.
+    void SumStrip(int left, int first, int end) {
+        const int count = std::min(kStripComponents, components_ - left);
+        const int top = rows_[first].first;
+        int bottom = top;
+        for (int row = first; row < end; ++row) {
+            bottom = std::max(bottom, rows_[row].first + static_cast<int>(rows_[row].weights.size()));
+        }
+        bottom = std::min(bottom, source_.Height());
+        strip_.resize(std::max(strip_.size(), static_cast<std::size_t>(bottom - top) * kStripComponents));
+        const auto stripRow = [&](int y) {
+            return strip_.data() + static_cast<std::ptrdiff_t>(y - top) * kStripComponents;
+        };
+        for (int y = top; y < bottom; ++y) {
+            simd::Premultiply(source_.Row(y) + left, count, stripRow(y));
+        }
+        for (int row = first; row < end; ++row) {
+            const FixedWeights::Taps taps = rows_[row];
+            lines_.clear();
+            for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
+                lines_.push_back(stripRow(std::min(taps.first + i, bottom - 1)));
+            }
+            simd::SumPremultipliedRows(lines_, taps.weights, rows_.Bits(), count,
+                                       sums_.data() + (row - first) * stride_ + left);
+        }
+    }
+
+    const PixelArray& source_;
+    const FixedWeights& rows_;
+    const FixedWeights& columns_;
+    int components_;
+    std::ptrdiff_t stride_;
+    std::vector<std::int16_t> sums_;
+    std::vector<std::int16_t> strip_;
+    std::vector<const std::int16_t*> lines_;
+};
+
+// Result rows of an opaque picture, columns first: each source row is widened once, and kept in a ring.
+class EnlargedBand {
+  public:
+    EnlargedBand(const PixelArray& source, const FixedWeights& rows, const FixedWeights& columns)
+        : source_(source),
+          rows_(rows),
+          columns_(columns),
+          sourceComponents_(RoundedUp(source.Width() * kComponents, kRowBlock)),
+          stride_(RoundedUp(columns.Length() * kComponents, kRowBlock)),
+          paired_(static_cast<std::size_t>(sourceComponents_ + kRowBlock)) {
+        for (int row = 0; row < rows.Length(); ++row) {
+            kept_ = std::max(kept_, static_cast<int>(rows[row].weights.size()));
+        }
+        ring_.resize(static_cast<std::size_t>(kept_) * static_cast<std::size_t>(stride_));
+        heldRows_.assign(static_cast<std::size_t>(kept_), -1);
+    }
+
+    void MakeRows(int first, int end, std::uint8_t* to, std::ptrdiff_t toStride) {
+        for (int row = first; row < end; ++row, to += toStride) {
+            const FixedWeights::Taps taps = rows_[row];
+            lines_.clear();
+            for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
+                lines_.push_back(Widened(std::min(taps.first + i, source_.Height() - 1)));
+            }
+            simd::SumSumsFixed(lines_, taps.weights, rows_.Bits(), columns_.Length() * kComponents, to);
+        }
+    }
+
+  private:
+    const std::int16_t* Widened(int row) {
+        const int place = row % kept_;
+        std::int16_t* const widened = ring_.data() + place * stride_;
+        if (heldRows_[static_cast<std::size_t>(place)] != row) {
+            constexpr int kBits = 14;
+            const std::int16_t once[] = {1 << kBits, 0};
+            const std::uint8_t* const same[] = {source_.Row(row), source_.Row(row)};
+            simd::SumRowsFixed(same, once, kBits, sourceComponents_, paired_.data());
+            simd::SumColumnsToSums(paired_.data(), columns_, widened);
+            heldRows_[static_cast<std::size_t>(place)] = row;
+        }
+        return widened;
+    }
+
+    const PixelArray& source_;
+    const FixedWeights& rows_;
+    const FixedWeights& columns_;
+    int sourceComponents_;
+    std::ptrdiff_t stride_;
+    int kept_ = 0; // rows
+    std::vector<std::int16_t> paired_;
+    std::vector<std::int16_t> ring_;
+    std::vector<int> heldRows_; // which row is in which place
+    std::vector<const std::int16_t*> lines_;
+};
+
+template <class Band>
+PixelArray MadeInBands(const PixelArray& source, const FixedWeights& columns, const FixedWeights& rows) {
+    PixelArray result = PixelArray::Like(source, columns.Length(), rows.Length());
+    std::uint8_t* const pixels = result.WritableRows();
+    const std::size_t sourceBytesPerRow = source.RowBytes() * static_cast<std::size_t>(source.Height()) /
+                                          static_cast<std::size_t>(rows.Length());
+    ForEachBand(rows.Length(), result.RowBytes() + sourceBytesPerRow, [&](int first, int end) {
+        Band band(source, rows, columns);
+        for (int top = first; top < end; top += kRowsTogether) {
+            band.MakeRows(top, std::min(top + kRowsTogether, end), pixels + top * result.Stride(),
+                          result.Stride());
+        }
+    });
+    return result;
+}
+
+} // namespace
+
+PixelArray ResampleFixed(const PixelArray& source, const AxisWeights& columns, const AxisWeights& rows) {
+    if (source.HasAlpha()) {
+        return MadeInBands<AlphaBand>(source, FixedWeights(columns, kMostWideBits),
+                                      FixedWeights(rows, kMostWideBits));
+    }
+    if (rows.Length() > source.Height()) {
+        return MadeInBands<EnlargedBand>(source, FixedWeights(columns, kMostColumnBits),
+                                         FixedWeights(rows, kMostColumnBits));
+    }
+    return MadeInBands<OpaqueBand>(source, FixedWeights(columns, kMostColumnBits),
+                                   FixedWeights(rows, kMostRowBits));
+}
+
+} // namespace pictorel::engine
