@@ -34,9 +34,7 @@ class OpaqueBand {
         for (int left = 0; left < components_; left += kStripComponents) {
             SumStrip(left, first, end);
         }
-        for (int row = first; row < end; ++row, to += toStride) {
-            simd::SumColumnsFixed(sums_.data() + (row - first) * stride_, columns_, to);
-        }
+        simd::SumColumnsFixed({sums_.data(), stride_, end - first}, columns_, to, toStride);
     }
 
   private:
@@ -74,36 +72,39 @@ class AlphaBand {
           sums_(static_cast<std::size_t>(stride_) * kRowsTogether) {}
 
     void MakeRows(int first, int end, std::uint8_t* to, std::ptrdiff_t toStride) {
-        for (int left = 0; left < components_; left += kStripComponents) {
+        top_ = rows_[first].first;
+        bottom_ = top_;
+        for (int row = first; row < end; ++row) {
+            bottom_ = std::max(bottom_, rows_[row].first + static_cast<int>(rows_[row].weights.size()));
+        }
+        bottom_ = std::min(bottom_, source_.Height());
+        constexpr int kCacheComponents = 1 << 16;
+        stripComponents_ =
+            std::clamp(kCacheComponents / (bottom_ - top_) / kRowBlock, 1, kStripComponents / kRowBlock) *
+            kRowBlock;
+        strip_.resize(std::max(strip_.size(), static_cast<std::size_t>((bottom_ - top_) * stripComponents_)));
+        for (int left = 0; left < components_; left += stripComponents_) {
             SumStrip(left, first, end);
         }
-        for (int row = first; row < end; ++row, to += toStride) {
-            simd::SumPremultipliedColumns(sums_.data() + (row - first) * stride_, columns_, to);
-        }
+        simd::SumPremultipliedColumns({sums_.data(), stride_, end - first}, columns_, to, toStride);
     }
 
   private:
+    std::int16_t* StripRow(int y) {
+        return strip_.data() + static_cast<std::ptrdiff_t>(y - top_) * stripComponents_;
+    }
+
     // Every source row of the strip is premultiplied once, for all result rows.
     void SumStrip(int left, int first, int end) {
-        const int count = std::min(kStripComponents, components_ - left);
-        const int top = rows_[first].first;
-        int bottom = top;
-        for (int row = first; row < end; ++row) {
-            bottom = std::max(bottom, rows_[row].first + static_cast<int>(rows_[row].weights.size()));
-        }
-        bottom = std::min(bottom, source_.Height());
-        strip_.resize(std::max(strip_.size(), static_cast<std::size_t>(bottom - top) * kStripComponents));
-        const auto stripRow = [&](int y) {
-            return strip_.data() + static_cast<std::ptrdiff_t>(y - top) * kStripComponents;
-        };
-        for (int y = top; y < bottom; ++y) {
-            simd::Premultiply(source_.Row(y) + left, count, stripRow(y));
+        const int count = std::min(stripComponents_, components_ - left);
+        for (int y = top_; y < bottom_; ++y) {
+            simd::Premultiply(source_.Row(y) + left, count, StripRow(y));
         }
         for (int row = first; row < end; ++row) {
             const FixedWeights::Taps taps = rows_[row];
             lines_.clear();
             for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
-                lines_.push_back(stripRow(std::min(taps.first + i, bottom - 1)));
+                lines_.push_back(StripRow(std::min(taps.first + i, bottom_ - 1)));
             }
             simd::SumPremultipliedRows(lines_, taps.weights, rows_.Bits(), count,
                                        sums_.data() + (row - first) * stride_ + left);
@@ -115,6 +116,9 @@ class AlphaBand {
     const FixedWeights& columns_;
     int components_;
     std::ptrdiff_t stride_;
+    int top_ = 0; // of the source rows that are premultiplied
+    int bottom_ = 0;
+    int stripComponents_ = 0;
     std::vector<std::int16_t> sums_;
     std::vector<std::int16_t> strip_;
     std::vector<const std::int16_t*> lines_;
@@ -157,7 +161,7 @@ class EnlargedBand {
             const std::int16_t once[] = {1 << kBits, 0};
             const std::uint8_t* const same[] = {source_.Row(row), source_.Row(row)};
             simd::SumRowsFixed(same, once, kBits, sourceComponents_, paired_.data());
-            simd::SumColumnsToSums(paired_.data(), columns_, widened);
+            simd::SumColumnsToSums({paired_.data(), 0, 1}, columns_, widened, 0);
             heldRows_[static_cast<std::size_t>(place)] = row;
         }
         return widened;
@@ -194,16 +198,17 @@ PixelArray MadeInBands(const PixelArray& source, const FixedWeights& columns, co
 } // namespace
 
 PixelArray ResampleFixed(const PixelArray& source, const AxisWeights& columns, const AxisWeights& rows) {
+    using Use = FixedWeights::Use;
     if (source.HasAlpha()) {
-        return MadeInBands<AlphaBand>(source, FixedWeights(columns, kMostWideBits),
-                                      FixedWeights(rows, kMostWideBits));
+        return MadeInBands<AlphaBand>(source, {columns, Use::Columns, kMostWideBits},
+                                      {rows, Use::Rows, kMostWideBits});
     }
     if (rows.Length() > source.Height()) {
-        return MadeInBands<EnlargedBand>(source, FixedWeights(columns, kMostColumnBits),
-                                         FixedWeights(rows, kMostColumnBits));
+        return MadeInBands<EnlargedBand>(source, {columns, Use::Columns, kMostColumnBits},
+                                         {rows, Use::Rows, kMostColumnBits});
     }
-    return MadeInBands<OpaqueBand>(source, FixedWeights(columns, kMostColumnBits),
-                                   FixedWeights(rows, kMostRowBits));
+    return MadeInBands<OpaqueBand>(source, {columns, Use::Columns, kMostColumnBits},
+                                   {rows, Use::Rows, kMostRowBits});
 }
 
 } // namespace pictorel::engine

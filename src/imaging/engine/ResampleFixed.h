@@ -18,15 +18,17 @@ PixelArray ResampleFixed(const PixelArray& source, const AxisWeights& columns, c
 // so that an even surface keeps its colour.
 class FixedWeights {
   public:
-    // `first` is even and there is a multiple of four weights: where the axis begins at an odd sample or has
-    // fewer, zeros stand before and after. They may reach up to four samples beyond the source.
+    // There is a multiple of weights as the use asks for, and columns begin at an even one: where the axis
+    // does not, zeros stand before and after. They may reach up to four samples beyond the source.
     struct Taps {
         int first;
         std::span<const std::int16_t> weights;
     };
 
+    enum class Use { Rows, Columns }; // taken in pairs, and in fours
+
     // As many bits as the largest weight leaves, 14 to `mostBits`.
-    FixedWeights(const AxisWeights& axis, int mostBits);
+    FixedWeights(const AxisWeights& axis, Use use, int mostBits);
 
     int Bits() const noexcept { return bits_; }
     int Length() const noexcept { return static_cast<int>(samples_.size()); }
@@ -55,39 +57,54 @@ inline constexpr int kSumFraction = 6;     // bits of a sum of bytes below 1
 // kept in halves, less half of this, which leaves room for what overshoots.
 inline constexpr int kPremultipliedOffset = 32768;
 
+// Rows of 16-bit numbers, `stride` of them apart.
+struct PairedRows {
+    const std::int16_t* first;
+    std::ptrdiff_t stride;
+    int count;
+
+    const std::int16_t* operator[](int i) const { return first + i * stride; }
+};
+
 // Some rows are in an order that suits the summing of columns: of each two pixels B B G G R R A A. Here they
 // are called paired.
 // SumRowsFixed: the rows are `rows.size()` of them, one for each weight; `components` (a multiple of 32, rows
 //     are readable that far) sums go to `to`, paired.
-// SumColumnsFixed: one result row of columns.Length() pixels from a paired one.
+// SumColumnsFixed: result rows of columns.Length() pixels, from as many paired ones.
 // SumColumnsToSums: the same, not yet rounded to bytes.
 // SumSumsFixed: pixels from rows that were made so.
 // Premultiply: `count` components (a multiple of 32).
 // SumPremultipliedRows: as SumRowsFixed, of premultiplied rows.
-// SumPremultipliedColumns: one result row of that.
+// SumPremultipliedColumns: result rows of that.
 namespace scalar {
 void SumRowsFixed(std::span<const std::uint8_t* const> rows, std::span<const std::int16_t> weights, int bits,
                   int components, std::int16_t* to);
-void SumColumnsFixed(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to);
-void SumColumnsToSums(const std::int16_t* from, const FixedWeights& columns, std::int16_t* to);
+void SumColumnsFixed(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                     std::ptrdiff_t toStride);
+void SumColumnsToSums(const PairedRows& from, const FixedWeights& columns, std::int16_t* to,
+                      std::ptrdiff_t toStride);
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
                   int components, std::uint8_t* to);
 void Premultiply(const std::uint8_t* pixels, int count, std::int16_t* to);
 void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights,
                           int bits, int components, std::int16_t* to);
-void SumPremultipliedColumns(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to);
+void SumPremultipliedColumns(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                             std::ptrdiff_t toStride);
 } // namespace scalar
 namespace simd { // the same to the bit with the best vectors that the processor has
 void SumRowsFixed(std::span<const std::uint8_t* const> rows, std::span<const std::int16_t> weights, int bits,
                   int components, std::int16_t* to);
-void SumColumnsFixed(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to);
-void SumColumnsToSums(const std::int16_t* from, const FixedWeights& columns, std::int16_t* to);
+void SumColumnsFixed(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                     std::ptrdiff_t toStride);
+void SumColumnsToSums(const PairedRows& from, const FixedWeights& columns, std::int16_t* to,
+                      std::ptrdiff_t toStride);
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
                   int components, std::uint8_t* to);
 void Premultiply(const std::uint8_t* pixels, int count, std::int16_t* to);
 void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights,
                           int bits, int components, std::int16_t* to);
-void SumPremultipliedColumns(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to);
+void SumPremultipliedColumns(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                             std::ptrdiff_t toStride);
 } // namespace simd
 
 } // namespace pictorel::engine

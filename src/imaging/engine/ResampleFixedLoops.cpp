@@ -9,8 +9,7 @@ namespace pictorel::engine {
 namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
-constexpr int kFewestBits = 14;   // for weights up to 2
-constexpr std::size_t kGroup = 4; // weights that the passes take at once
+constexpr int kFewestBits = 14; // for weights up to 2
 
 float LargestWeight(const AxisWeights& axis) {
     float largest = 0;
@@ -52,18 +51,52 @@ std::int32_t Shifted(std::int32_t sum, int shift) {
     return (sum + (1 << (shift - 1))) >> shift;
 }
 
+void SumColumnsOfRow(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to) {
+    for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
+        for (int c = 0; c < kComponents; ++c) {
+            to[c] = ClampToByte(Shifted(SumOfColumns(from, columns[x], c), columns.Bits() + kSumFraction));
+        }
+    }
+}
+
+void SumColumnsOfRowToSums(const std::int16_t* from, const FixedWeights& columns, std::int16_t* to) {
+    for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
+        for (int c = 0; c < kComponents; ++c) {
+            to[c] = static_cast<std::int16_t>(Shifted(SumOfColumns(from, columns[x], c), columns.Bits()));
+        }
+    }
+}
+
+void SumPremultipliedColumnsOfRow(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to) {
+    const float perUnit = std::ldexp(2.0F, -columns.Bits());
+    for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
+        float sums[kComponents];
+        for (int c = 0; c < kComponents; ++c) {
+            const auto sum = static_cast<float>(SumOfColumns(from, columns[x], c));
+            sums[c] = sum * perUnit + kPremultipliedOffset;
+        }
+        const bool isVisible = sums[3] >= 127.5F; // below, alpha rounds to nothing and there is no colour
+        for (int c = 0; c < 3; ++c) {
+            to[c] = isVisible ? RoundToByte(sums[c] * (255.0F / sums[3])) : 0;
+        }
+        to[3] = RoundToByte(sums[3] * (1.0F / 255));
+    }
+}
+
 } // namespace
 
-FixedWeights::FixedWeights(const AxisWeights& axis, int mostBits) : bits_(kFewestBits) {
+FixedWeights::FixedWeights(const AxisWeights& axis, Use use, int mostBits) : bits_(kFewestBits) {
     const float largest = LargestWeight(axis);
     while (bits_ < mostBits && std::ldexp(largest, bits_ + 1) <= INT16_MAX) {
         ++bits_;
     }
+    const std::size_t group = use == Use::Columns ? 4 : 2;
     for (int i = 0; i < axis.Length(); ++i) {
         const AxisWeights::Taps taps = axis[i];
-        const std::size_t before = static_cast<std::size_t>(taps.first % 2);
-        const std::size_t count = (before + taps.weights.size() + kGroup - 1) / kGroup * kGroup;
-        samples_.push_back({taps.first - taps.first % 2, weights_.size(), count});
+        const int before = use == Use::Columns ? taps.first % 2 : 0;
+        const std::size_t count =
+            (static_cast<std::size_t>(before) + taps.weights.size() + group - 1) / group * group;
+        samples_.push_back({taps.first - before, weights_.size(), count});
         weights_.resize(weights_.size() + count);
         std::int16_t* const weights = weights_.data() + weights_.size() - count + before;
         int rest = 1 << bits_;
@@ -83,22 +116,6 @@ void SumRowsFixed(std::span<const std::uint8_t* const> rows, std::span<const std
                   int components, std::int16_t* to) {
     for (int c = 0; c < components; ++c) {
         to[PlaceOf(c)] = static_cast<std::int16_t>(SumOfRows(rows, weights, c, bits - kSumFraction));
-    }
-}
-
-void SumColumnsFixed(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to) {
-    for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
-        for (int c = 0; c < kComponents; ++c) {
-            to[c] = ClampToByte(Shifted(SumOfColumns(from, columns[x], c), columns.Bits() + kSumFraction));
-        }
-    }
-}
-
-void SumColumnsToSums(const std::int16_t* from, const FixedWeights& columns, std::int16_t* to) {
-    for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
-        for (int c = 0; c < kComponents; ++c) {
-            to[c] = static_cast<std::int16_t>(Shifted(SumOfColumns(from, columns[x], c), columns.Bits()));
-        }
     }
 }
 
@@ -123,19 +140,24 @@ void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<c
     }
 }
 
-void SumPremultipliedColumns(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to) {
-    const float perUnit = std::ldexp(2.0F, -columns.Bits());
-    for (int x = 0; x < columns.Length(); ++x, to += kComponents) {
-        float sums[kComponents];
-        for (int c = 0; c < kComponents; ++c) {
-            const auto sum = static_cast<float>(SumOfColumns(from, columns[x], c));
-            sums[c] = sum * perUnit + kPremultipliedOffset;
-        }
-        const bool isVisible = sums[3] >= 127.5F; // below, alpha rounds to nothing and there is no colour
-        for (int c = 0; c < 3; ++c) {
-            to[c] = isVisible ? RoundToByte(sums[c] * (255.0F / sums[3])) : 0;
-        }
-        to[3] = RoundToByte(sums[3] * (1.0F / 255));
+void SumColumnsFixed(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                     std::ptrdiff_t toStride) {
+    for (int row = 0; row < from.count; ++row) {
+        SumColumnsOfRow(from[row], columns, to + row * toStride);
+    }
+}
+
+void SumColumnsToSums(const PairedRows& from, const FixedWeights& columns, std::int16_t* to,
+                      std::ptrdiff_t toStride) {
+    for (int row = 0; row < from.count; ++row) {
+        SumColumnsOfRowToSums(from[row], columns, to + row * toStride);
+    }
+}
+
+void SumPremultipliedColumns(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                             std::ptrdiff_t toStride) {
+    for (int row = 0; row < from.count; ++row) {
+        SumPremultipliedColumnsOfRow(from[row], columns, to + row * toStride);
     }
 }
 

@@ -217,10 +217,11 @@ hn::Vec<hn::FixedTag<std::int32_t, 4>> OfAllBlocks(Sum sum) {
     }
 }
 
-// Calls store(x, sum) for every result pixel with the weighted sum of a paired row's. Each block of 16 bytes
-// holds two pixels, which take two weights; there are one or two blocks in a vector.
-template <class Store>
-HWY_INLINE void ForEachColumnSum(const std::int16_t* from, const FixedWeights& columns, const Store& store) {
+// Calls store(row, x, sum) with the weighted sum of each of kRows rows' pixels, for every result pixel. Each
+// block of 16 bytes holds two pixels, which take two weights; there are one or two blocks in a vector.
+template <int kRows, class Store>
+HWY_INLINE void SumColumnsOfRows(const PairedRows& from, int firstRow, const FixedWeights& columns,
+                                 const Store& store) {
     const Bytes bytes;
     const Shorts shorts;
     const hn::Repartition<std::uint64_t, Bytes> words;
@@ -230,15 +231,36 @@ HWY_INLINE void ForEachColumnSum(const std::int16_t* from, const FixedWeights& c
     const auto spread = hn::LoadU(bytes, kSpread);
     for (int x = 0; x < columns.Length(); ++x) {
         const FixedWeights::Taps taps = columns[x];
-        const std::int16_t* pixels = from + std::ptrdiff_t{taps.first} * PixelArray::kComponents;
-        PairSums sums = NoSum();
+        const std::int16_t* pixels = from[firstRow] + std::ptrdiff_t{taps.first} * PixelArray::kComponents;
+        PairSums sums[kRows];
+        for (PairSums& sum : sums) {
+            sum = NoSum();
+        }
         for (std::size_t i = 0; i < taps.weights.size(); i += kStep, pixels += hn::MaxLanes(Shorts())) {
             std::uint64_t four = 0;
             std::memcpy(&four, taps.weights.data() + i, kStep * sizeof(std::int16_t));
-            const auto weights = hn::TableLookupBytes(hn::BitCast(bytes, hn::Set(words, four)), spread);
-            AddProducts(sums, hn::LoadU(shorts, pixels), hn::BitCast(shorts, weights));
+            const auto weights =
+                hn::BitCast(shorts, hn::TableLookupBytes(hn::BitCast(bytes, hn::Set(words, four)), spread));
+            for (int row = 0; row < kRows; ++row) {
+                AddProducts(sums[row], hn::LoadU(shorts, pixels + row * from.stride), weights);
+            }
         }
-        store(x, OfAllBlocks(Total(sums)));
+        for (int row = 0; row < kRows; ++row) {
+            store(firstRow + row, x, OfAllBlocks(Total(sums[row])));
+        }
+    }
+}
+
+// Several rows together, which share the weights' spreading.
+template <class Store>
+HWY_INLINE void ForEachColumnSum(const PairedRows& from, const FixedWeights& columns, const Store& store) {
+    constexpr int kTogether = 4;
+    int row = 0;
+    for (; row + kTogether <= from.count; row += kTogether) {
+        SumColumnsOfRows<kTogether>(from, row, columns, store);
+    }
+    for (; row < from.count; ++row) {
+        SumColumnsOfRows<1>(from, row, columns, store);
     }
 }
 
@@ -250,28 +272,32 @@ HWY_INLINE PixelInts Shifted(PixelInts sum, int shift) {
     return hn::ShiftRightSame(hn::Add(sum, hn::Set(kPixelInts, 1 << (shift - 1))), shift);
 }
 
-void SumColumnsFixed(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to) {
+void SumColumnsFixed(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                     std::ptrdiff_t toStride) {
     const int shift = columns.Bits() + kSumFraction;
-    ForEachColumnSum(from, columns, [=](int x, PixelInts sum) HWY_ATTR {
+    ForEachColumnSum(from, columns, [=](int row, int x, PixelInts sum) HWY_ATTR {
         hn::StoreU(hn::DemoteTo(kPixelBytes, Shifted(sum, shift)), kPixelBytes,
-                   to + x * PixelArray::kComponents);
+                   to + row * toStride + x * PixelArray::kComponents);
     });
 }
 
-void SumColumnsToSums(const std::int16_t* from, const FixedWeights& columns, std::int16_t* to) {
+void SumColumnsToSums(const PairedRows& from, const FixedWeights& columns, std::int16_t* to,
+                      std::ptrdiff_t toStride) {
     const hn::FixedTag<std::int16_t, 4> pixel;
     const int shift = columns.Bits();
-    ForEachColumnSum(from, columns, [=](int x, PixelInts sum) HWY_ATTR {
-        hn::StoreU(hn::DemoteTo(pixel, Shifted(sum, shift)), pixel, to + x * PixelArray::kComponents);
+    ForEachColumnSum(from, columns, [=](int row, int x, PixelInts sum) HWY_ATTR {
+        hn::StoreU(hn::DemoteTo(pixel, Shifted(sum, shift)), pixel,
+                   to + row * toStride + x * PixelArray::kComponents);
     });
 }
 
-void SumPremultipliedColumns(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to) {
+void SumPremultipliedColumns(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                             std::ptrdiff_t toStride) {
     const hn::FixedTag<float, 4> floats;
     const auto perUnit = hn::Set(floats, std::ldexp(2.0F, -columns.Bits()));
     const auto offset = hn::Set(floats, float{kPremultipliedOffset});
     const auto isColour = hn::FirstN(floats, 3);
-    ForEachColumnSum(from, columns, [=](int x, PixelInts sum) HWY_ATTR {
+    ForEachColumnSum(from, columns, [=](int row, int x, PixelInts sum) HWY_ATTR {
         const auto sums = hn::Add(hn::Mul(hn::ConvertTo(floats, sum), perUnit), offset);
         const auto alpha = hn::Broadcast<3>(sums);
         const auto isVisible = hn::Ge(alpha, hn::Set(floats, 127.5F));
@@ -279,7 +305,8 @@ void SumPremultipliedColumns(const std::int16_t* from, const FixedWeights& colum
         const auto factor = hn::IfThenElse(isColour, perAlpha, hn::Set(floats, 1.0F / 255));
         const auto level = hn::Min(hn::Max(hn::Mul(sums, factor), hn::Zero(floats)), hn::Set(floats, 255.0F));
         const auto rounded = hn::ConvertTo(kPixelInts, hn::Add(level, hn::Set(floats, 0.5F)));
-        hn::StoreU(hn::DemoteTo(kPixelBytes, rounded), kPixelBytes, to + x * PixelArray::kComponents);
+        hn::StoreU(hn::DemoteTo(kPixelBytes, rounded), kPixelBytes,
+                   to + row * toStride + x * PixelArray::kComponents);
     });
 }
 
@@ -305,12 +332,14 @@ void SumRowsFixed(std::span<const std::uint8_t* const> rows, std::span<const std
     HWY_DYNAMIC_DISPATCH(SumRowsFixed)(rows, weights, bits, components, to);
 }
 
-void SumColumnsFixed(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to) {
-    HWY_DYNAMIC_DISPATCH(SumColumnsFixed)(from, columns, to);
+void SumColumnsFixed(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                     std::ptrdiff_t toStride) {
+    HWY_DYNAMIC_DISPATCH(SumColumnsFixed)(from, columns, to, toStride);
 }
 
-void SumColumnsToSums(const std::int16_t* from, const FixedWeights& columns, std::int16_t* to) {
-    HWY_DYNAMIC_DISPATCH(SumColumnsToSums)(from, columns, to);
+void SumColumnsToSums(const PairedRows& from, const FixedWeights& columns, std::int16_t* to,
+                      std::ptrdiff_t toStride) {
+    HWY_DYNAMIC_DISPATCH(SumColumnsToSums)(from, columns, to, toStride);
 }
 
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
@@ -327,8 +356,9 @@ void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<c
     HWY_DYNAMIC_DISPATCH(SumPremultipliedRows)(rows, weights, bits, components, to);
 }
 
-void SumPremultipliedColumns(const std::int16_t* from, const FixedWeights& columns, std::uint8_t* to) {
-    HWY_DYNAMIC_DISPATCH(SumPremultipliedColumns)(from, columns, to);
+void SumPremultipliedColumns(const PairedRows& from, const FixedWeights& columns, std::uint8_t* to,
+                             std::ptrdiff_t toStride) {
+    HWY_DYNAMIC_DISPATCH(SumPremultipliedColumns)(from, columns, to, toStride);
 }
 
 } // namespace simd
