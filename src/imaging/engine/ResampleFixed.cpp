@@ -124,21 +124,23 @@ class AlphaBand {
     std::vector<const std::int16_t*> lines_;
 };
 
-// Result rows of an opaque picture, columns first: each source row is widened once, and kept in a ring.
+// Result rows of an opaque picture, columns first: each source row is widened once, in groups that are kept
+// in a ring.
 class EnlargedBand {
   public:
     EnlargedBand(const PixelArray& source, const FixedWeights& rows, const FixedWeights& columns)
         : source_(source),
           rows_(rows),
           columns_(columns),
-          sourceComponents_(RoundedUp(source.Width() * kComponents, kRowBlock)),
-          stride_(RoundedUp(columns.Length() * kComponents, kRowBlock)),
-          paired_(static_cast<std::size_t>(sourceComponents_ + kRowBlock)) {
+          sourceStride_(RoundedUp(source.Width() * kComponents, kRowBlock) + kRowBlock),
+          stride_(columns.Length() * kComponents),
+          paired_(static_cast<std::size_t>(sourceStride_) * kGroup) {
+        int mostTaps = 0;
         for (int row = 0; row < rows.Length(); ++row) {
-            kept_ = std::max(kept_, static_cast<int>(rows[row].weights.size()));
+            mostTaps = std::max(mostTaps, static_cast<int>(rows[row].weights.size()));
         }
-        ring_.resize(static_cast<std::size_t>(kept_) * static_cast<std::size_t>(stride_));
-        heldRows_.assign(static_cast<std::size_t>(kept_), -1);
+        heldGroups_.assign(static_cast<std::size_t>((mostTaps + kGroup - 2) / kGroup + 1), -1);
+        ring_.resize(heldGroups_.size() * static_cast<std::size_t>(kGroup * stride_));
     }
 
     void MakeRows(int first, int end, std::uint8_t* to, std::ptrdiff_t toStride) {
@@ -148,34 +150,43 @@ class EnlargedBand {
             for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
                 lines_.push_back(Widened(std::min(taps.first + i, source_.Height() - 1)));
             }
-            simd::SumSumsFixed(lines_, taps.weights, rows_.Bits(), columns_.Length() * kComponents, to);
+            simd::SumSumsFixed(lines_, taps.weights, rows_.Bits(), static_cast<int>(stride_), to);
         }
     }
 
   private:
+    static constexpr int kGroup = 4; // rows that the columns' weights are shared by
+
     const std::int16_t* Widened(int row) {
-        const int place = row % kept_;
-        std::int16_t* const widened = ring_.data() + place * stride_;
-        if (heldRows_[static_cast<std::size_t>(place)] != row) {
-            constexpr int kBits = 14;
-            const std::int16_t once[] = {1 << kBits, 0};
-            const std::uint8_t* const same[] = {source_.Row(row), source_.Row(row)};
-            simd::SumRowsFixed(same, once, kBits, sourceComponents_, paired_.data());
-            simd::SumColumnsToSums({paired_.data(), 0, 1}, columns_, widened, 0);
-            heldRows_[static_cast<std::size_t>(place)] = row;
+        const int group = row / kGroup;
+        const std::size_t place = static_cast<std::size_t>(group) % heldGroups_.size();
+        std::int16_t* const widened = ring_.data() + static_cast<std::ptrdiff_t>(place) * kGroup * stride_;
+        if (heldGroups_[place] != group) {
+            const int count = std::min(kGroup, source_.Height() - group * kGroup);
+            for (int i = 0; i < count; ++i) {
+                PairRow(source_.Row(group * kGroup + i), paired_.data() + i * sourceStride_);
+            }
+            simd::SumColumnsToSums({paired_.data(), sourceStride_, count}, columns_, widened, stride_);
+            heldGroups_[place] = group;
         }
-        return widened;
+        return widened + row % kGroup * stride_;
+    }
+
+    void PairRow(const std::uint8_t* row, std::int16_t* to) const {
+        constexpr int kBits = 14;
+        const std::int16_t once[] = {1 << kBits, 0};
+        const std::uint8_t* const same[] = {row, row};
+        simd::SumRowsFixed(same, once, kBits, static_cast<int>(sourceStride_) - kRowBlock, to);
     }
 
     const PixelArray& source_;
     const FixedWeights& rows_;
     const FixedWeights& columns_;
-    int sourceComponents_;
+    std::ptrdiff_t sourceStride_;
     std::ptrdiff_t stride_;
-    int kept_ = 0; // rows
     std::vector<std::int16_t> paired_;
     std::vector<std::int16_t> ring_;
-    std::vector<int> heldRows_; // which row is in which place
+    std::vector<int> heldGroups_; // which is in which place
     std::vector<const std::int16_t*> lines_;
 };
 
