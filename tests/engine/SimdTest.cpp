@@ -7,7 +7,7 @@
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RankRows.h"
-#include "imaging/engine/ResampleOpaque.h"
+#include "imaging/engine/ResampleFixed.h"
 #include "imaging/engine/TurnTile.h"
 #include "imaging/engine/TwirlRows.h"
 #include "imaging/engine/ZoomRays.h"
@@ -307,38 +307,87 @@ TEST(Simd, TwirlEqualsPlainLoopsAndItsFormula) {
     });
 }
 
-TEST(Simd, FixedPointResamplingEqualsPlainLoops) {
-    struct Lengths {
-        int from;
-        int to;
-    };
+std::vector<std::int16_t> RandomShorts(std::size_t count, int lowest, int highest) {
     std::mt19937 generator(9);
-    for (const Lengths lengths : {Lengths{96, 31}, {7, 40}, {33, 33}, {600, 9}, {2, 1}}) {
-        const FixedWeights weights(LanczosWeights(lengths.from, lengths.to), kMostColumnBits);
-        std::vector<std::int16_t> sums((static_cast<std::size_t>(lengths.from) + 8) * 4);
-        for (std::int16_t& sum : sums) {
-            sum = static_cast<std::int16_t>(static_cast<int>(generator() % 24000) - 4000);
-        }
-        const std::vector<std::uint8_t> row(64 * 40, 255);
-        std::vector<const std::uint8_t*> rows;
-        for (std::size_t i = 0; i < weights[0].weights.size(); ++i) {
-            rows.push_back(row.data() + 64 * (i % 39));
-        }
+    std::vector<std::int16_t> numbers(count);
+    for (std::int16_t& number : numbers) {
+        const auto range = static_cast<std::uint32_t>(highest - lowest + 1);
+        number = static_cast<std::int16_t>(lowest + static_cast<int>(generator() % range));
+    }
+    return numbers;
+}
+
+struct Lengths {
+    int from;
+    int to;
+};
+constexpr Lengths kLengths[] = {{96, 31}, {7, 40}, {33, 33}, {600, 9}, {2, 1}};
+
+TEST(Simd, FixedPointColumnsEqualPlainLoops) {
+    constexpr int kRows = 6; // what is taken together and a rest
+    for (const Lengths lengths : kLengths) {
+        const FixedWeights weights(LanczosWeights(lengths.from, lengths.to), FixedWeights::Use::Columns,
+                                   kMostWideBits);
+        const std::ptrdiff_t stride = (lengths.from + 8) * 4;
+        const std::vector<std::int16_t> sums =
+            RandomShorts(static_cast<std::size_t>(kRows * stride), -16000, 20000);
+        const PairedRows rows{sums.data(), stride, kRows};
+        const std::ptrdiff_t length = lengths.to * 4;
         ForEachTarget([&](const char* target) {
-            std::vector<std::uint8_t> plain(static_cast<std::size_t>(lengths.to) * 4);
-            std::vector<std::uint8_t> vectors(plain.size());
-            scalar::SumColumnsFixed(sums.data(), weights, plain.data());
-            simd::SumColumnsFixed(sums.data(), weights, vectors.data());
-            EXPECT_EQ(vectors, plain) << target << " " << lengths.from << " to " << lengths.to;
-            const PixelArray noise = Random({16, 1});
-            rows[0] = noise.Row(0);
-            std::vector<std::int16_t> plainSums(64);
-            std::vector<std::int16_t> vectorSums(64);
-            scalar::SumRowsFixed(rows, weights[0].weights, weights.Bits(), 64, plainSums.data());
-            simd::SumRowsFixed(rows, weights[0].weights, weights.Bits(), 64, vectorSums.data());
-            EXPECT_EQ(vectorSums, plainSums) << target;
+            const auto expectSame = [&](auto plainLoop, auto vectorLoop, auto number) {
+                std::vector<decltype(number)> plain(static_cast<std::size_t>(kRows * length));
+                std::vector<decltype(number)> vectors(plain.size());
+                plainLoop(rows, weights, plain.data(), length);
+                vectorLoop(rows, weights, vectors.data(), length);
+                EXPECT_EQ(vectors, plain) << target << " " << lengths.from << " to " << lengths.to;
+            };
+            expectSame(scalar::SumColumnsFixed, simd::SumColumnsFixed, std::uint8_t{});
+            expectSame(scalar::SumColumnsToSums, simd::SumColumnsToSums, std::int16_t{});
+            expectSame(scalar::SumPremultipliedColumns, simd::SumPremultipliedColumns, std::uint8_t{});
         });
     }
+}
+
+TEST(Simd, FixedPointRowsEqualPlainLoops) {
+    constexpr int kCount = 96; // components
+    constexpr std::size_t kMostRows = 400;
+    const PixelArray noise = Random({kCount / 4, 7}, Alpha::Random);
+    const std::vector<std::int16_t> premultiplied = RandomShorts(kMostRows * kCount, -32768, 32257);
+    const std::vector<std::int16_t> sums = RandomShorts(kMostRows * kCount, -3000, 19000);
+    for (const Lengths lengths : kLengths) {
+        const FixedWeights weights(LanczosWeights(lengths.from, lengths.to), FixedWeights::Use::Rows,
+                                   kMostWideBits);
+        const auto taps = weights[0].weights;
+        std::vector<const std::uint8_t*> byteRows;
+        std::vector<const std::int16_t*> premultipliedRows;
+        std::vector<const std::int16_t*> sumRows;
+        for (std::size_t i = 0; i < taps.size(); ++i) {
+            byteRows.push_back(noise.Row(static_cast<int>(i % 7)));
+            premultipliedRows.push_back(premultiplied.data() + i % kMostRows * kCount);
+            sumRows.push_back(sums.data() + i % kMostRows * kCount);
+        }
+        ForEachTarget([&](const char* target) {
+            const auto expectSame = [&](auto plainLoop, auto vectorLoop, const auto& rows, int count,
+                                        auto number) {
+                std::vector<decltype(number)> plain(kCount);
+                std::vector<decltype(number)> vectors(kCount);
+                plainLoop(rows, taps, weights.Bits(), count, plain.data());
+                vectorLoop(rows, taps, weights.Bits(), count, vectors.data());
+                EXPECT_EQ(vectors, plain) << target << " " << lengths.from << " to " << lengths.to;
+            };
+            expectSame(scalar::SumRowsFixed, simd::SumRowsFixed, byteRows, kCount, std::int16_t{});
+            expectSame(scalar::SumPremultipliedRows, simd::SumPremultipliedRows, premultipliedRows, kCount,
+                       std::int16_t{});
+            expectSame(scalar::SumSumsFixed, simd::SumSumsFixed, sumRows, kCount - 4, std::uint8_t{});
+        });
+    }
+    ForEachTarget([&](const char* target) {
+        std::vector<std::int16_t> plain(kCount);
+        std::vector<std::int16_t> vectors(kCount);
+        scalar::Premultiply(noise.Row(0), kCount, plain.data());
+        simd::Premultiply(noise.Row(0), kCount, vectors.data());
+        EXPECT_EQ(vectors, plain) << target;
+    });
 }
 
 TEST(Simd, ConvolutionEqualsPlainLoops) {

@@ -1,8 +1,7 @@
 // Scaling a picture to another size, see Resample.h.
 #include "imaging/engine/Resample.h"
 
-#include "imaging/engine/ResampleOpaque.h"
-#include "imaging/engine/ResampleSeparable.h"
+#include "imaging/engine/ResampleFixed.h"
 
 namespace pictorel::engine {
 
@@ -12,8 +11,8 @@ PixelArray Resize(const PixelArray& source, int width, int height) {
     if (width == source.Width() && height == source.Height()) {
         return source;
     }
-    const auto resample = source.HasAlpha() ? ResampleSeparable : ResampleOpaque;
-    return resample(source, LanczosWeights(source.Width(), width), LanczosWeights(source.Height(), height));
+    return ResampleFixed(source, LanczosWeights(source.Width(), width),
+                         LanczosWeights(source.Height(), height));
 }
 
 } // namespace pictorel::engine

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace pictorel::engine {
@@ -92,7 +93,7 @@ struct StretchBegin {
     }
 };
 
-constexpr int kRaysPerBlock = 256; // even of the longest stretch their values stay in the cache
+constexpr int kRaysPerBlock = 256; // enough that what is done once a node costs little
 
 class RayBlock {
   public:
@@ -109,7 +110,7 @@ class RayBlock {
         }
         const auto row = static_cast<std::size_t>(RowLength());
         kept_ = last - StretchBegin(wedge_, innerScale_, last).before + 3;
-        values_.resize(std::max(values_.size(), row * static_cast<std::size_t>(kept_)));
+        ReserveValues(row * static_cast<std::size_t>(kept_));
         sums_.assign(row, 0);
         means_.resize(row);
         // The first node takes off what lies behind the node at which its stretch begins.
@@ -133,8 +134,14 @@ class RayBlock {
     int RowLength() const {
         return (RayCount() + kRaysTogether - 1) / kRaysTogether * kRaysTogether * kComponents;
     }
+    void ReserveValues(std::size_t count) {
+        if (count > valuesReserved_) {
+            values_ = std::make_unique_for_overwrite<std::int16_t[]>(count);
+            valuesReserved_ = count;
+        }
+    }
     std::int16_t* ValuesAt(int node) {
-        return values_.data() + static_cast<std::ptrdiff_t>(node % kept_) * RowLength();
+        return values_.get() + static_cast<std::ptrdiff_t>(node % kept_) * RowLength();
     }
 
     // Steep rays leave the picture before the wedge ends.
@@ -182,7 +189,13 @@ class RayBlock {
             }
         };
         copy(0, before, line, 0);
-        copy(before, inside, line + (lowest + before) * wedge_.minorStep, wedge_.minorStep);
+        const std::uint8_t* const from = line + (lowest + before) * wedge_.minorStep;
+        if (wedge_.minorStep == kComponents) {
+            std::memcpy(to + before * kComponents, from,
+                        static_cast<std::size_t>(inside - before) * kComponents);
+        } else {
+            copy(before, inside, from, wedge_.minorStep);
+        }
         copy(inside, count, line + (wedge_.minorSize - 1) * wedge_.minorStep, 0);
         return to;
     }
@@ -256,7 +269,8 @@ class RayBlock {
     int innerNode_ = 0; // before the sum
     std::vector<std::uint8_t> line_;
     std::vector<std::int16_t> premultiplied_;
-    std::vector<std::int16_t> values_;
+    std::unique_ptr<std::int16_t[]> values_; // not a vector: clearing it costs as much as using it
+    std::size_t valuesReserved_ = 0;
     std::vector<std::int32_t> sums_; // of each ray, twice what lies from the node after innerNode_ on
     std::vector<std::int16_t> means_;
 };

@@ -167,21 +167,27 @@ HWY_INLINE TwoRays AddedUp(TwoRays a, TwoRays b) {
 
 void MixRays(const std::int16_t* means, const PixelsBetween& between) {
     constexpr int kTogether = 4; // pixels
-    const hn::FixedTag<std::uint8_t, 8> bytes;
+    const hn::FixedTag<std::uint8_t, kTogether * kComponents> bytes;
+    const hn::FixedTag<std::uint8_t, kTogether * kComponents / 2> half;
+    const auto opaque = hn::BitCast(bytes, hn::Set(hn::FixedTag<std::uint32_t, kTogether>(), 0xFF000000U));
     std::int64_t position = between.position;
     std::uint8_t* pixel = between.pixels;
     int i = 0;
     for (; i + kTogether <= between.count; i += kTogether, position += kTogether * between.step) {
         const auto weighted = [&](int k)
                                   HWY_ATTR { return WeightedRays(means, position + k * between.step); };
-        const auto first = hn::DemoteTo(bytes, AddedUp(weighted(0), weighted(1)));
-        const auto second = hn::DemoteTo(bytes, AddedUp(weighted(2), weighted(3)));
+        const auto first = hn::DemoteTo(half, AddedUp(weighted(0), weighted(1)));
+        const auto second = hn::DemoteTo(half, AddedUp(weighted(2), weighted(3)));
+        const auto pixels = hn::Or(hn::Combine(bytes, second, first), opaque);
+        if (between.pixelStep == kComponents) {
+            hn::StoreU(pixels, bytes, pixel);
+            pixel += kTogether * kComponents;
+            continue;
+        }
         std::uint8_t four[kTogether * kComponents];
-        hn::StoreU(first, bytes, four);
-        hn::StoreU(second, bytes, four + sizeof four / 2);
+        hn::StoreU(pixels, bytes, four);
         for (int k = 0; k < kTogether; ++k, pixel += between.pixelStep) {
             std::memcpy(pixel, four + k * kComponents, kComponents);
-            pixel[3] = 255;
         }
     }
     scalar::MixRays(means, {position, between.step, between.count - i, pixel, between.pixelStep});
