@@ -88,7 +88,8 @@ std::vector<Band> MakeBands(const PixelArray& picture, bool withAlpha) {
     return bands;
 }
 
-// The content of the chunk that holds an XMP packet (ISO 16684-1 and its part on storage in files); empty where there is none.
+// The content of the chunk that holds an XMP packet (ISO 16684-1 and its part on storage in files); empty
+// where there is none.
 ByteBuffer XmpText(const ByteBuffer& xmp) {
     ByteBuffer text;
     if (!xmp.empty()) {

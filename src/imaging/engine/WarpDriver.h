@@ -44,10 +44,10 @@ namespace warp {
 
 // One sample a pixel is enough while neighbouring ones lie no further apart in the source than this: bicubic
 // interpolation does not alias visibly up to there. Where a map reduces more, more samples are taken.
-constexpr double kLargestStep = 1.25;  // source pixels
+constexpr double kLargestStep = 1.25;   // source pixels
 constexpr double kSampleSpacing = 1.15; // of those, in source pixels
-constexpr int kMostSteps = 64;         // along each of the two directions of a reduction
-constexpr int kTileHeight = 16;        // rows taken together, so that the source lines stay in the cache
+constexpr int kMostSteps = 64;          // along each of the two directions of a reduction
+constexpr int kTileHeight = 16;         // rows taken together, so that the source lines stay in the cache
 
 // Points this far outside are as far outside as any: all samples of a pixel cannot reach back from there.
 constexpr double kFarOutside = kMostSteps + 2;
