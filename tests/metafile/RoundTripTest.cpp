@@ -27,8 +27,8 @@ TEST(RoundTrip, GivesTheSamePixelsAtAnyResolution) {
     constexpr struct {
         int width;
         int height;
-    } kShapes[] = {{1, 1}, {1, 700}, {700, 1}, {2, 2}, {3, 5}, {333, 217}, {1001, 700}, {32767, 3}};
-    constexpr double kResolutions[] = {0, 72, 96, 300, 1200, 0.5, 20000};
+    } kShapes[] = {{1, 1}, {1, 700}, {700, 1}, {2, 2}, {3, 5}, {333, 217}, {1001, 700}, {32767, 3}, {2, 40}};
+    constexpr double kResolutions[] = {0, 72, 96, 300, 1200, 0.5, 13369, 20000};
     for (const Codec& codec : MetafileCodecs()) {
         for (const auto& shape : kShapes) {
             for (const double resolution : kResolutions) {

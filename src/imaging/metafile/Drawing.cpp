@@ -35,8 +35,10 @@ struct Plan {
     double dotsPerInchY = 0;
 };
 
-bool IsNear(const QRectF& a, const QRectF& b) {
-    const double tolerance = 1 + std::max(b.width(), b.height()) / 100;
+// Within a hundredth, and two units of what frames are given in: a hundredth of a millimetre.
+bool IsNear(const QRectF& a, const QRectF& b, QPointF dotsPerMillimetre) {
+    const double frameUnit = std::max(dotsPerMillimetre.x(), dotsPerMillimetre.y()) / 100;
+    const double tolerance = 1 + std::max(b.width(), b.height()) / 100 + 2 * frameUnit;
     return std::abs(a.left() - b.left()) <= tolerance && std::abs(a.top() - b.top()) <= tolerance &&
            std::abs(a.right() - b.right()) <= tolerance && std::abs(a.bottom() - b.bottom()) <= tolerance;
 }
@@ -62,7 +64,7 @@ Plan UsualPlan(const QRectF& sheet, const QSizeF& inches) {
 
 // A file of bitmaps takes the size that shows the finest of them pixel by pixel; one of a drawing and bitmaps
 // that make up much of it does so where that is the larger size.
-void FollowBitmaps(Plan& plan, const Survey& survey) {
+void FollowBitmaps(Plan& plan, const Survey& survey, QPointF dotsPerMillimetre) {
     constexpr double kMuch = 0.25;
     constexpr double kMostPerBitmapPixel =
         4; // a small bitmap on a large sheet is no reason for a vast picture
@@ -82,7 +84,7 @@ void FollowBitmaps(Plan& plan, const Survey& survey) {
         return;
     }
     const bool isBitmap = !survey.DrawsMoreThanCopies();
-    if (isBitmap && IsNear(survey.Extents(), plan.sheet)) {
+    if (isBitmap && IsNear(survey.Extents(), plan.sheet, dotsPerMillimetre)) {
         plan.sheet = survey.Extents(); // the sheet's physical size is rounded
     }
     const double width = plan.sheet.width() * finestX;
@@ -118,7 +120,7 @@ Plan PlanOf(const Drawing& drawing) {
         codecs::Refuse("The metafile draws nothing.");
     }
     Plan plan = UsualPlan(sheet, drawing.sheet.isEmpty() ? QSizeF() : drawing.inches);
-    FollowBitmaps(plan, survey);
+    FollowBitmaps(plan, survey, drawing.dotsPerMillimetre);
     plan.width = std::clamp(std::round(plan.width), 1.0, double{kMaximumSide});
     plan.height = std::clamp(std::round(plan.height), 1.0, double{kMaximumSide});
     SetResolution(plan, drawing.inches, survey);

@@ -2,21 +2,17 @@
 #include "imaging/metafile/PaintedSurface.h"
 
 #include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
+#include "imaging/codecs/PixelSupport.h"
 #include "imaging/metafile/StrokeWork.h"
 
 #include <algorithm>
-#include <cmath>
+#include <utility>
 
 namespace pictorel::metafile {
 namespace {
 
-QImage NewImage(QSize size, QImage::Format format) {
-    QImage image(size, format);
-    if (image.isNull()) {
-        throw ImagingError(ImagingFailure::OutOfMemory, "There is not enough memory to draw this metafile.");
-    }
-    return image;
+QImage ImageIn(PixelArray& memory) {
+    return {memory.WritableRows(), memory.Width(), memory.Height(), memory.Stride(), QImage::Format_RGB32};
 }
 
 // Upper bounds of what the painter does for a path of so many points.
@@ -44,7 +40,10 @@ std::uint32_t MeanOf(const std::uint32_t* pixels, std::ptrdiff_t stride, int sid
 } // namespace
 
 PaintedSurface::PaintedSurface(QSize picture, int scale, double work)
-    : canvas_(NewImage(picture * scale, QImage::Format_RGB32)), scale_(scale), work_(work) {
+    : memory_(picture.width() * scale, picture.height() * scale),
+      canvas_(ImageIn(memory_)),
+      scale_(scale),
+      work_(work) {
     canvas_.fill(Qt::white);
     painter_.begin(&canvas_);
 }
@@ -97,6 +96,10 @@ void PaintedSurface::SetClip(const std::optional<QRegion>& region) {
 
 PixelArray PaintedSurface::Finish() {
     painter_.end();
+    if (scale_ == 1) {
+        codecs::MakeOpaque(memory_);
+        return std::move(memory_);
+    }
     PixelArray picture(canvas_.width() / scale_, canvas_.height() / scale_);
     std::uint8_t* const rows = picture.WritableRows();
     ForEachBand(picture.Height(), picture.RowBytes() * static_cast<std::size_t>(scale_ * scale_ + 1),
@@ -110,7 +113,6 @@ PixelArray PaintedSurface::Finish() {
                         }
                     }
                 });
-    canvas_ = QImage();
     return picture;
 }
 

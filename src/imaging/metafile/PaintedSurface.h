@@ -34,6 +34,7 @@ class PaintedSurface : public Surface {
     QRect Reached(const QRectF& area) const; // whole pixels that are inside canvas and clip
     void Mix(const Stamp& stamp, const PlacedBitmap& placed, const QImage& image, const QRect& area);
 
+    PixelArray memory_; // of the canvas
     QImage canvas_;
     int scale_;
     double work_;

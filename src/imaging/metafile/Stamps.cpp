@@ -45,7 +45,7 @@ QRectF FromFirstRow(const Bitmap& bitmap, const QRectF& part) {
 
 void PutScanLines(DeviceContext& context, Bitmap bitmap, const ScanLines& lines) {
     bitmap.KeepRows(lines.count);
-    const QRectF part = FromFirstRow(bitmap, lines.part.translated(0, -lines.first));
+    const QRectF part = FromFirstRow(bitmap, lines.part.translated(0, -double(lines.first)));
     const QPointF corner = context.State().mapping.ToDevice().map(lines.target);
     Stamp stamp = MakeStamp(context, bitmap, part, {corner, lines.part.size()}, kCopySource);
     stamp.toCanvas = Between(part, {corner, lines.part.size()}) * context.DeviceToCanvas();
