@@ -47,7 +47,7 @@ namespace warp {
 constexpr double kLargestStep = 1.25;  // source pixels
 constexpr double kSampleSpacing = 1.15; // of those, in source pixels
 constexpr int kMostSteps = 64;         // along each of the two directions of a reduction
-constexpr int kTileHeight = 16;        // rows taken together, so that the source lines stay in the cache
+constexpr int kTileHeight = 32;        // rows taken together, so that the source lines stay in the cache
 
 // Points this far outside are as far outside as any: all samples of a pixel cannot reach back from there.
 constexpr double kFarOutside = kMostSteps + 2;
