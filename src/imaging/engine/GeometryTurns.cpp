@@ -14,9 +14,10 @@ namespace {
 
 constexpr std::ptrdiff_t kPixelBytes = PixelArray::kComponents;
 
-// A quarter turn reads down columns. In squares of this side the source lines touched stay in the cache
-// until all their pixels have been read.
-constexpr int kTurnTile = 32;
+// Tiles of a result that is turned: as wide as a line of the cache, which is written whole, and as high as
+// makes long runs of the source's rows.
+constexpr int kTileWidth = 16;
+constexpr int kTileHeight = 256;
 
 // Writes to the result pixel (x, y) what lies at `start + x * alongRow + y * alongColumn`, `alongColumn`
 // being one pixel to the right or to the left.
@@ -35,11 +36,21 @@ PixelArray Turned(const PixelArray& source, const std::uint8_t* start, std::ptrd
                          rows + first * stride + left * kPixelBytes, isUpwards ? -stride : stride,
                          right - left, bottom - top, streams});
     };
-    ForEachBand(height, 2 * result.RowBytes(), [&](int first, int end) {
-        for (int top = first; top < end; top += kTurnTile) {
-            for (int left = 0; left < width; left += kTurnTile) {
-                turnTile(left, std::min(left + kTurnTile, width), top, std::min(top + kTurnTile, end));
+    const int tileRows = (height + kTileHeight - 1) / kTileHeight;
+    ForEachBand(tileRows, 2 * kTileHeight * result.RowBytes(), [&](int first, int end) {
+        for (int tileRow = first; tileRow < end; ++tileRow) {
+            // Counted from the row that is the source's left column, so that tiles begin where lines of the
+            // cache do.
+            const int near = tileRow * kTileHeight;
+            const int far = std::min(near + kTileHeight, height);
+            const int top = alongColumn < 0 ? height - far : near;
+            const int bottom = alongColumn < 0 ? height - near : far;
+            for (int left = 0; left < width; left += kTileWidth) {
+                turnTile(left, std::min(left + kTileWidth, width), top, bottom);
             }
+        }
+        if (streams) {
+            simd::EndStreaming();
         }
     });
     return result;

@@ -14,7 +14,8 @@ struct TurnTile {
     std::ptrdiff_t toStep;
     int width; // of the result
     int height;
-    bool streams; // past the cache; `to` and `toStep` are then multiples of 16
+    bool
+        streams; // past the cache; `to` and `toStep` are then multiples of 16, and EndStreaming() must follow
 };
 
 namespace scalar {
@@ -22,6 +23,7 @@ void Transpose(const TurnTile& tile);
 }
 namespace simd { // the same with the best vectors that the processor has
 void Transpose(const TurnTile& tile);
-}
+void EndStreaming(); // after the thread's last tile
+} // namespace simd
 
 } // namespace pictorel::engine

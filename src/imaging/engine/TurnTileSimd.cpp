@@ -57,9 +57,6 @@ void TransposeSquares(const TurnTile& tile, int width, int height) {
                                       tile.to + y * tile.toStep + x * kPixelBytes, tile.toStep);
         }
     }
-    if (kStreams) {
-        hwy::FlushStream();
-    }
 }
 
 // The squares, then what is left of the tile on the right and below.
@@ -94,6 +91,10 @@ namespace simd {
 
 void Transpose(const TurnTile& tile) {
     HWY_DYNAMIC_DISPATCH(Transpose)(tile);
+}
+
+void EndStreaming() {
+    hwy::FlushStream();
 }
 
 } // namespace simd

@@ -47,7 +47,7 @@ namespace warp {
 constexpr double kLargestStep = 1.25;   // source pixels
 constexpr double kSampleSpacing = 1.15; // of those, in source pixels
 constexpr int kMostSteps = 64;          // along each of the two directions of a reduction
-constexpr int kTileHeight = 16;         // rows taken together, so that the source lines stay in the cache
+constexpr int kTileHeight = 32;         // rows taken together, so that the source lines stay in the cache
 
 // Points this far outside are as far outside as any: all samples of a pixel cannot reach back from there.
 constexpr double kFarOutside = kMostSteps + 2;
@@ -173,15 +173,6 @@ inline EvenSpacing SpacingOf(double first, double last, int count) {
     const double base = std::floor(start);
     return {static_cast<std::int32_t>(base), static_cast<float>(start - base + bias),
             static_cast<float>(step)};
-}
-
-inline SampleBounds BoundsOf(const SampleRun& run) {
-    SampleBounds bounds{run.x[0], run.x[0], run.y[0], run.y[0]};
-    for (int i = 1; i < run.count; ++i) {
-        bounds = {std::min(bounds.left, run.x[i]), std::max(bounds.right, run.x[i]),
-                  std::min(bounds.top, run.y[i]), std::max(bounds.bottom, run.y[i])};
-    }
-    return bounds;
 }
 
 // Of points of which the first and the last are the outermost.

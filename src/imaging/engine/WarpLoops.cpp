@@ -15,6 +15,17 @@ namespace pictorel::engine::HWY_NAMESPACE {
 
 constexpr int kComponents = PixelArray::kComponents;
 
+SampleBounds BoundsOf(const SampleRun& run) {
+    SampleBounds bounds{run.x[0], run.x[0], run.y[0], run.y[0]};
+    for (int i = 1; i < run.count; ++i) {
+        bounds.left = std::min(bounds.left, run.x[i]);
+        bounds.right = std::max(bounds.right, run.x[i]);
+        bounds.top = std::min(bounds.top, run.y[i]);
+        bounds.bottom = std::max(bounds.bottom, run.y[i]);
+    }
+    return bounds;
+}
+
 void LocateEvenly(EvenSpacing spacing, std::int32_t* HWY_RESTRICT to) {
     for (int i = 0; i < kRunLength; ++i) {
         to[i] =
@@ -78,10 +89,15 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace pictorel::engine {
 
+HWY_EXPORT(BoundsOf);
 HWY_EXPORT(LocateEvenly);
 HWY_EXPORT(LocateQuotients);
 HWY_EXPORT(AddSamples);
 HWY_EXPORT(MeanOfSamples);
+
+SampleBounds BoundsOf(const SampleRun& run) {
+    return HWY_DYNAMIC_DISPATCH(BoundsOf)(run);
+}
 
 void LocateEvenly(EvenSpacing spacing, std::int32_t* to) {
     HWY_DYNAMIC_DISPATCH(LocateEvenly)(spacing, to);

@@ -10,7 +10,8 @@ namespace pictorel::engine {
 
 inline constexpr int kRunNumbers = kRunLength * PixelArray::kComponents;
 
-// All loops go over whole runs of kRunLength points.
+// Of the points that the run counts. The other loops go over whole runs of kRunLength points.
+SampleBounds BoundsOf(const SampleRun& run);
 
 // Truncated `base` + `offset` + i `step`; the last two must not add up to less than 0.
 struct EvenSpacing {
