@@ -136,15 +136,43 @@ void AddOperation(peers::Bench& bench, const std::string& name, const Operation&
     bench.add(name, "pictorel", peers::Fit::Same, run, view);
 }
 
+// Enlarging takes the harness's small picture, four times up.
+constexpr Operation kEnlarging = {"resize_up_6000_lanczos",
+                                  [](const PixelArray& p) { return Resize(p, 6000, 4000); }};
+
+// What takes another road when there is alpha.
+constexpr Operation kAlphaOperations[] = {
+    {"alpha_resize_3000", [](const PixelArray& p) { return Resize(p, 3000, 2000); }},
+    {"alpha_resize_250", [](const PixelArray& p) { return Resize(p, 250, 167); }},
+    {"alpha_rotate30", [](const PixelArray& p) { return Rotate(p, 30, kBlack); }},
+    {"alpha_zoom_blur_10pct", [](const PixelArray& p) { return ZoomBlur(p, 10); }},
+};
+
+// Opaque at its left side and clear at its right one.
+PixelArray WithAlpha(const PixelArray& picture) {
+    PixelArray result = picture;
+    std::uint8_t* const rows = result.WritableRows();
+    for (int y = 0; y < result.Height(); ++y) {
+        for (int x = 0; x < result.Width(); ++x) {
+            rows[y * result.Stride() + std::ptrdiff_t{x} * PixelArray::kComponents + 3] =
+                static_cast<std::uint8_t>(255 - 255LL * x / result.Width());
+        }
+    }
+    result.SetHasAlpha(true);
+    return result;
+}
+
 void AddEngine(peers::Bench& bench) {
     const PixelArray picture = CopyOf(bench.ctx.src);
     const auto result = std::make_shared<PixelArray>();
     for (const Operation& operation : kOperations) {
         AddOperation(bench, operation.name, operation, picture, result);
     }
-    const Operation enlarged{"resize_up_6000_lanczos",
-                             [](const PixelArray& p) { return Resize(p, 6000, 4000); }};
-    AddOperation(bench, enlarged.name, enlarged, CopyOf(bench.ctx.small), result);
+    AddOperation(bench, kEnlarging.name, kEnlarging, CopyOf(bench.ctx.small), result);
+    const PixelArray transparent = WithAlpha(picture);
+    for (const Operation& operation : kAlphaOperations) {
+        AddOperation(bench, operation.name, operation, transparent, result);
+    }
     for (const int width : {250, 1000, 2400}) {
         const PixelArray copy = ReducedCopy(picture, width);
         for (const Operation& operation : kPreviewOperations) {

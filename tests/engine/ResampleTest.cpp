@@ -97,7 +97,8 @@ INSTANTIATE_TEST_SUITE_P(Sizes, ResizeOf,
                          ::testing::Values(Sizes{17, 11, 8, 5}, Sizes{17, 11, 31, 40}, Sizes{17, 11, 5, 29},
                                            Sizes{1, 1, 9, 4}, Sizes{1, 13, 1, 5}, Sizes{13, 1, 40, 1},
                                            Sizes{63, 57, 1, 1}, Sizes{64, 48, 16, 12}, Sizes{64, 48, 64, 7},
-                                           Sizes{2, 2, 3, 7}, Sizes{301, 7, 2, 2}, Sizes{9, 400, 9, 3}));
+                                           Sizes{2, 2, 3, 7}, Sizes{2, 2, 26, 26}, Sizes{301, 7, 2, 2},
+                                           Sizes{9, 400, 9, 3}));
 
 TEST(Resize, SameSizeIsTheSourceItself) {
     const PixelArray picture = Speckled(6, 5, true);

@@ -72,10 +72,12 @@ class AlphaBand {
           sums_(static_cast<std::size_t>(stride_) * kRowsTogether) {}
 
     void MakeRows(int first, int end, std::uint8_t* to, std::ptrdiff_t toStride) {
-        top_ = rows_[first].first;
-        bottom_ = top_;
+        top_ = source_.Height(); // not always the first row's: it may leave out weights of 0
+        bottom_ = 0;
         for (int row = first; row < end; ++row) {
-            bottom_ = std::max(bottom_, rows_[row].first + static_cast<int>(rows_[row].weights.size()));
+            const FixedWeights::Taps taps = rows_[row];
+            top_ = std::min(top_, taps.first);
+            bottom_ = std::max(bottom_, taps.first + static_cast<int>(taps.weights.size()));
         }
         bottom_ = std::min(bottom_, source_.Height());
         constexpr int kCacheComponents = 1 << 16;
