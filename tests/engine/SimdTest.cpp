@@ -12,6 +12,7 @@
 #include "imaging/engine/TwirlRows.h"
 #include "imaging/engine/ZoomRays.h"
 
+#define HWY_WANT_AVX3_DL // some kernels come in it too
 #include <hwy/targets.h>
 
 #include <cmath>
@@ -48,7 +49,8 @@ PixelArray Apply(const PixelArray& source, const RowFunction& function) {
 }
 
 std::vector<Pair> RowPairs() {
-    std::vector<Pair> pairs{{"invert", scalar::InvertRow, simd::InvertRow}};
+    std::vector<Pair> pairs{{"invert", scalar::InvertRow, simd::InvertRow},
+                            {"mirror", scalar::MirrorRow, simd::MirrorRow}};
     const auto add = [&](const std::string& name, auto plain, auto vectors, auto parameter) {
         pairs.push_back({name, [=](auto* in, auto* out, int width) { plain(in, out, width, parameter); },
                          [=](auto* in, auto* out, int width) { vectors(in, out, width, parameter); }});

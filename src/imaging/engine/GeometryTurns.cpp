@@ -1,9 +1,9 @@
 // Mirrors and quarter turns: pixels change places and nothing else, see Geometry.h.
 #include "imaging/ForEachBand.h"
 #include "imaging/engine/Geometry.h"
+#include "imaging/engine/RowLoop.h"
 #include "imaging/engine/Streaming.h"
 #include "imaging/engine/TurnTile.h"
-#include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -70,18 +70,7 @@ PixelArray MirrorTopToBottom(const PixelArray& source) {
 }
 
 PixelArray MirrorLeftToRight(const PixelArray& source) {
-    PixelArray result = PixelArray::Like(source);
-    std::uint8_t* const rows = result.WritableRows();
-    ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
-        for (int y = first; y < end; ++y) {
-            const std::uint8_t* const from = source.Row(y) + (result.Width() - 1) * kPixelBytes;
-            std::uint8_t* const to = rows + y * result.Stride();
-            for (std::ptrdiff_t x = 0; x < result.Width(); ++x) {
-                StorePixel(to + x * kPixelBytes, LoadPixel(from - x * kPixelBytes));
-            }
-        }
-    });
-    return result;
+    return MapRows(source, simd::MirrorRow);
 }
 
 PixelArray QuarterTurnLeft(const PixelArray& source) {

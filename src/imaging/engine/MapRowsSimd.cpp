@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#define HWY_WANT_AVX3_DL // whose shuffles reach over all bytes of a vector
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/MapRowsSimd.cpp"
 #include <hwy/foreach_target.h>
@@ -33,17 +34,47 @@ constexpr int kComponents = PixelArray::kComponents;
 using Bytes = hn::ScalableTag<std::uint8_t>;
 using ByteVector = hn::Vec<Bytes>;
 
-constexpr auto kSection = static_cast<std::uint8_t>(SectionedMap::kSection);
-constexpr auto kHalf = static_cast<std::uint8_t>(SectionedMap::kHalf);
+// A block of pixels as four vectors: of pixels, or of one component each.
+struct Block {
+    ByteVector v0;
+    ByteVector v1;
+    ByteVector v2;
+    ByteVector v3;
+};
+
+#if HWY_TARGET == HWY_AVX3_DL
+
+// Looks up the values of vectors: a shuffle of two vectors reaches one half of the map.
+class Lookup {
+  public:
+    explicit Lookup(const SectionedMap& map)
+        : map_{Quarter(map, 0), Quarter(map, 1), Quarter(map, 2), Quarter(map, 3)} {}
+
+    HWY_INLINE ByteVector operator()(ByteVector values) const {
+        const __m512i lower = _mm512_permutex2var_epi8(map_.v0.raw, values.raw, map_.v1.raw);
+        const __m512i upper = _mm512_permutex2var_epi8(map_.v2.raw, values.raw, map_.v3.raw);
+        return ByteVector{_mm512_mask_mov_epi8(lower, _mm512_movepi8_mask(values.raw), upper)};
+    }
+
+  private:
+    static HWY_INLINE ByteVector Quarter(const SectionedMap& map, std::size_t quarter) {
+        const Bytes bytes;
+        return hn::LoadU(bytes, map.plain.data() + quarter * hn::Lanes(bytes));
+    }
+
+    Block map_;
+};
+
+#else
 
 // Looks up the values of vectors.
-class Sections {
+class Lookup {
   public:
-    explicit Sections(const SectionedMap& map) : differences_(map.differences.data()) {}
+    explicit Lookup(const SectionedMap& map) : differences_(map.differences.data()) {}
 
-    HWY_INLINE ByteVector LookUp(ByteVector values) const {
+    HWY_INLINE ByteVector operator()(ByteVector values) const {
         const Bytes bytes;
-        const auto upper = hn::Xor(values, hn::Set(bytes, kHalf));
+        const auto upper = hn::Xor(values, hn::Set(bytes, static_cast<std::uint8_t>(SectionedMap::kHalf)));
         ByteVector result = hn::Zero(bytes);
         // A shuffle gives 0 for indices with the sign bit: in each half those of the other half, and those
         // that lie before the section.
@@ -66,21 +97,15 @@ class Sections {
     // The next section begins at 0; what is negative stays negative.
     static HWY_INLINE ByteVector Lowered(ByteVector values) {
         const hn::ScalableTag<std::int8_t> numbers;
-        const auto lowered = hn::SaturatedSub(hn::BitCast(numbers, values),
-                                              hn::Set(numbers, static_cast<std::int8_t>(kSection)));
+        const auto lowered = hn::SaturatedSub(
+            hn::BitCast(numbers, values), hn::Set(numbers, static_cast<std::int8_t>(SectionedMap::kSection)));
         return hn::BitCast(Bytes(), lowered);
     }
 
     const std::uint8_t* differences_;
 };
 
-// A block of pixels as four vectors: of pixels, or of one component each.
-struct Block {
-    ByteVector v0;
-    ByteVector v1;
-    ByteVector v2;
-    ByteVector v3;
-};
+#endif
 
 // Of 4 x 4 pixels or components, rows become columns and back.
 HWY_INLINE Block Transposed(const Block& block) {
@@ -148,13 +173,13 @@ HWY_INLINE void ChangeBlocks(const std::uint8_t* in, std::uint8_t* out, int widt
 }
 
 void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const SectionedMaps& maps) {
-    const Sections blue(maps.blue);
-    const Sections green(maps.green);
-    const Sections red(maps.red);
+    const Lookup blue(maps.blue);
+    const Lookup green(maps.green);
+    const Lookup red(maps.red);
     ChangeBlocks(in, out, width, [&](const Block& pixels) HWY_ATTR {
         const Block components = Transposed(Regrouped(pixels));
-        return Regrouped(Transposed({blue.LookUp(components.v0), green.LookUp(components.v1),
-                                     red.LookUp(components.v2), components.v3}));
+        return Regrouped(
+            Transposed({blue(components.v0), green(components.v1), red(components.v2), components.v3}));
     });
 }
 
@@ -169,8 +194,8 @@ HWY_INLINE ByteVector LumaOf(ByteVector pixels) {
 }
 
 void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width, const SectionedChange& change) {
-    const Sections raisingSections(change.raising);
-    const Sections loweringSections(change.lowering);
+    const Lookup raising(change.raising);
+    const Lookup lowering(change.lowering);
     // For vector k of a block: each of its four bytes three times, and nothing for alpha.
     alignas(16) static constexpr std::uint8_t kSpread[16] = {0, 0, 0, 0x80, 1, 1, 1, 0x80,
                                                              2, 2, 2, 0x80, 3, 3, 3, 0x80};
@@ -178,8 +203,8 @@ void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width, const Se
     const ByteVector spread = hn::LoadDup128(bytes, kSpread);
     ChangeBlocks(in, out, width, [&](const Block& p) HWY_ATTR {
         const ByteVector luma = LowestBytes({LumaOf(p.v0), LumaOf(p.v1), LumaOf(p.v2), LumaOf(p.v3)});
-        const ByteVector raise = raisingSections.LookUp(luma);
-        const ByteVector lower = loweringSections.LookUp(luma);
+        const ByteVector raise = raising(luma);
+        const ByteVector lower = lowering(luma);
         const auto changed = [&](ByteVector pixels, std::uint8_t k) HWY_ATTR {
             const auto places = hn::Add(spread, hn::Set(bytes, static_cast<std::uint8_t>(4 * k)));
             const auto raised = hn::SaturatedAdd(pixels, hn::TableLookupBytesOr0(raise, places));

@@ -3,7 +3,7 @@
 
 namespace pictorel::engine {
 
-SectionedMap::SectionedMap(const ByteMap& map) {
+SectionedMap::SectionedMap(const ByteMap& map) : plain(map) {
     for (std::size_t value = 0; value < map.size(); ++value) {
         const bool begins = value % kHalf < kSection;
         differences[value] = static_cast<std::uint8_t>(map[value] ^ (begins ? 0 : map[value - kSection]));

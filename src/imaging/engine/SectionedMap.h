@@ -18,6 +18,7 @@ struct SectionedMap {
 
     explicit SectionedMap(const ByteMap& map);
 
+    ByteMap plain;
     alignas(kSection) ByteMap differences;
 };
 

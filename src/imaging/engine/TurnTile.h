@@ -1,4 +1,4 @@
-// Rows and columns of a small square of pixels exchanged.
+// Pixels that change places: rows and columns of a small square exchanged, rows turned round.
 #pragma once
 
 #include <cstddef>
@@ -18,11 +18,14 @@ struct TurnTile {
         streams; // past the cache; `to` and `toStep` are then multiples of 16, and EndStreaming() must follow
 };
 
+// MirrorRow: `out`, a row of a PixelArray, becomes the `width` pixels at `in` from the last to the first.
 namespace scalar {
 void Transpose(const TurnTile& tile);
-}
+void MirrorRow(const std::uint8_t* in, std::uint8_t* out, int width);
+} // namespace scalar
 namespace simd { // the same with the best vectors that the processor has
 void Transpose(const TurnTile& tile);
+void MirrorRow(const std::uint8_t* in, std::uint8_t* out, int width);
 void EndStreaming(); // after the thread's last tile
 } // namespace simd
 

@@ -1,16 +1,20 @@
-// Rows and columns exchanged in registers, four by four pixels at a time, see TurnTile.h.
+// Pixels that change places in registers, see TurnTile.h.
 #include "imaging/engine/TurnTile.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/TurnTileSimd.cpp"
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
+// After foreach_target.h, which includes this file once for each kind of vectors.
+#include "imaging/engine/RowWriter-inl.h"
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
 namespace pictorel::engine::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
+using scalar::MirrorRow;
 using scalar::Transpose;
 
 #else
@@ -77,6 +81,20 @@ void Transpose(const TurnTile& tile) {
     scalar::Transpose(rest);
 }
 
+void MirrorRow(const std::uint8_t* in, std::uint8_t* out, int width) {
+    const hn::ScalableTag<std::uint8_t> bytes;
+    const hn::ScalableTag<std::uint32_t> pixels;
+    const auto lanes = static_cast<int>(hn::Lanes(pixels));
+    const RowWriter writer(out, width);
+    int x = 0;
+    for (; x + lanes <= width; x += lanes) {
+        const auto block = hn::BitCast(pixels, hn::LoadU(bytes, in + (width - lanes - x) * kPixelBytes));
+        writer.Write(hn::BitCast(bytes, hn::Reverse(pixels, block)),
+                     static_cast<std::size_t>(x) * kPixelBytes);
+    }
+    scalar::MirrorRow(in, out + x * kPixelBytes, width - x);
+}
+
 #endif
 
 } // namespace pictorel::engine::HWY_NAMESPACE
@@ -85,12 +103,17 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace pictorel::engine {
 
+HWY_EXPORT(MirrorRow);
 HWY_EXPORT(Transpose);
 
 namespace simd {
 
 void Transpose(const TurnTile& tile) {
     HWY_DYNAMIC_DISPATCH(Transpose)(tile);
+}
+
+void MirrorRow(const std::uint8_t* in, std::uint8_t* out, int width) {
+    HWY_DYNAMIC_DISPATCH(MirrorRow)(in, out, width);
 }
 
 void EndStreaming() {
