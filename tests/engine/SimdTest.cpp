@@ -185,8 +185,27 @@ TEST(Simd, RankRowsEqualPlainLoops) {
                 scalar::MixRow(inner, outer, share, {picture.Row(2), plain.WritableRows(), width, false});
                 simd::MixRow(inner, outer, share, {picture.Row(2), vectors.WritableRows(), width, true});
                 EXPECT_TRUE(SamePixels(vectors, plain)) << target << " mixed, width " << width;
-                scalar::JoinRow(inner, {picture.Row(2), plain.WritableRows(), width, false});
-                simd::JoinRow(inner, {picture.Row(2), vectors.WritableRows(), width, false});
+            }
+            for (const Rank rank : {Rank::Brightest, Rank::Darkest}) {
+                PixelArray plain(width, 1);
+                PixelArray vectors(width, 1);
+                const std::uint8_t* const rows[] = {picture.Row(0), picture.Row(1), picture.Row(2),
+                                                    picture.Row(0) + 16};
+                const auto count = 4 * static_cast<std::size_t>(width);
+                for (const std::size_t reached : {2U, 3U, 4U}) {
+                    const std::span within(rows, reached);
+                    std::vector<std::uint8_t> plainColumns(2 * count);
+                    std::vector<std::uint8_t> columns(2 * count);
+                    scalar::ExtremeOfRows(rank, within, 12, count, plainColumns.data(),
+                                          plainColumns.data() + count);
+                    simd::ExtremeOfRows(rank, within, 12, count, columns.data(), columns.data() + count);
+                    EXPECT_EQ(columns, plainColumns)
+                        << target << " of " << reached << " rows, width " << width;
+                }
+                const WindowStep step{3, 4, 8};
+                const std::uint8_t* const colour = picture.Row(0) + 4;
+                scalar::JoinRow(rank, step, colour, {picture.Row(2), plain.WritableRows(), width, false});
+                simd::JoinRow(rank, step, colour, {picture.Row(2), vectors.WritableRows(), width, false});
                 EXPECT_TRUE(SamePixels(vectors, plain)) << target << " joined, width " << width;
             }
         }

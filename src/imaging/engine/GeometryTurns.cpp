@@ -3,11 +3,11 @@
 #include "imaging/engine/Geometry.h"
 #include "imaging/engine/RowLoop.h"
 #include "imaging/engine/Streaming.h"
+#include "imaging/engine/TileRows.h"
 #include "imaging/engine/TurnTile.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 namespace pictorel::engine {
 namespace {
@@ -61,9 +61,11 @@ PixelArray Turned(const PixelArray& source, const std::uint8_t* start, std::ptrd
 PixelArray MirrorTopToBottom(const PixelArray& source) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
+    const bool streams = IsStreamed(result);
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            std::memcpy(rows + y * result.Stride(), source.Row(result.Height() - 1 - y), result.RowBytes());
+            CopyRow(source.Row(result.Height() - 1 - y), result.RowBytes(), streams,
+                    rows + y * result.Stride());
         }
     });
     return result;

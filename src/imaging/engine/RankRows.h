@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace pictorel::engine {
 
@@ -17,7 +18,7 @@ struct WindowStep {
     std::ptrdiff_t last;
 };
 
-// Vectors read and write this much further than they are asked to.
+// Vectors of all but ExtremeOfRows read and write this much further than they are asked to.
 inline constexpr std::size_t kRankRoom = 64;
 
 // Where a row's results go: `streams` past the cache.
@@ -31,18 +32,25 @@ struct RankRow {
 // The share of the outer square in a mix of two, in 1/2^15.
 inline constexpr int kShareBits = 15;
 
-// out[i] = the extreme of the components that `step` names, from in[i] on; `out` may be `in`.
-// MixRow: inner + share (outer - inner), rounded to nearest. Both take alpha from the row given for it.
+// ExtremeOfRows: upper[i] and lower[i] = the extremes of rows[...][offset + i], of two or more rows, without
+// the last and without the first.
+// SpreadWindow: out[i] = the extreme of the components that `step` names, from in[i] on; `out` may be `in`.
+// JoinRow: the same, with alpha from the row given for it.
+// MixRow: inner + share (outer - inner), rounded to nearest, with alpha from the row given for it.
 namespace scalar {
+void ExtremeOfRows(Rank rank, std::span<const std::uint8_t* const> rows, std::size_t offset,
+                   std::size_t count, std::uint8_t* upper, std::uint8_t* lower);
 void SpreadWindow(Rank rank, const WindowStep& step, std::size_t count, const std::uint8_t* in,
                   std::uint8_t* out);
-void JoinRow(const std::uint8_t* colour, const RankRow& row);
+void JoinRow(Rank rank, const WindowStep& step, const std::uint8_t* colour, const RankRow& row);
 void MixRow(const std::uint8_t* inner, const std::uint8_t* outer, int share, const RankRow& row);
 } // namespace scalar
 namespace simd { // the same with the best vectors that the processor has
+void ExtremeOfRows(Rank rank, std::span<const std::uint8_t* const> rows, std::size_t offset,
+                   std::size_t count, std::uint8_t* upper, std::uint8_t* lower);
 void SpreadWindow(Rank rank, const WindowStep& step, std::size_t count, const std::uint8_t* in,
                   std::uint8_t* out);
-void JoinRow(const std::uint8_t* colour, const RankRow& row);
+void JoinRow(Rank rank, const WindowStep& step, const std::uint8_t* colour, const RankRow& row);
 void MixRow(const std::uint8_t* inner, const std::uint8_t* outer, int share, const RankRow& row);
 } // namespace simd
 
