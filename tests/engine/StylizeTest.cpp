@@ -164,6 +164,30 @@ TEST(Mosaic, BlocksHaveTheirMean) {
     EXPECT_EQ(PixelAt(Mosaic(picture, 500), 4, 2), Grey(70));
 }
 
+// Up to the sizes whose sums are as large as they get, and beyond.
+TEST(Mosaic, EverySizeHasExactMeans) {
+    const PixelArray picture =
+        Drawn(520, 300, [](int x, int y) { return x < 260 ? Grey(255) : Grey((x * 37 + y * 91) % 256); });
+    for (const int size : {2, 3, 7, 50, 256, 257, 258}) {
+        const PixelArray result = Mosaic(picture, size);
+        for (int top = 0; top < picture.Height(); top += size) {
+            for (int left = 0; left < picture.Width(); left += size) {
+                const int right = std::min(left + size, picture.Width());
+                const int bottom = std::min(top + size, picture.Height());
+                int sum = 0;
+                for (int y = top; y < bottom; ++y) {
+                    for (int x = left; x < right; ++x) {
+                        sum += picture.Row(y)[4 * x];
+                    }
+                }
+                const int pixels = (right - left) * (bottom - top);
+                ASSERT_EQ(PixelAt(result, right - 1, bottom - 1), Grey((sum + pixels / 2) / pixels))
+                    << "size " << size << " at " << left << ", " << top;
+            }
+        }
+    }
+}
+
 TEST(Mosaic, ClearPixelsGiveNoColour) {
     const PixelArray picture = Drawn(
         4, 2,

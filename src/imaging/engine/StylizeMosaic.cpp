@@ -2,7 +2,9 @@
 #include "imaging/ForEachBand.h"
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/ResampleSeparable.h"
+#include "imaging/engine/Streaming.h"
 #include "imaging/engine/Stylize.h"
+#include "imaging/engine/TileRows.h"
 
 #include <algorithm>
 #include <array>
@@ -16,80 +18,130 @@ namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
 
-// Sums of every column of a block's rows: colours times alpha, and alpha.
-using ColumnSum = std::array<std::uint32_t, kComponents>;
-static_assert(std::uint64_t{kMaximumSide} * 255 * 255 < UINT32_MAX);
+using Colour = std::array<std::uint8_t, kComponents>;
 
-// Without alpha the factor is left out, which leaves the same means and plain additions.
-void AddRow(const std::uint8_t* row, bool hasAlpha, std::span<ColumnSum> sums) {
-    if (hasAlpha) {
-        for (ColumnSum& sum : sums) {
+// Sums of every column of a row of blocks: colours times alpha, and alpha.
+class ColumnSums {
+  public:
+    explicit ColumnSums(const PixelArray& source) : source_(source) {}
+
+    void Begin() { sums_.assign(static_cast<std::size_t>(source_.Width()), {}); }
+
+    void AddRow(const std::uint8_t* row) {
+        for (Sum& sum : sums_) {
+            const std::uint32_t weight = source_.HasAlpha() ? row[3] : 1;
             for (int c = 0; c < 3; ++c) {
-                sum[c] += static_cast<std::uint32_t>(row[c]) * row[3];
+                sum[c] += row[c] * weight;
             }
             sum[3] += row[3];
             row += kComponents;
         }
-        return;
     }
-    for (ColumnSum& sum : sums) {
-        for (int c = 0; c < kComponents; ++c) {
-            sum[c] += row[c];
-        }
-        row += kComponents;
-    }
-}
 
-std::array<std::uint8_t, kComponents> MeanColour(std::span<const ColumnSum> columns, int rows,
-                                                 bool hasAlpha) {
-    std::array<std::uint64_t, kComponents> sums{};
-    for (const ColumnSum& column : columns) {
-        for (int c = 0; c < kComponents; ++c) {
-            sums[c] += column[c];
+    Colour MeanColour(int left, int columns, int rows) const {
+        std::array<std::uint64_t, kComponents> sums{};
+        for (const Sum& column :
+             std::span(sums_).subspan(static_cast<std::size_t>(left), static_cast<std::size_t>(columns))) {
+            for (int c = 0; c < kComponents; ++c) {
+                sums[c] += column[c];
+            }
         }
+        const std::uint64_t pixels = static_cast<std::uint64_t>(columns) * static_cast<std::uint64_t>(rows);
+        const std::uint64_t weight = source_.HasAlpha() ? sums[3] : pixels;
+        Colour mean{};
+        for (int c = 0; c < 3; ++c) {
+            mean[c] =
+                weight == 0 ? std::uint8_t{0} : static_cast<std::uint8_t>((sums[c] + weight / 2) / weight);
+        }
+        mean[3] = static_cast<std::uint8_t>((sums[3] + pixels / 2) / pixels);
+        return mean;
     }
-    const std::uint64_t pixels = columns.size() * static_cast<std::uint64_t>(rows);
-    const std::uint64_t colourWeight = hasAlpha ? sums[3] : pixels;
-    std::array<std::uint8_t, kComponents> mean{};
-    for (int c = 0; c < 3; ++c) {
-        mean[c] = colourWeight == 0 ? std::uint8_t{0}
-                                    : static_cast<std::uint8_t>((sums[c] + colourWeight / 2) / colourWeight);
-    }
-    mean[3] = static_cast<std::uint8_t>((sums[3] + pixels / 2) / pixels);
-    return mean;
-}
 
-void FillBlockRow(const PixelArray& source, int size, int top, std::vector<ColumnSum>& sums, std::uint8_t* to,
-                  std::ptrdiff_t stride) {
-    const int rows = std::min(size, source.Height() - top);
-    std::fill(sums.begin(), sums.end(), ColumnSum{});
+  private:
+    using Sum = std::array<std::uint32_t, kComponents>;
+    static_assert(std::uint64_t{kMaximumSide} * 255 * 255 < UINT32_MAX);
+
+    const PixelArray& source_;
+    std::vector<Sum> sums_;
+};
+
+// The same means for low blocks of a picture without alpha, whose sums fit into 16 bits.
+class SmallSums {
+  public:
+    static constexpr int kMostRows = UINT16_MAX / UINT8_MAX;
+
+    explicit SmallSums(const PixelArray& source) : sums_(static_cast<std::size_t>(source.Width())) {}
+
+    void Begin() { std::fill(sums_.begin(), sums_.end(), Sum{}); }
+
+    void AddRow(const std::uint8_t* row) { AddBytes(row, sums_.size() * kComponents, sums_.front().data()); }
+
+    Colour MeanColour(int left, int columns, int rows) {
+        std::array<std::uint32_t, kComponents> sums{};
+        for (const Sum& column :
+             std::span(sums_).subspan(static_cast<std::size_t>(left), static_cast<std::size_t>(columns))) {
+            for (int c = 0; c < kComponents; ++c) {
+                sums[c] += column[c];
+            }
+        }
+        if (pixels_ != columns * rows) {
+            pixels_ = columns * rows;
+            reciprocal_ =
+                (kUnit + static_cast<std::uint64_t>(pixels_) - 1) / static_cast<std::uint64_t>(pixels_);
+        }
+        Colour mean{};
+        for (int c = 0; c < kComponents; ++c) {
+            const std::uint64_t sum = sums[c] + static_cast<std::uint64_t>(pixels_ / 2);
+            mean[c] = static_cast<std::uint8_t>((sum * reciprocal_) >> kBits);
+        }
+        return mean;
+    }
+
+  private:
+    using Sum = std::array<std::uint16_t, kComponents>;
+
+    // A product with the reciprocal is the exact quotient: what it is too large, times a sum, stays below
+    // the unit.
+    static constexpr int kBits = 41;
+    static constexpr std::uint64_t kUnit = std::uint64_t{1} << kBits;
+    static_assert(std::uint64_t{256} * kMostRows * kMostRows * kMostRows * kMostRows < kUnit);
+
+    std::vector<Sum> sums_;
+    int pixels_ = 0;
+    std::uint64_t reciprocal_ = 0;
+};
+
+template <class Sums>
+void FillBlockRow(const PixelArray& source, int size, int top, int rows, Sums& sums, std::uint8_t* to) {
+    sums.Begin();
     for (int y = 0; y < rows; ++y) {
-        AddRow(source.Row(top + y), source.HasAlpha(), sums);
+        sums.AddRow(source.Row(top + y));
     }
     for (int left = 0; left < source.Width(); left += size) {
         const int columns = std::min(size, source.Width() - left);
-        const auto block =
-            std::span(sums).subspan(static_cast<std::size_t>(left), static_cast<std::size_t>(columns));
-        const auto mean = MeanColour(block, rows, source.HasAlpha());
+        const Colour mean = sums.MeanColour(left, columns, rows);
         for (int x = left; x < left + columns; ++x) {
             std::memcpy(to + x * kComponents, mean.data(), kComponents);
         }
     }
-    for (int y = 1; y < rows; ++y) {
-        std::memcpy(to + y * stride, to, source.RowBytes());
-    }
 }
 
+template <class Sums>
 PixelArray WholeBlocks(const PixelArray& source, int size) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
+    const bool streams = IsStreamed(result);
     const int blockRows = (source.Height() + size - 1) / size;
     const std::size_t bytesPerBlockRow = 2 * source.RowBytes() * static_cast<std::size_t>(size);
     ForEachBand(blockRows, bytesPerBlockRow, [&](int first, int end) {
-        std::vector<ColumnSum> sums(static_cast<std::size_t>(source.Width()));
-        for (int i = first; i < end; ++i) {
-            const int top = i * size;
-            FillBlockRow(source, size, top, sums, rows + top * result.Stride(), result.Stride());
+        Sums sums(source);
+        std::vector<std::uint8_t> blocks(source.RowBytes());
+        for (int top = first * size; top < std::min(end * size, source.Height()); top += size) {
+            const int height = std::min(size, source.Height() - top);
+            FillBlockRow(source, size, top, height, sums, blocks.data());
+            for (int y = top; y < top + height; ++y) {
+                CopyRow(blocks.data(), blocks.size(), streams, rows + y * result.Stride());
+            }
         }
     });
     return result;
@@ -131,7 +183,9 @@ PixelArray Mosaic(const PixelArray& source, int size) {
         return source;
     }
     if (scaledSize == std::floor(scaledSize)) {
-        return WholeBlocks(source, static_cast<int>(scaledSize));
+        const auto pixels = static_cast<int>(scaledSize);
+        return source.HasAlpha() || pixels > SmallSums::kMostRows ? WholeBlocks<ColumnSums>(source, pixels)
+                                                                  : WholeBlocks<SmallSums>(source, pixels);
     }
     return FractionalBlocks(source, scaledSize);
 }

@@ -82,6 +82,12 @@ void JoinPairs(const WideComponent* HWY_RESTRICT even, const WideComponent* HWY_
     }
 }
 
+void AddBytes(const std::uint8_t* HWY_RESTRICT row, std::size_t count, std::uint16_t* HWY_RESTRICT sums) {
+    for (std::size_t i = 0; i < count; ++i) {
+        sums[i] = static_cast<std::uint16_t>(sums[i] + row[i]);
+    }
+}
+
 void CopyRow(const std::uint8_t* HWY_RESTRICT in, std::size_t size, bool streams,
              std::uint8_t* HWY_RESTRICT out) {
     namespace hn = hwy::HWY_NAMESPACE;
@@ -196,6 +202,7 @@ HWY_EXPORT(WidenRow);
 HWY_EXPORT(NarrowRow);
 HWY_EXPORT(SplitPairs);
 HWY_EXPORT(JoinPairs);
+HWY_EXPORT(AddBytes);
 HWY_EXPORT(CopyRow);
 HWY_EXPORT(SharpenRow);
 HWY_EXPORT(AddToMean);
@@ -215,6 +222,10 @@ void SplitPairs(const WideComponent* wide, std::size_t pairs, WideComponent* eve
 
 void JoinPairs(const WideComponent* even, const WideComponent* odd, std::size_t pairs, WideComponent* wide) {
     HWY_DYNAMIC_DISPATCH(JoinPairs)(even, odd, pairs, wide);
+}
+
+void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums) {
+    HWY_DYNAMIC_DISPATCH(AddBytes)(row, count, sums);
 }
 
 void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out) {

@@ -20,6 +20,9 @@ void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t
 void SplitPairs(const WideComponent* wide, std::size_t pairs, WideComponent* even, WideComponent* odd);
 void JoinPairs(const WideComponent* even, const WideComponent* odd, std::size_t pairs, WideComponent* wide);
 
+// sums[i] += row[i].
+void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums);
+
 // Copies into a result, past the cache where it is told to.
 void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out);
 
