@@ -40,7 +40,7 @@ void ChooseSources(const Scatter& scatter, int y, std::int32_t* sources) {
     for (int x = 0; x <= scatter.lastColumn; x += one) {
         const RandomVector choice = Mixed(hn::Add(randomRow, PlacesFrom(x)));
         const RandomVector place = Mixed(choice);
-        const auto column = hn::Iota(ints, x);
+        const auto column = hn::Add(hn::Iota(ints, 0), hn::Set(ints, x));
         const auto low = hn::And(place, hn::Set(lanes, 0xFFFF));
         const auto movedColumn = displaced(column, low, lastColumn);
         const auto movedRow = displaced(row, hn::ShiftRight<16>(place), lastRow);

@@ -32,7 +32,9 @@ HWY_INLINE RandomVector Mixed(RandomVector bits) {
 HWY_INLINE RandomVector PlacesFrom(int x) {
     namespace hn = hwy::HWY_NAMESPACE;
     const RandomLanes lanes;
-    return hn::Mul(hn::Iota(lanes, static_cast<std::uint32_t>(x)), hn::Set(lanes, kColumnStride));
+    // The first of them as a constant: counting from a variable goes through memory.
+    const RandomVector columns = hn::Add(hn::Iota(lanes, 0), hn::Set(lanes, static_cast<std::uint32_t>(x)));
+    return hn::Mul(columns, hn::Set(lanes, kColumnStride));
 }
 
 } // namespace pictorel::engine::HWY_NAMESPACE

@@ -5,7 +5,9 @@
 #include "imaging/engine/RankRows.h"
 #include "imaging/engine/ResampleSeparable.h"
 #include "imaging/engine/Rounding.h"
+#include "imaging/engine/Streaming.h"
 #include "imaging/engine/Stylize.h"
+#include "imaging/engine/TileRows.h"
 #include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
@@ -14,6 +16,14 @@
 
 namespace pictorel::engine {
 namespace {
+
+// A function of its own, with copies of what it needs: bytes that are written could be anything.
+void TakePixels(const std::uint8_t* pixels, const std::int32_t* sources, std::ptrdiff_t count,
+                std::uint8_t* to) {
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        StorePixel(to + 4 * i, LoadPixel(pixels + std::ptrdiff_t{4} * sources[i]));
+    }
+}
 
 PixelArray Scattered(const PixelArray& source, int radius, double percent) {
     const auto moved = static_cast<std::uint64_t>(percent / 100 * 0x1p32); // of 2^32 random numbers
@@ -25,16 +35,15 @@ PixelArray Scattered(const PixelArray& source, int radius, double percent) {
     const std::uint8_t* const pixels = source.Row(0);
     const Scatter scatter{source.Width() - 1, source.Height() - 1, static_cast<int>(source.Stride() / 4),
                           radius, static_cast<std::uint32_t>(moved - 1)};
+    const bool streams = IsStreamed(result);
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         constexpr std::size_t kRoom = 16;
         std::vector<std::int32_t> sources(static_cast<std::size_t>(result.Width()) + kRoom);
+        std::vector<std::uint8_t> row(result.RowBytes());
         for (int y = first; y < end; ++y) {
             simd::ChooseSources(scatter, y, sources.data());
-            std::uint8_t* const to = rows + y * result.Stride();
-            for (std::ptrdiff_t x = 0; x < result.Width(); ++x) {
-                StorePixel(to + 4 * x,
-                           LoadPixel(pixels + std::ptrdiff_t{4} * sources[static_cast<std::size_t>(x)]));
-            }
+            TakePixels(pixels, sources.data(), result.Width(), row.data());
+            CopyRow(row.data(), row.size(), streams, rows + y * result.Stride());
         }
     });
     return result;
