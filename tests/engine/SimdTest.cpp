@@ -515,8 +515,15 @@ TEST(Simd, EmbossingEqualsPlainLoops) {
             for (const float gain : {1.0F, -0.37F, 40.0F}) {
                 const auto relief = [&](auto make) {
                     PixelArray result(width, 1);
-                    make(ReliefRow{plain[0].data(), plainSum.data(), gain, source.Row(1),
-                                   result.WritableRows(), width});
+                    make(ReliefRow{rows,
+                                   {plainSum.data(), plain[2].data(), plain[1].data(), plain[0].data()},
+                                   weights,
+                                   {-2000, 21000, 15000, -1232},
+                                   gain,
+                                   source.Row(1),
+                                   result.WritableRows(),
+                                   width,
+                                   width > 64});
                     result.SetHasAlpha(true);
                     return result;
                 };

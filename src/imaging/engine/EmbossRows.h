@@ -11,22 +11,32 @@ namespace pictorel::engine {
 using WideLuma = std::int16_t;
 inline constexpr int kWideLumaUnit = 64;
 
+// What components weigh in it, in 1/256: 256 kWideLumaUnit times the weights of luma, rounded.
+inline constexpr int kWideLumaBlue = 1183;
+inline constexpr int kWideLumaGreen = 11718;
+inline constexpr int kWideLumaRed = 3483;
+static_assert(kWideLumaBlue + kWideLumaGreen + kWideLumaRed == 256 * kWideLumaUnit);
+
 // Weights of four neighbours in 1/32768.
 using FourWeights = std::array<std::int16_t, 4>;
 using FourRows = std::array<const WideLuma*, 4>;
 
-// What a relief row is made of: grey = 128 + gain (light - shade), alpha that of the pixels at `in`.
+// What a relief row is made of: grey = 128 + gain (light - shade), alpha that of the pixels at `in`. Light
+// and shade are sums of four rows each.
 struct ReliefRow {
-    const WideLuma* light;
-    const WideLuma* shade;
+    FourRows light;
+    FourRows shade;
+    FourWeights lightWeights;
+    FourWeights shadeWeights;
     float gain;
     const std::uint8_t* in;
-    std::uint8_t* out;
+    std::uint8_t* out; // begins on a 64-byte boundary
     int width;
+    bool streams; // past the cache
 };
 
-// `luma` has room for a multiple of 16, like the rows of all the others; so have pixel rows. Each product of
-// SumFour is rounded.
+// `luma` has room for a multiple of 16, like the rows of all the others; so have pixel rows. Each product
+// with one of four weights is rounded.
 namespace scalar {
 
 void WideLumaRow(const std::uint8_t* in, int width, WideLuma* luma);

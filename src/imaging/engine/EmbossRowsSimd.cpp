@@ -27,53 +27,77 @@ using Lumas = hn::Rebind<WideLuma, LumaLanes>; // as many as there are pixels in
 using Bytes = hn::ScalableTag<std::uint8_t>;
 
 void WideLumaRow(const std::uint8_t* in, int width, WideLuma* luma) {
-    const Floats floats;
-    const auto scale = hn::Set(floats, static_cast<float>(kWideLumaUnit) / kLumaUnit);
-    const auto half = hn::Set(floats, 0.5F);
-    const auto lanes = static_cast<int>(hn::Lanes(floats));
+    const LumaLanes lumas;
+    const auto lanes = static_cast<int>(hn::Lanes(lumas));
     for (int x = 0; x < width; x += lanes) {
         const auto pixels = hn::BitCast(PixelLanes(), hn::LoadU(Bytes(), in + 4 * x));
-        const auto scaled = hn::ConvertTo(floats, AddScaledLuma(hn::Zero(LumaLanes()), pixels));
-        const auto whole = hn::ConvertTo(LumaLanes(), hn::Add(hn::Mul(scaled, scale), half));
-        hn::StoreU(hn::DemoteTo(Lumas(), whole), Lumas(), luma + x);
+        const auto sum =
+            AddWeighted<kWideLumaBlue, kWideLumaGreen, kWideLumaRed>(hn::Set(lumas, 128), pixels);
+        hn::StoreU(hn::DemoteTo(Lumas(), hn::ShiftRight<8>(sum)), Lumas(), luma + x);
     }
 }
 
+// Four weights, each in all lanes.
+template <class D>
+struct Four {
+    Four(D d, const FourWeights& weights)
+        : first(hn::Set(d, weights[0])),
+          second(hn::Set(d, weights[1])),
+          third(hn::Set(d, weights[2])),
+          fourth(hn::Set(d, weights[3])) {}
+
+    HWY_INLINE hn::Vec<D> SumOf(D d, const FourRows& rows, int i) const {
+        const auto upper = hn::Add(hn::MulFixedPoint15(hn::LoadU(d, rows[0] + i), first),
+                                   hn::MulFixedPoint15(hn::LoadU(d, rows[1] + i), second));
+        const auto lower = hn::Add(hn::MulFixedPoint15(hn::LoadU(d, rows[2] + i), third),
+                                   hn::MulFixedPoint15(hn::LoadU(d, rows[3] + i), fourth));
+        return hn::Add(upper, lower);
+    }
+
+    hn::Vec<D> first;
+    hn::Vec<D> second;
+    hn::Vec<D> third;
+    hn::Vec<D> fourth;
+};
+
 void SumFour(const FourRows& rows, const FourWeights& weights, int count, WideLuma* sums) {
+    // Neighbours in a row lie across cache lines, which costs the longest vectors more than they save.
     const hn::CappedTag<WideLuma, 16> wides;
+    const Four<decltype(wides)> four(wides, weights);
+    const FourRows from = rows;
     const auto lanes = static_cast<int>(hn::Lanes(wides));
-    const auto first = hn::Set(wides, weights[0]);
-    const auto second = hn::Set(wides, weights[1]);
-    const auto third = hn::Set(wides, weights[2]);
-    const auto fourth = hn::Set(wides, weights[3]);
-    const auto product = [&](std::size_t k, int i, auto weight)
-                             HWY_ATTR { return hn::MulFixedPoint15(hn::LoadU(wides, rows[k] + i), weight); };
     for (int i = 0; i < count; i += lanes) {
-        const auto upper = hn::Add(product(0, i, first), product(1, i, second));
-        const auto lower = hn::Add(product(2, i, third), product(3, i, fourth));
-        hn::StoreU(hn::Add(upper, lower), wides, sums + i);
+        hn::StoreU(four.SumOf(wides, from, i), wides, sums + i);
     }
 }
 
 void MakeRelief(const ReliefRow& row) {
     const Floats floats;
     const LumaLanes lumas;
+    const Lumas wides;
+    const Bytes bytes;
+    // The lowest byte of each pixel three times, and nothing for alpha.
+    alignas(16) static constexpr std::uint8_t kSpread[16] = {0, 0, 0, 0x80, 4,  4,  4,  0x80,
+                                                             8, 8, 8, 0x80, 12, 12, 12, 0x80};
+    const auto spread = hn::LoadDup128(bytes, kSpread);
+    const auto alphaBits = hn::BitCast(bytes, hn::Set(PixelLanes(), 0xFF000000U));
     const auto perLevel = hn::Set(floats, row.gain / kWideLumaUnit);
+    const auto middle = hn::Set(floats, 128.5F);
+    const auto most = hn::Set(floats, 255.5F);
+    const Four<Lumas> lightWeights(wides, row.lightWeights);
+    const Four<Lumas> shadeWeights(wides, row.shadeWeights);
+    const FourRows light = row.light;
+    const FourRows shade = row.shade;
     const auto lanes = static_cast<int>(hn::Lanes(floats));
-    const auto alphaBits = hn::Set(PixelLanes(), 0xFF000000U);
-    const RowWriter writer(row.out, row.width);
-    const auto level = [=](const WideLuma* from)
-                           HWY_ATTR { return hn::PromoteTo(lumas, hn::LoadU(Lumas(), from)); };
+    const RowWriter writer(row.out, row.streams);
     for (int x = 0; x < row.width; x += lanes) {
-        const auto slope = hn::ConvertTo(floats, hn::Sub(level(row.light + x), level(row.shade + x)));
-        const auto grey = hn::Add(hn::Set(floats, 128.0F), hn::Mul(perLevel, slope));
-        const auto clamped = hn::Min(hn::Max(grey, hn::Zero(floats)), hn::Set(floats, 255.0F));
-        const auto rounded = hn::ConvertTo(lumas, hn::Add(clamped, hn::Set(floats, 0.5F)));
-        const auto byte = hn::BitCast(PixelLanes(), rounded);
-        const auto colour = hn::Or(hn::Or(byte, hn::ShiftLeft<8>(byte)), hn::ShiftLeft<16>(byte));
-        const auto before = hn::BitCast(PixelLanes(), hn::Load(Bytes(), row.in + 4 * x));
-        writer.Write(hn::BitCast(Bytes(), hn::Or(colour, hn::And(before, alphaBits))),
-                     4 * static_cast<std::size_t>(x));
+        const auto slope = hn::Sub(lightWeights.SumOf(wides, light, x), shadeWeights.SumOf(wides, shade, x));
+        const auto levels = hn::ConvertTo(floats, hn::PromoteTo(lumas, slope));
+        const auto grey = hn::Add(middle, hn::Mul(perLevel, levels));
+        const auto whole = hn::ConvertTo(lumas, hn::Min(hn::Max(grey, hn::Zero(floats)), most));
+        const auto colour = hn::TableLookupBytesOr0(hn::BitCast(bytes, whole), spread);
+        const auto alpha = hn::And(hn::LoadU(bytes, row.in + 4 * x), alphaBits);
+        writer.Write(hn::Or(colour, alpha), 4 * static_cast<std::size_t>(x));
     }
 }
 

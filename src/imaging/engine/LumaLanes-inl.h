@@ -38,17 +38,24 @@ HWY_INLINE hwy::HWY_NAMESPACE::Vec<LumaLanes> AddPairs(hwy::HWY_NAMESPACE::Vec<L
 #endif
 }
 
-// Exact luma times kLumaUnit, added to `sum`.
-HWY_INLINE hwy::HWY_NAMESPACE::Vec<LumaLanes> AddScaledLuma(hwy::HWY_NAMESPACE::Vec<LumaLanes> sum,
-                                                            hwy::HWY_NAMESPACE::Vec<PixelLanes> pixels) {
+// The components of pixels times these weights, added to `sum`.
+template <int kBlue, int kGreen, int kRed>
+HWY_INLINE hwy::HWY_NAMESPACE::Vec<LumaLanes> AddWeighted(hwy::HWY_NAMESPACE::Vec<LumaLanes> sum,
+                                                          hwy::HWY_NAMESPACE::Vec<PixelLanes> pixels) {
     namespace hn = hwy::HWY_NAMESPACE;
     const hn::Repartition<std::int16_t, PixelLanes> halves;
     const PixelLanes lanes;
     const auto blueRed = hn::BitCast(halves, hn::And(pixels, hn::Set(lanes, 0x00FF00FF)));
     const auto green = hn::BitCast(halves, hn::And(hn::ShiftRight<8>(pixels), hn::Set(lanes, 0x000000FF)));
-    const auto blueRedWeights = hn::BitCast(halves, hn::Set(lanes, kLumaBlue | kLumaRed << 16));
-    const auto greenWeight = hn::BitCast(halves, hn::Set(lanes, kLumaGreen));
+    const auto blueRedWeights = hn::BitCast(halves, hn::Set(lanes, kBlue | kRed << 16));
+    const auto greenWeight = hn::BitCast(halves, hn::Set(lanes, kGreen));
     return AddPairs(AddPairs(sum, blueRed, blueRedWeights), green, greenWeight);
+}
+
+// Exact luma times kLumaUnit, added to `sum`.
+HWY_INLINE hwy::HWY_NAMESPACE::Vec<LumaLanes> AddScaledLuma(hwy::HWY_NAMESPACE::Vec<LumaLanes> sum,
+                                                            hwy::HWY_NAMESPACE::Vec<PixelLanes> pixels) {
+    return AddWeighted<kLumaBlue, kLumaGreen, kLumaRed>(sum, pixels);
 }
 
 // Luma rounded to 0..255. Rounding down after multiplying by the reciprocal is exact: at a whole quotient

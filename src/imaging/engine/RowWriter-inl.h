@@ -21,7 +21,8 @@ using RowBytes = hwy::HWY_NAMESPACE::Vec<hwy::HWY_NAMESPACE::ScalableTag<std::ui
 // ones, which a preview shows right away, stay there.
 class RowWriter {
   public:
-    RowWriter(std::uint8_t* out, int width) : out_(out), streams_(width >= kStreamedWidth) {}
+    RowWriter(std::uint8_t* out, int width) : RowWriter(out, width >= kStreamedWidth) {}
+    RowWriter(std::uint8_t* out, bool streams) : out_(out), streams_(streams) {}
     ~RowWriter() {
         if (streams_) {
             hwy::FlushStream();

@@ -1,101 +1,137 @@
 // Emboss: a grey relief lit from one side, see Stylize.h.
-#include "imaging/ForEachBand.h"
 #include "imaging/engine/EmbossRows.h"
 #include "imaging/engine/Parameters.h"
+#include "imaging/engine/Streaming.h"
 #include "imaging/engine/Stylize.h"
+#include "imaging/engine/WidePlane.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <optional>
 #include <vector>
 
 namespace pictorel::engine {
 namespace {
 
-// Components of a row with room for whole vectors.
+constexpr int kComponents = PixelArray::kComponents;
+constexpr int kTaps = 4;
+constexpr int kVector = 16;
+
+// Numbers of a row with room for whole vectors.
 std::size_t RoomFor(int width) {
-    constexpr std::size_t kVector = 16;
-    return (static_cast<std::size_t>(width) + kVector - 1) / kVector * kVector;
+    return (static_cast<std::size_t>(width) / kVector + 2) * kVector;
 }
 
-// Luma of the whole picture moved by a fraction of a pixel or more, row by row, with cubic convolution (Keys
-// 1981, a = -0.5). Rows are asked for in ascending order and each needs four source rows, three of which the
-// next row needs again: four are kept.
-class ShiftedLuma {
+// Luma of the rows of a strip of columns, beyond the picture that of its edge pixels. The last few rows made
+// are kept.
+class LumaRing {
   public:
-    ShiftedLuma(const PixelArray& source, double shiftX, double shiftY)
+    LumaRing(const PixelArray& source, int left, int columns)
         : source_(source),
-          columns_(static_cast<int>(std::floor(shiftX)) - 1),
-          rows_(static_cast<int>(std::floor(shiftY)) - 1),
-          across_(CubicAt(shiftX - std::floor(shiftX))),
-          down_(CubicAt(shiftY - std::floor(shiftY))),
-          moved_(RoomFor(source.Width())),
-          luma_(RoomFor(source.Width())),
-          continued_(RoomFor(source.Width() + kTaps - 1) + kTaps) {
-        for (LumaLine& line : lines_) {
-            line.luma.resize(RoomFor(source.Width()));
+          left_(left),
+          columns_(columns),
+          numbers_(kRows, -1),
+          rows_(kRows * RoomFor(columns)) {}
+
+    const WideLuma* Row(int y) {
+        const int inside = std::clamp(y, 0, source_.Height() - 1);
+        const std::size_t slot = static_cast<std::size_t>(inside) % kRows;
+        WideLuma* const row = rows_.data() + slot * RoomFor(columns_);
+        if (numbers_[slot] != inside) {
+            numbers_[slot] = inside;
+            Fill(source_.Row(inside), row);
+        }
+        return row;
+    }
+
+    int Left() const { return left_; }
+
+  private:
+    static constexpr std::size_t kRows = 32; // the highest relief that people make spans fewer
+
+    void Fill(const std::uint8_t* from, WideLuma* row) const {
+        const int first = std::clamp(-left_, 0, columns_); // the first that lies in the picture
+        const int end = std::clamp(source_.Width() - left_, first, columns_);
+        if (first == end) {
+            const int edge = left_ < 0 ? 0 : source_.Width() - 1;
+            scalar::WideLumaRow(from + static_cast<std::ptrdiff_t>(edge) * kComponents, 1, row);
+            std::fill_n(row + 1, columns_ - 1, row[0]);
+            return;
+        }
+        const std::ptrdiff_t firstByte = static_cast<std::ptrdiff_t>(first + left_) * kComponents;
+        simd::WideLumaRow(from + firstByte, end - first, row + first);
+        std::fill_n(row, first, row[first]);
+        std::fill_n(row + end, columns_ - end, row[end - 1]);
+    }
+
+    const PixelArray& source_;
+    int left_;
+    int columns_;
+    std::vector<int> numbers_; // of the rows in the slots
+    std::vector<WideLuma> rows_;
+};
+
+// Four weights for luma a fraction `t` of a pixel behind the second of four: cubic convolution (Keys 1981,
+// a = -0.5).
+FourWeights CubicAt(double t) {
+    const auto fixed = [](double weight) {
+        return static_cast<std::int16_t>(std::min(std::lround(weight * 32768), 32767L));
+    };
+    return {fixed(((-0.5 * t + 1) * t - 0.5) * t), fixed((1.5 * t - 2.5) * t * t + 1),
+            fixed(((-1.5 * t + 2) * t + 0.5) * t), fixed((0.5 * t - 0.5) * t * t)};
+}
+
+// A shift in one direction: whole pixels to the first of four neighbours, and what they weigh.
+struct Shift {
+    explicit Shift(double pixels)
+        : first(static_cast<int>(std::floor(pixels)) - 1), weights(CubicAt(pixels - std::floor(pixels))) {}
+
+    int first;
+    FourWeights weights;
+};
+
+// Luma of the rows of a strip at (x + shiftX, y + shiftY), but for the sums down the columns. Each row needs
+// four source rows, three of which the next row needs again: four are kept.
+class ShiftedRows {
+  public:
+    ShiftedRows(LumaRing& luma, int left, int width, const Shift& across, const Shift& down)
+        : luma_(luma), left_(left), width_(width), across_(across), down_(down) {
+        for (Line& line : lines_) {
+            line.luma.resize(RoomFor(width));
         }
     }
 
-    // Luma at (x + shiftX, y + shiftY) for all x, the edge pixels going on beyond the border.
-    const WideLuma* Row(int y) {
-        const FourRows rows{Line(y + rows_), Line(y + rows_ + 1), Line(y + rows_ + 2), Line(y + rows_ + 3)};
-        simd::SumFour(rows, down_, source_.Width(), moved_.data());
-        return moved_.data();
+    FourRows At(int y) {
+        const int first = y + down_.first;
+        return {Row(first), Row(first + 1), Row(first + 2), Row(first + 3)};
     }
 
-  private:
-    static constexpr int kTaps = 4;
+    const FourWeights& Weights() const { return down_.weights; }
 
-    struct LumaLine {
-        int row = -1;
+  private:
+    struct Line {
+        std::optional<int> row;
         std::vector<WideLuma> luma;
     };
 
-    static FourWeights CubicAt(double t) {
-        const auto fixed = [](double weight) {
-            return static_cast<std::int16_t>(std::min(std::lround(weight * 32768), 32767L));
-        };
-        return {fixed(((-0.5 * t + 1) * t - 0.5) * t), fixed((1.5 * t - 2.5) * t * t + 1),
-                fixed(((-1.5 * t + 2) * t + 0.5) * t), fixed((0.5 * t - 0.5) * t * t)};
-    }
-
-    // Luma of a source row, moved across.
-    const WideLuma* Line(int row) {
-        const int inside = std::clamp(row, 0, source_.Height() - 1);
-        LumaLine& line = lines_[static_cast<std::size_t>(row & (kTaps - 1))];
-        if (line.row != inside) {
-            line.row = inside;
-            Continue(source_.Row(inside));
-            const WideLuma* const luma = continued_.data();
-            simd::SumFour({luma, luma + 1, luma + 2, luma + 3}, across_, source_.Width(), line.luma.data());
+    const WideLuma* Row(int row) {
+        Line& line = lines_[static_cast<std::size_t>(row & (kTaps - 1))];
+        if (line.row != row) {
+            line.row = row;
+            const WideLuma* const luma = luma_.Row(row) + (left_ + across_.first - luma_.Left());
+            simd::SumFour({luma, luma + 1, luma + 2, luma + 3}, across_.weights, width_, line.luma.data());
         }
         return line.luma.data();
     }
 
-    // continued_[i] becomes the luma of the column columns_ + i.
-    void Continue(const std::uint8_t* from) {
-        const int width = source_.Width();
-        const int length = width + kTaps - 1;
-        const int first = std::clamp(-columns_, 0, length); // the first that lies in the picture
-        const int end = std::clamp(width - columns_, first, length);
-        simd::WideLumaRow(from, width, luma_.data());
-        const auto to = continued_.begin();
-        std::fill(to, to + first, luma_.front());
-        std::copy_n(luma_.begin() + std::min(first + columns_, width), end - first, to + first);
-        std::fill(to + end, to + length, luma_[static_cast<std::size_t>(width) - 1]);
-    }
-
-    const PixelArray& source_;
-    int columns_;
-    int rows_;
-    FourWeights across_;
-    FourWeights down_;
-    std::array<LumaLine, kTaps> lines_;
-    std::vector<WideLuma> moved_;
-    std::vector<WideLuma> luma_;
-    std::vector<WideLuma> continued_;
+    LumaRing& luma_;
+    int left_;
+    int width_;
+    Shift across_;
+    Shift down_;
+    std::array<Line, kTaps> lines_;
 };
 
 } // namespace
@@ -111,12 +147,24 @@ PixelArray Emboss(const PixelArray& source, double degrees, int height, double a
     const double shiftX = half * std::cos(angle);
     const double shiftY = -half * std::sin(angle);
     const auto gain = static_cast<float>(amount);
-    ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
-        ShiftedLuma towards(source, shiftX, shiftY);
-        ShiftedLuma away(source, -shiftX, -shiftY);
-        for (int y = first; y < end; ++y) {
-            simd::MakeRelief({towards.Row(y), away.Row(y), gain, source.Row(y), rows + y * result.Stride(),
-                              result.Width()});
+    const Shift lightAcross(shiftX);
+    const Shift lightDown(shiftY);
+    const Shift shadeAcross(-shiftX);
+    const Shift shadeDown(-shiftY);
+    // In whole vectors of pixels, so that reading them stays within a row.
+    const int reach =
+        (static_cast<int>(std::ceil(std::abs(shiftX))) + kTaps + kVector - 1) / kVector * kVector;
+    const bool streams = IsStreamed(result);
+    constexpr int kStripWidth = 1024;
+    ForEachStrip(BoundsOf(source), kStripWidth, [&](const TileArea& area) {
+        LumaRing luma(source, area.left - reach, area.width + 2 * reach);
+        ShiftedRows light(luma, area.left, area.width, lightAcross, lightDown);
+        ShiftedRows shade(luma, area.left, area.width, shadeAcross, shadeDown);
+        const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(area.left) * kComponents;
+        for (int y = area.top; y < area.top + area.height; ++y) {
+            simd::MakeRelief({light.At(y), shade.At(y), light.Weights(), shade.Weights(), gain,
+                              source.Row(y) + offset, rows + y * result.Stride() + offset, area.width,
+                              streams});
         }
     });
     return result;

@@ -117,19 +117,25 @@ class RowRing {
     WideRow wide_;
 };
 
-// Calls body(area) for strips of columns that cover `bounds` once, on all cores. Strips begin on multiples of
-// 16 pixels from the left and are narrow enough for a ring of their rows to stay in cache.
+// Calls body(area) for strips of columns that cover `bounds` once, on all cores. Strips are `stripWidth`
+// wide, a multiple of 16.
 template <class Body>
-void ForEachStrip(const Bounds& bounds, const Body& body) {
-    constexpr int kStripWidth = 256;
+void ForEachStrip(const Bounds& bounds, int stripWidth, const Body& body) {
     const int width = bounds.right - bounds.left;
     const auto bytesPerRow = std::size_t{2} * PixelArray::kComponents * static_cast<std::size_t>(width);
     ForEachBand(bounds.bottom - bounds.top, bytesPerRow, [&](int first, int end) {
-        for (int left = 0; left < width; left += kStripWidth) {
-            body(TileArea{bounds.left + left, bounds.top + first, std::min(kStripWidth, width - left),
+        for (int left = 0; left < width; left += stripWidth) {
+            body(TileArea{bounds.left + left, bounds.top + first, std::min(stripWidth, width - left),
                           end - first});
         }
     });
+}
+
+// Narrow enough for a ring of wide rows to stay in cache.
+template <class Body>
+void ForEachStrip(const Bounds& bounds, const Body& body) {
+    constexpr int kStripWidth = 256;
+    ForEachStrip(bounds, kStripWidth, body);
 }
 
 } // namespace pictorel::engine
