@@ -26,17 +26,16 @@ struct Extremes {
     float Spread() const { return highest - lowest; }
 };
 
-// Hue in sextants, 0..6 from red over yellow, green, cyan, blue and magenta; any value where spread is 0.
-float HueOf(const std::uint8_t* p, const Extremes& e) {
+// Hue in sextants, 0..6 from red over yellow, green, cyan, blue and magenta, times the spread.
+float SpreadTimesHue(const std::uint8_t* p, const Extremes& e) {
     const float blue = p[0];
     const float green = p[1];
     const float red = p[2];
-    const float perSpread = 1.0F / std::max(e.Spread(), 1.0F);
     if (red == e.highest) {
-        const float hue = (green - blue) * perSpread;
-        return hue < 0 ? hue + 6.0F : hue;
+        const float hue = green - blue;
+        return hue < 0 ? hue + 6.0F * e.Spread() : hue;
     }
-    return green == e.highest ? (blue - red) * perSpread + 2.0F : (red - green) * perSpread + 4.0F;
+    return green == e.highest ? (blue - red) + 2.0F * e.Spread() : (red - green) + 4.0F * e.Spread();
 }
 
 } // namespace
@@ -90,18 +89,20 @@ void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float f
 }
 
 // Turning the hue keeps lightness and saturation and with them the extremes: each component follows the same
-// trapezoid between them, blue and red a third of a turn away from green on either side.
+// trapezoid between them, blue and red a third of a turn away from green on either side. The hue is kept
+// times the spread, which spares the division.
 void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants) {
     for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
         const Extremes e(in);
-        float hue = HueOf(in, e) + sextants;
-        hue = hue >= 6.0F ? hue - 6.0F : hue;
+        const float spread = e.Spread();
+        float hue = SpreadTimesHue(in, e) + sextants * spread;
+        hue = hue >= 6.0F * spread ? hue - 6.0F * spread : hue;
         const auto between = [&](float share) {
-            return RoundToByte(e.lowest + e.Spread() * std::clamp(share, 0.0F, 1.0F));
+            return RoundToByte(e.lowest + std::clamp(share, 0.0F, spread));
         };
-        out[0] = between(2.0F - std::abs(hue - 4.0F));
-        out[1] = between(2.0F - std::abs(hue - 2.0F));
-        out[2] = between(std::abs(hue - 3.0F) - 1.0F);
+        out[0] = between(2.0F * spread - std::abs(hue - 4.0F * spread));
+        out[1] = between(2.0F * spread - std::abs(hue - 2.0F * spread));
+        out[2] = between(std::abs(hue - 3.0F * spread) - spread);
         out[3] = in[3];
     }
 }
