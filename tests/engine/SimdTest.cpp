@@ -81,8 +81,8 @@ std::vector<Pair> RowPairs() {
         add("saturation", scalar::SaturationRow, simd::SaturationRow, 1 + amount);
         add("lightness", scalar::LightnessRow, simd::LightnessRow, amount);
     }
-    for (const float sextants : {0.017F, 0.5F, 1.0F, 2.0F, 3.3F, 5.99F}) {
-        add("hue", scalar::HueRow, simd::HueRow, sextants);
+    for (const HueTurn& turn : {HueTurn{0, 1092}, {0, 32768}, {1, 0}, {2, 0}, {3, 21845}, {5, 65535}}) {
+        add("hue", scalar::HueRow, simd::HueRow, turn);
     }
     return pairs;
 }

@@ -90,9 +90,12 @@ PixelArray Hue(const PixelArray& source, double degrees) {
     if (turn == 0) {
         return source;
     }
-    const double sextants = (turn < 0 ? turn + 360 : turn) / 60;
+    constexpr long kUnit = 65536;
+    const long sextants = std::lround((turn < 0 ? turn + 360 : turn) / 60 * kUnit) % (6 * kUnit);
+    const HueTurn hueTurn{static_cast<std::uint16_t>(sextants / kUnit),
+                          static_cast<std::uint16_t>(sextants % kUnit)};
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::HueRow(in, out, width, static_cast<float>(sextants));
+        simd::HueRow(in, out, width, hueTurn);
     });
 }
 

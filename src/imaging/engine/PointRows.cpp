@@ -26,18 +26,6 @@ struct Extremes {
     float Spread() const { return highest - lowest; }
 };
 
-// Hue in sextants, 0..6 from red over yellow, green, cyan, blue and magenta, times the spread.
-float SpreadTimesHue(const std::uint8_t* p, const Extremes& e) {
-    const float blue = p[0];
-    const float green = p[1];
-    const float red = p[2];
-    if (red == e.highest) {
-        const float hue = green - blue;
-        return hue < 0 ? hue + 6.0F * e.Spread() : hue;
-    }
-    return green == e.highest ? (blue - red) + 2.0F * e.Spread() : (red - green) + 4.0F * e.Spread();
-}
-
 } // namespace
 
 void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum) {
@@ -89,20 +77,31 @@ void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float f
 }
 
 // Turning the hue keeps lightness and saturation and with them the extremes: each component follows the same
-// trapezoid between them, blue and red a third of a turn away from green on either side. The hue is kept
-// times the spread, which spares the division.
-void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants) {
+// trapezoid between them, blue and red a third of a turn away from green on either side. Hue is kept in
+// sextants times the spread, 0..6 from red over yellow, green, cyan, blue and magenta. So everything is a
+// whole number but for the turn, which can be rounded before it is added.
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn& turn) {
     for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
-        const Extremes e(in);
-        const float spread = e.Spread();
-        float hue = SpreadTimesHue(in, e) + sextants * spread;
-        hue = hue >= 6.0F * spread ? hue - 6.0F * spread : hue;
-        const auto between = [&](float share) {
-            return RoundToByte(e.lowest + std::clamp(share, 0.0F, spread));
+        const int blue = in[0];
+        const int green = in[1];
+        const int red = in[2];
+        const int lowest = std::min({blue, green, red});
+        const int highest = std::max({blue, green, red});
+        const int spread = highest - lowest;
+        int hue = red - green + 4 * spread;
+        if (red == highest) {
+            hue = green < blue ? green - blue + 6 * spread : green - blue;
+        } else if (green == highest) {
+            hue = blue - red + 2 * spread;
+        }
+        hue += turn.sextants * spread + (((2 * spread * turn.fraction) >> 16) + 1) / 2;
+        hue = hue >= 6 * spread ? hue - 6 * spread : hue;
+        const auto between = [&](int share) {
+            return static_cast<std::uint8_t>(lowest + std::clamp(share, 0, spread));
         };
-        out[0] = between(2.0F * spread - std::abs(hue - 4.0F * spread));
-        out[1] = between(2.0F * spread - std::abs(hue - 2.0F * spread));
-        out[2] = between(std::abs(hue - 3.0F * spread) - spread);
+        out[0] = between(2 * spread - std::abs(hue - 4 * spread));
+        out[1] = between(2 * spread - std::abs(hue - 2 * spread));
+        out[2] = between(std::abs(hue - 3 * spread) - spread);
         out[3] = in[3];
     }
 }

@@ -16,6 +16,12 @@ struct ClampedSum {
     std::array<std::uint8_t, 4> amount; // modulo 256
 };
 
+// A turn of hues by 60 degrees times `sextants` + `fraction` / 65536, less than 6 sextants.
+struct HueTurn {
+    std::uint16_t sextants;
+    std::uint16_t fraction;
+};
+
 // Plain loops that state what each operation means. `in` and `out` are rows of `width` blue, green, red,
 // alpha pixels; alpha is copied.
 namespace scalar {
@@ -25,8 +31,7 @@ void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width);
 void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const ColourMaps& maps);
 void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);     // 0..256
 void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor); // 1 + amount
-// A turn by 60 degrees times `sextants`, 0 and more, less than 6.
-void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants);
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn& turn);
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount); // -1..1
 // c + change[Y] with Y the rounded luma, clamped.
 void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width,
@@ -46,7 +51,7 @@ void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width);
 void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const SectionedMaps& maps);
 void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);
 void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor);
-void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants);
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn& turn);
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount);
 void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width, const SectionedChange& change);
 void LumaRow(const std::uint8_t* in, std::uint8_t* luma, int width);

@@ -34,9 +34,11 @@ constexpr int kComponents = PixelArray::kComponents;
 using Bytes = hn::ScalableTag<std::uint8_t>;
 using Pixels = hn::ScalableTag<std::uint32_t>; // one lane a pixel, blue in the lowest byte
 using Ints = hn::ScalableTag<std::int32_t>;
+using Shorts = hn::ScalableTag<std::int16_t>;
 using Floats = hn::ScalableTag<float>;
 using ByteVector = hn::Vec<Bytes>;
 using PixelVector = hn::Vec<Pixels>;
+using ShortVector = hn::Vec<Shorts>;
 using FloatVector = hn::Vec<Floats>;
 
 // Rows begin on 64-byte boundaries and have room up to the next one, so there is no rest shorter than a
@@ -141,11 +143,60 @@ void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float f
     });
 }
 
-void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants) {
-    const Floats floats;
-    const auto zero = hn::Zero(floats);
-    const auto turn = hn::Set(floats, sextants);
-    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
+// The colours of two vectors of pixels, those of the second in the upper halves.
+struct ColourPairs {
+    ShortVector blue;
+    ShortVector green;
+    ShortVector red;
+};
+
+ColourPairs SplitPairs(PixelVector first, PixelVector second) {
+    const Shorts shorts;
+    const auto low = hn::Set(Pixels(), 0x000000FF);
+    const auto high = hn::Set(Pixels(), 0x00FF0000);
+    const auto joined = [=](PixelVector a, PixelVector b) HWY_ATTR {
+        return hn::BitCast(shorts, hn::Or(hn::And(a, low), hn::And(b, high)));
+    };
+    return {joined(first, hn::ShiftLeft<16>(second)),
+            joined(hn::ShiftRight<8>(first), hn::ShiftLeft<8>(second)),
+            joined(hn::ShiftRight<16>(first), second)};
+}
+
+// Calls change(colours of two vectors), which gives those after the change as numbers of 0..255.
+template <class Change>
+void ChangePairs(const std::uint8_t* in, std::uint8_t* out, int width, const Change& change) {
+    const Bytes bytes;
+    const Pixels pixels;
+    const auto alphaBits = hn::Set(pixels, 0xFF000000);
+    const std::size_t one = hn::Lanes(bytes);
+    const std::size_t size = static_cast<std::size_t>(width) * kComponents;
+    const RowWriter writer(out, width);
+    for (std::size_t i = 0; i < size; i += 2 * one) {
+        const bool hasSecond = i + one < size;
+        const auto first = hn::BitCast(pixels, hn::Load(bytes, in + i));
+        const auto second = hasSecond ? hn::BitCast(pixels, hn::Load(bytes, in + i + one)) : first;
+        const ColourPairs after = change(SplitPairs(first, second));
+        const auto blue = hn::BitCast(pixels, after.blue);
+        const auto green = hn::BitCast(pixels, after.green);
+        const auto red = hn::BitCast(pixels, after.red);
+        const auto lower = hn::And(hn::Or(blue, hn::ShiftLeft<8>(green)), hn::Set(pixels, 0xFFFF));
+        writer.Write(
+            hn::BitCast(bytes, hn::Or(hn::Or(lower, hn::ShiftLeft<16>(red)), hn::And(first, alphaBits))), i);
+        if (hasSecond) {
+            const auto upper = hn::ShiftRight<16>(hn::Or(blue, hn::ShiftLeft<8>(green)));
+            const auto colour = hn::Or(upper, hn::And(red, hn::Set(pixels, 0xFF0000)));
+            writer.Write(hn::BitCast(bytes, hn::Or(colour, hn::And(second, alphaBits))), i + one);
+        }
+    }
+}
+
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn& turn) {
+    const Shorts shorts;
+    const hn::ScalableTag<std::uint16_t> counts;
+    const auto zero = hn::Zero(shorts);
+    const auto sextants = hn::Set(shorts, static_cast<std::int16_t>(turn.sextants));
+    const auto fraction = hn::Set(counts, turn.fraction);
+    ChangePairs(in, out, width, [&](const ColourPairs& c) HWY_ATTR {
         const auto lowest = hn::Min(hn::Min(c.blue, c.green), c.red);
         const auto highest = hn::Max(hn::Max(c.blue, c.green), c.red);
         const auto one = hn::Sub(highest, lowest);
@@ -159,13 +210,14 @@ void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants
         auto hue = hn::IfThenElse(hn::Eq(c.green, highest), atGreen, atBlue);
         hue = hn::IfThenElse(hn::Eq(c.red, highest),
                              hn::IfThenElse(hn::Lt(atRed, zero), hn::Add(atRed, six), atRed), hue);
-        hue = hn::Add(hue, hn::Mul(turn, one));
-        hue = hn::IfThenElse(hn::Ge(hue, six), hn::Sub(hue, six), hue);
-        const auto between = [&](FloatVector share)
+        const auto rest = hn::AverageRound(hn::MulHigh(hn::BitCast(counts, two), fraction), hn::Zero(counts));
+        hue = hn::Add(hue, hn::Add(hn::Mul(sextants, one), hn::BitCast(shorts, rest)));
+        hue = hn::IfThenElse(hn::Lt(hue, six), hue, hn::Sub(hue, six));
+        const auto between = [&](ShortVector share)
                                  HWY_ATTR { return hn::Add(lowest, hn::Min(hn::Max(share, zero), one)); };
-        return Colours{between(hn::Sub(two, hn::Abs(hn::Sub(hue, four)))),
-                       between(hn::Sub(two, hn::Abs(hn::Sub(hue, two)))),
-                       between(hn::Sub(hn::Abs(hn::Sub(hue, three)), one))};
+        return ColourPairs{between(hn::Sub(two, hn::Abs(hn::Sub(hue, four)))),
+                           between(hn::Sub(two, hn::Abs(hn::Sub(hue, two)))),
+                           between(hn::Sub(hn::Abs(hn::Sub(hue, three)), one))};
     });
 }
 
@@ -235,8 +287,8 @@ void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float f
     HWY_DYNAMIC_DISPATCH(SaturationRow)(in, out, width, factor);
 }
 
-void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, float sextants) {
-    HWY_DYNAMIC_DISPATCH(HueRow)(in, out, width, sextants);
+void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn& turn) {
+    HWY_DYNAMIC_DISPATCH(HueRow)(in, out, width, turn);
 }
 
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount) {
