@@ -131,11 +131,11 @@ TEST(Simd, NoiseRowsEqualPlainLoops) {
             }
             for (const int percent : {1, 37, 100}) {
                 const PixelArray source = Random({width, 1}, Alpha::Random, 13);
-                const float perStep = 2.55F * static_cast<float>(percent) / kNoiseSteps;
+                const auto amplitude = static_cast<std::int16_t>(percent * 255 * kNoiseUnit / 100);
                 PixelArray plain(width, 1);
                 PixelArray vectors(width, 1);
-                scalar::AddNoise({source.Row(0), plain.WritableRows(), width, 77, perStep, false});
-                simd::AddNoise({source.Row(0), vectors.WritableRows(), width, 77, perStep, width > 64});
+                scalar::AddNoise({source.Row(0), plain.WritableRows(), width, 77, amplitude, false});
+                simd::AddNoise({source.Row(0), vectors.WritableRows(), width, 77, amplitude, width > 64});
                 EXPECT_TRUE(SamePixels(vectors, plain)) << target << " width " << width;
             }
         }

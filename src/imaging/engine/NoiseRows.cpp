@@ -1,7 +1,6 @@
 // The random numbers of a row of pixels, see NoiseRows.h.
 #include "imaging/engine/NoiseRows.h"
 
-#include "imaging/engine/Rounding.h"
 #include "imaging/engine/StylizeRandom.h"
 
 #include <algorithm>
@@ -11,6 +10,7 @@ namespace {
 
 constexpr std::uint32_t kStepMask = kNoiseSteps - 1;
 constexpr int kStepBits = 10;
+static_assert(kNoiseSteps == 1 << kStepBits && kNoiseUnit == 1 << 6);
 
 } // namespace
 
@@ -22,8 +22,9 @@ void AddNoise(const NoiseRow& row) {
         std::uint32_t random = RandomAt(randomRow, x);
         for (int k = 0; k < 3; ++k, random >>= kStepBits) {
             const auto step = static_cast<int>(random & kStepMask);
-            const float noise = static_cast<float>(2 * step - (kNoiseSteps - 1)) * row.perStep;
-            out[k] = RoundToByte(static_cast<float>(in[k]) + noise);
+            const int noise = ((2 * step - (kNoiseSteps - 1)) * row.amplitude + kNoiseSteps / 2) >> kStepBits;
+            const int sum = in[k] * kNoiseUnit + noise + kNoiseUnit / 2;
+            out[k] = static_cast<std::uint8_t>(std::clamp(sum >> 6, 0, 255));
         }
         out[3] = in[3];
     }

@@ -8,6 +8,8 @@ namespace pictorel::engine {
 // Each channel of a pixel takes ten of the pixel's random bits: one of 1024 evenly spaced steps.
 inline constexpr int kNoiseSteps = 1024;
 
+inline constexpr int kNoiseUnit = 64;
+
 // Row `y` of a picture. Rows are those of a PixelArray: they are read and written in blocks of up to 64
 // bytes. `streams` tells to write past the cache.
 struct NoiseRow {
@@ -15,14 +17,15 @@ struct NoiseRow {
     std::uint8_t* out;
     int width;
     int y;
-    float perStep; // levels from one step to the next but one: steps lie symmetrically about 0
+    std::int16_t amplitude; // of the noise, in 1/kNoiseUnit of a level, up to 255 levels
     bool streams;
 };
 
 // The sums of the steps of one column of pixels: blue, green, red; the fourth number is 0.
 inline constexpr int kNoiseSumNumbers = 4;
 
-// AddNoise: adds (2 step - 1023) perStep to each colour component, rounded and clamped.
+// AddNoise: adds (2 step - 1023) / 1024 of the amplitude, rounded to the unit, to each colour component, then
+//     rounds and clamps.
 // SumNoise: for each column 0 <= x < width, the sum over firstRow <= y < endRow of the steps at (x, y). At
 //     most 2^15 rows; `sums` has room for a multiple of 64 columns.
 namespace scalar {

@@ -30,22 +30,25 @@ using Vector = RandomVector;
 void AddNoise(const NoiseRow& row) {
     const Lanes lanes;
     const hn::Repartition<std::uint8_t, Lanes> bytes;
-    const hn::RebindToSigned<Lanes> ints;
-    const hn::RebindToFloat<Lanes> floats;
-    const auto mask = hn::Set(lanes, kNoiseSteps - 1);
-    const auto low = hn::Set(lanes, 255);
-    const auto highest = hn::Set(floats, 255.0F);
-    const auto half = hn::Set(floats, 0.5F);
-    const auto middle = hn::Set(ints, kNoiseSteps - 1);
-    const auto perStep = hn::Set(floats, row.perStep);
-    // `random` and `pixels` have the component's bits lowest.
-    const auto noisy = [&](Vector random, Vector pixels) HWY_ATTR {
-        const auto step = hn::BitCast(ints, hn::And(random, mask));
-        const auto noise = hn::Mul(hn::ConvertTo(floats, hn::Sub(hn::Add(step, step), middle)), perStep);
-        const auto c = hn::ConvertTo(floats, hn::BitCast(ints, hn::And(pixels, low)));
-        const auto clamped = hn::Min(hn::Max(hn::Add(c, noise), hn::Zero(floats)), highest);
-        return hn::BitCast(lanes, hn::ConvertTo(ints, hn::Add(clamped, half)));
+    const hn::Repartition<std::int16_t, Lanes> shorts;
+    const auto halves = [=](Vector v) HWY_ATTR { return hn::BitCast(shorts, v); };
+    const auto lowBytes = hn::Set(lanes, 0x00FF00FF);
+    const auto lowest = hn::Zero(shorts);
+    const auto highest = hn::Set(shorts, 255);
+    const auto half = hn::Set(shorts, kNoiseUnit / 2);
+    const auto middle = hn::Set(shorts, (kNoiseSteps - 1) * 32);
+    const auto amplitude = static_cast<std::uint32_t>(row.amplitude);
+    const auto both = hn::Set(lanes, amplitude << 16 | amplitude);
+    const auto onlyLower = hn::Set(lanes, amplitude);
+    // Components in the low bytes of 16-bit lanes, each with a step in the same lane.
+    const auto noisy = [&](Vector components, Vector steps, Vector amplitudes) HWY_ATTR {
+        const auto step = hn::Sub(hn::ShiftLeft<6>(halves(steps)), middle); // 32 (2 step - 1023)
+        const auto noise = hn::MulFixedPoint15(step, halves(amplitudes));
+        const auto sum = hn::Add(hn::ShiftLeft<6>(halves(components)), hn::Add(noise, half));
+        return hn::BitCast(lanes, hn::Min(hn::Max(hn::ShiftRight<6>(sum), lowest), highest));
     };
+    const auto stepMask = hn::Set(lanes, kNoiseSteps - 1);
+    const auto upperStepMask = hn::Set(lanes, (kNoiseSteps - 1) << 16);
     const auto columnStep = hn::Set(lanes, static_cast<std::uint32_t>(hn::Lanes(lanes)) * kColumnStride);
     auto place =
         hn::Add(hn::Set(lanes, RandomRow(row.y)), hn::Mul(hn::Iota(lanes, 0), hn::Set(lanes, kColumnStride)));
@@ -53,12 +56,13 @@ void AddNoise(const NoiseRow& row) {
         const Vector pixels = hn::BitCast(lanes, hn::Load(bytes, row.in + 4 * x));
         const Vector random = Mixed(place);
         place = hn::Add(place, columnStep);
-        const Vector blue = noisy(random, pixels);
-        const Vector green = noisy(hn::ShiftRight<10>(random), hn::ShiftRight<8>(pixels));
-        const Vector red = noisy(hn::ShiftRight<20>(random), hn::ShiftRight<16>(pixels));
-        const Vector alpha = hn::And(pixels, hn::Set(lanes, 0xFF000000U));
-        const auto result = hn::BitCast(
-            bytes, hn::Or(hn::Or(blue, hn::ShiftLeft<8>(green)), hn::Or(hn::ShiftLeft<16>(red), alpha)));
+        const Vector blueRedSteps =
+            hn::Or(hn::And(random, stepMask), hn::And(hn::ShiftRight<4>(random), upperStepMask));
+        const Vector blueRed = noisy(hn::And(pixels, lowBytes), blueRedSteps, both);
+        const Vector greenSteps = hn::And(hn::ShiftRight<10>(random), stepMask);
+        const Vector greenAlpha =
+            noisy(hn::And(hn::ShiftRight<8>(pixels), lowBytes), greenSteps, onlyLower); // none for alpha
+        const auto result = hn::BitCast(bytes, hn::Or(blueRed, hn::ShiftLeft<8>(greenAlpha)));
         if (row.streams) {
             hn::Stream(result, bytes, row.out + 4 * x);
         } else {

@@ -68,7 +68,8 @@ PixelArray AddWholeNoise(const PixelArray& source, double amplitude) {
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
             simd::AddNoise({source.Row(y), rows + y * result.Stride(), result.Width(), y,
-                            static_cast<float>(amplitude / kNoiseSteps), IsStreamed(result)});
+                            static_cast<std::int16_t>(std::lround(amplitude * kNoiseUnit)),
+                            IsStreamed(result)});
         }
     });
     return result;
