@@ -78,7 +78,7 @@ std::vector<Pair> RowPairs() {
         add("threshold", scalar::ThresholdRow, simd::ThresholdRow, level);
     }
     for (const float amount : {-1.0F, -0.83F, -0.5F, -0.01F, 0.01F, 0.3F, 0.5F, 1.0F}) {
-        add("saturation", scalar::SaturationRow, simd::SaturationRow, 1 + amount);
+        add("saturation", scalar::SaturationRow, simd::SaturationRow, SaturationChange(1 + amount));
         add("lightness", scalar::LightnessRow, simd::LightnessRow, amount);
     }
     for (const HueTurn& turn : {HueTurn{0, 1092}, {0, 32768}, {1, 0}, {2, 0}, {3, 21845}, {5, 65535}}) {

@@ -75,12 +75,13 @@ PixelArray Threshold(const PixelArray& source, int level) {
 }
 
 PixelArray Saturation(const PixelArray& source, double amount) {
-    RequireRange("saturation", amount, -1, kFarAway);
+    RequireRange("saturation", amount, -1, 6);
     if (amount == 0) {
         return source;
     }
+    const SaturationChange change(1 + amount);
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::SaturationRow(in, out, width, static_cast<float>(1 + amount));
+        simd::SaturationRow(in, out, width, change);
     });
 }
 

@@ -17,12 +17,13 @@ PixelArray Gamma(const PixelArray& source,
                  double gamma); // 255 (c/255)^(1/gamma); 0: all below white go black
 PixelArray AddToChannels(const PixelArray& source, int red, int green, int blue); // c + amount; neutral 0
 PixelArray Colorize(const PixelArray& source, std::uint8_t red, std::uint8_t green,
-                    std::uint8_t blue);                         // c x tint / 255; neutral 255
-PixelArray Invert(const PixelArray& source);                    // 255 - c
-PixelArray Posterize(const PixelArray& source, int levels);     // `levels` evenly spaced values, at least 2
-PixelArray Threshold(const PixelArray& source, int level);      // Y >= level gives white, else black
-PixelArray Saturation(const PixelArray& source, double amount); // Y + (c - Y)(1 + amount); neutral 0
-PixelArray Hue(const PixelArray& source, double degrees);       // HSL hue turned; whole turns are neutral
+                    std::uint8_t blue);                     // c x tint / 255; neutral 255
+PixelArray Invert(const PixelArray& source);                // 255 - c
+PixelArray Posterize(const PixelArray& source, int levels); // `levels` evenly spaced values, at least 2
+PixelArray Threshold(const PixelArray& source, int level);  // Y >= level gives white, else black
+PixelArray Saturation(const PixelArray& source,
+                      double amount);                     // Y + (c - Y)(1 + amount), -1..6; neutral 0
+PixelArray Hue(const PixelArray& source, double degrees); // HSL hue turned; whole turns are neutral
 // HSL lightness moved towards white by the fraction `amount` > 0, towards black by -amount; neutral 0.
 PixelArray Lightness(const PixelArray& source, double amount);
 

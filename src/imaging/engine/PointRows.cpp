@@ -8,6 +8,14 @@
 #include <algorithm>
 #include <cmath>
 
+namespace pictorel::engine {
+
+SaturationChange::SaturationChange(double exactFactor)
+    : factor(static_cast<std::int32_t>(std::lround(exactFactor * (1 << kBits)))),
+      lumaFactor(static_cast<float>((1 - exactFactor) * (1 << kBits) / kLumaUnit)) {}
+
+} // namespace pictorel::engine
+
 namespace pictorel::engine::scalar {
 namespace {
 
@@ -66,11 +74,13 @@ void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int leve
     }
 }
 
-void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor) {
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, const SaturationChange& change) {
+    constexpr int kHalf = 1 << (SaturationChange::kBits - 1);
     for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
-        const float luma = static_cast<float>(ScaledLuma(in)) * (1.0F / kLumaUnit);
+        const float luma = static_cast<float>(ScaledLuma(in)) * change.lumaFactor;
+        const std::int32_t rest = static_cast<std::int32_t>(luma) + kHalf;
         for (int k = 0; k < 3; ++k) {
-            out[k] = RoundToByte(luma + (static_cast<float>(in[k]) - luma) * factor);
+            out[k] = ClampToByte((in[k] * change.factor + rest) >> SaturationChange::kBits);
         }
         out[3] = in[3];
     }

@@ -16,6 +16,16 @@ struct ClampedSum {
     std::array<std::uint8_t, 4> amount; // modulo 256
 };
 
+// Colours become `factor` / 2^20 times themselves plus `lumaFactor` times the scaled luma, in 1/2^20 too. The
+// two add up to 1; the factor is less than 8.
+struct SaturationChange {
+    explicit SaturationChange(double factor);
+
+    static constexpr int kBits = 20;
+    std::int32_t factor;
+    float lumaFactor;
+};
+
 // A turn of hues by 60 degrees times `sextants` + `fraction` / 65536, less than 6 sextants.
 struct HueTurn {
     std::uint16_t sextants;
@@ -29,8 +39,8 @@ namespace scalar {
 void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedSum& sum);
 void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width);
 void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const ColourMaps& maps);
-void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);     // 0..256
-void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor); // 1 + amount
+void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level); // 0..256
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, const SaturationChange& change);
 void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn& turn);
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount); // -1..1
 // c + change[Y] with Y the rounded luma, clamped.
@@ -50,7 +60,7 @@ void AddRow(const std::uint8_t* in, std::uint8_t* out, int width, const ClampedS
 void InvertRow(const std::uint8_t* in, std::uint8_t* out, int width);
 void MapRow(const std::uint8_t* in, std::uint8_t* out, int width, const SectionedMaps& maps);
 void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int level);
-void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor);
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, const SaturationChange& change);
 void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn& turn);
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount);
 void AddByLumaRow(const std::uint8_t* in, std::uint8_t* out, int width, const SectionedChange& change);

@@ -92,14 +92,6 @@ void ChangeColours(const std::uint8_t* in, std::uint8_t* out, int width, const C
     }
 }
 
-// Exact: every product and sum is a whole number below 2^24.
-FloatVector ScaledLumaOf(const Colours& c) {
-    const Floats floats;
-    return hn::Add(
-        hn::Add(hn::Mul(c.blue, hn::Set(floats, kLumaBlue)), hn::Mul(c.green, hn::Set(floats, kLumaGreen))),
-        hn::Mul(c.red, hn::Set(floats, kLumaRed)));
-}
-
 // Three components and the same bytes of alpha that leave it alone.
 ByteVector Repeated(const std::array<std::uint8_t, 4>& pixel) {
     const std::uint32_t lane = pixel[0] | std::uint32_t{pixel[1]} << 8 | std::uint32_t{pixel[2]} << 16 |
@@ -132,14 +124,31 @@ void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int leve
     });
 }
 
-void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor) {
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, const SaturationChange& change) {
+    const Ints ints;
+    const Pixels pixels;
     const Floats floats;
-    const auto factors = hn::Set(floats, factor);
-    ChangeColours(in, out, width, [&](const Colours& c) HWY_ATTR {
-        const auto luma = hn::Mul(ScaledLumaOf(c), hn::Set(floats, 1.0F / kLumaUnit));
-        const auto away = [&](FloatVector v)
-                              HWY_ATTR { return hn::Add(luma, hn::Mul(hn::Sub(v, luma), factors)); };
-        return Colours{away(c.blue), away(c.green), away(c.red)};
+    const auto zero = hn::Zero(ints);
+    const auto low = hn::Set(pixels, 255);
+    const auto highest = hn::Set(ints, 255);
+    const auto half = hn::Set(ints, 1 << (SaturationChange::kBits - 1));
+    const auto factor = hn::Set(ints, change.factor);
+    const auto lumaFactor = hn::Set(floats, change.lumaFactor);
+    ChangeBytes(in, out, width, [&](ByteVector row) HWY_ATTR {
+        const auto before = hn::BitCast(pixels, row);
+        const auto luma = hn::Mul(hn::ConvertTo(floats, AddScaledLuma(zero, before)), lumaFactor);
+        const auto rest = hn::Add(hn::ConvertTo(ints, luma), half);
+        const auto changed = [&](PixelVector component) HWY_ATTR {
+            const auto product = hn::Mul(hn::BitCast(ints, component), factor);
+            const auto whole = hn::ShiftRight<SaturationChange::kBits>(hn::Add(product, rest));
+            return hn::BitCast(pixels, hn::Min(hn::Max(whole, zero), highest));
+        };
+        const auto blue = changed(hn::And(before, low));
+        const auto green = changed(hn::And(hn::ShiftRight<8>(before), low));
+        const auto red = changed(hn::And(hn::ShiftRight<16>(before), low));
+        const auto alpha = hn::And(before, hn::Set(pixels, 0xFF000000));
+        return hn::BitCast(
+            Bytes(), hn::Or(hn::Or(blue, hn::ShiftLeft<8>(green)), hn::Or(hn::ShiftLeft<16>(red), alpha)));
     });
 }
 
@@ -283,8 +292,8 @@ void ThresholdRow(const std::uint8_t* in, std::uint8_t* out, int width, int leve
     HWY_DYNAMIC_DISPATCH(ThresholdRow)(in, out, width, level);
 }
 
-void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, float factor) {
-    HWY_DYNAMIC_DISPATCH(SaturationRow)(in, out, width, factor);
+void SaturationRow(const std::uint8_t* in, std::uint8_t* out, int width, const SaturationChange& change) {
+    HWY_DYNAMIC_DISPATCH(SaturationRow)(in, out, width, change);
 }
 
 void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn& turn) {
