@@ -2,7 +2,6 @@
 #include "imaging/engine/PointRows.h"
 
 #include "imaging/engine/Luma.h"
-#include "imaging/engine/Rounding.h"
 #include "imaging/engine/WholePixel.h"
 
 #include <algorithm>
@@ -117,7 +116,7 @@ void HueRow(const std::uint8_t* in, std::uint8_t* out, int width, const HueTurn&
 }
 
 // HSL saturation is spread / (255 - |sum - 255|), so keeping hue and saturation while the sum changes scales
-// each component's distance from the middle by the quotient of those denominators.
+// each component's distance from the middle by the quotient of those denominators. No result leaves 0..255.
 void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float amount) {
     for (int x = 0; x < width; ++x, in += kComponents, out += kComponents) {
         const Extremes e(in);
@@ -127,7 +126,8 @@ void LightnessRow(const std::uint8_t* in, std::uint8_t* out, int width, float am
         const float room = std::max(255.0F - std::abs(sum - 255.0F), 1.0F);
         const float scale = (255.0F - std::abs(newSum - 255.0F)) / room;
         for (int k = 0; k < 3; ++k) {
-            out[k] = RoundToByte(newSum * 0.5F + (static_cast<float>(in[k]) - sum * 0.5F) * scale);
+            const float exact = newSum * 0.5F + (static_cast<float>(in[k]) - sum * 0.5F) * scale;
+            out[k] = static_cast<std::uint8_t>(std::nearbyint(exact));
         }
         out[3] = in[3];
     }

@@ -69,25 +69,24 @@ Colours Split(PixelVector pixels) {
     return {Component<0>(pixels), Component<8>(pixels), Component<16>(pixels)};
 }
 
-// Clamped as whole numbers, which costs less: what lies below 0 is rounded wrongly before.
-PixelVector RoundToBytes(FloatVector value) {
-    const Ints ints;
-    const auto whole = hn::ConvertTo(ints, hn::Add(value, hn::Set(Floats(), 0.5F)));
-    return hn::BitCast(Pixels(), hn::Min(hn::Max(whole, hn::Zero(ints)), hn::Set(ints, 255)));
-}
-
+// Calls change(colours), which gives those after the change, 0..255, and rounds them to nearest: after adding
+// 2^23 a float has the whole number in its lowest bits.
 template <class Change>
 void ChangeColours(const std::uint8_t* in, std::uint8_t* out, int width, const Change& change) {
     const Bytes bytes;
     const Pixels pixels;
     const std::size_t size = static_cast<std::size_t>(width) * kComponents;
     const RowWriter writer(out, width);
+    const auto rounded = [=](FloatVector value) HWY_ATTR {
+        const auto bits = hn::BitCast(pixels, hn::Add(value, hn::Set(Floats(), 0x1p23F)));
+        return hn::And(bits, hn::Set(pixels, 255));
+    };
     for (std::size_t i = 0; i < size; i += hn::Lanes(bytes)) {
         const auto before = hn::BitCast(pixels, hn::Load(bytes, in + i));
         const Colours after = change(Split(before));
-        const auto blueGreen = hn::Or(RoundToBytes(after.blue), hn::ShiftLeft<8>(RoundToBytes(after.green)));
+        const auto blueGreen = hn::Or(rounded(after.blue), hn::ShiftLeft<8>(rounded(after.green)));
         const auto redAlpha =
-            hn::Or(hn::ShiftLeft<16>(RoundToBytes(after.red)), hn::And(before, hn::Set(pixels, 0xFF000000)));
+            hn::Or(hn::ShiftLeft<16>(rounded(after.red)), hn::And(before, hn::Set(pixels, 0xFF000000)));
         writer.Write(hn::BitCast(bytes, hn::Or(blueGreen, redAlpha)), i);
     }
 }
