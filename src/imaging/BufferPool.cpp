@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <mutex>
 #include <vector>
 
@@ -50,6 +51,7 @@ class Pool {
     std::uint8_t* Take(std::size_t bytes) {
         {
             const std::lock_guard lock(mutex_);
+            ++used_[bytes];
             const auto found =
                 std::find_if(idle_.begin(), idle_.end(), [=](const Block& b) { return b.bytes == bytes; });
             if (found != idle_.end()) {
@@ -59,17 +61,25 @@ class Pool {
                 return address;
             }
         }
-        std::uint8_t* const address = Allocate(bytes, kHugePage);
-        madvise(address, bytes, MADV_HUGEPAGE);
-        return address;
+        try {
+            std::uint8_t* const address = Allocate(bytes, kHugePage);
+            madvise(address, bytes, MADV_HUGEPAGE);
+            return address;
+        } catch (const ImagingError&) {
+            const std::lock_guard lock(mutex_);
+            ForgetUsed(bytes);
+            throw;
+        }
     }
 
     void GiveBack(Block block) noexcept {
-        if (block.bytes > kPooledBytes) {
+        const std::lock_guard lock(mutex_);
+        ForgetUsed(block.bytes);
+        const std::size_t most = std::max(kPooledBytes, used_.empty() ? 0 : used_.rbegin()->first);
+        if (block.bytes > most) {
             std::free(block.address);
             return;
         }
-        const std::lock_guard lock(mutex_);
         try {
             idle_.push_back(block);
         } catch (const std::bad_alloc&) {
@@ -77,7 +87,7 @@ class Pool {
             return;
         }
         idleBytes_ += block.bytes;
-        FreeOldestBeyond(kPooledBytes);
+        FreeOldestBeyond(most);
     }
 
     void Trim() noexcept {
@@ -91,6 +101,13 @@ class Pool {
     }
 
   private:
+    void ForgetUsed(std::size_t bytes) noexcept {
+        const auto used = used_.find(bytes);
+        if (--used->second == 0) {
+            used_.erase(used);
+        }
+    }
+
     void FreeOldestBeyond(std::size_t bytes) noexcept {
         while (idleBytes_ > bytes) {
             std::free(idle_.front().address);
@@ -100,7 +117,8 @@ class Pool {
     }
 
     std::mutex mutex_;
-    std::vector<Block> idle_; // oldest first
+    std::map<std::size_t, int> used_; // blocks by their bytes
+    std::vector<Block> idle_;         // oldest first
     std::size_t idleBytes_ = 0;
 };
 

@@ -9,7 +9,8 @@ namespace pictorel {
 
 // A block of at least the asked size, 64-byte aligned (2 MiB-aligned and advised to huge pages when large).
 // Content is undefined. When the last owner lets go, a large block goes back to the pool, which keeps at most
-// kPooledBytes and frees the rest. Throws ImagingError(OutOfMemory). Safe to use from several threads.
+// 256 MiB, or as much as the largest block in use, and frees the rest: there is room for the next result of a
+// huge picture too. Throws ImagingError(OutOfMemory). Safe to use from several threads.
 std::shared_ptr<std::uint8_t> TakeBuffer(std::size_t bytes);
 
 // Frees every block that nobody uses; called when a much smaller picture replaces a large one.

@@ -82,6 +82,16 @@ TEST_F(BufferPool, KeepsTheNewestUpToItsCap) {
     EXPECT_EQ(PooledBytes(), 230 * kMiB) << "one that is too large does not push the others out";
 }
 
+TEST_F(BufferPool, KeepsOneMoreOfAHugePicture) {
+    auto picture = TakeBuffer(2 * kMostKept);
+    const auto result = TakeBuffer(2 * kMostKept);
+    const std::uint8_t* const address = picture.get();
+    picture.reset();
+    EXPECT_EQ(TakeBuffer(2 * kMostKept).get(), address) << "the next result takes the place of the source";
+    TakeBuffer(3 * kMostKept).reset();
+    EXPECT_EQ(PooledBytes(), 2 * kMostKept) << "no more than is in use";
+}
+
 TEST_F(BufferPool, TrimmingFreesWhatNobodyUses) {
     const auto used = TakeBuffer(8 * kMiB);
     TakeBuffer(16 * kMiB).reset();
