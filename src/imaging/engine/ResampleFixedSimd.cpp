@@ -149,45 +149,69 @@ struct WideSums {
     PairSums upper;
 };
 
-HWY_INLINE WideSums SumWideRows(std::span<const std::int16_t* const> rows,
-                                std::span<const std::int16_t> weights, int offset) {
+// Calls store(k, sums) for kVectors vectors of components from `offset` on, which share the weights'
+// spreading.
+template <int kVectors, class Store>
+HWY_INLINE void SumWideRows(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights,
+                            int offset, const Store& store) {
     const Shorts shorts;
-    WideSums sums{NoSum(), NoSum()};
+    WideSums sums[kVectors];
+    for (WideSums& sum : sums) {
+        sum = {NoSum(), NoSum()};
+    }
     for (std::size_t i = 0; i < weights.size(); i += 2) {
         const auto factors = PairOfWeights(weights.data() + i);
-        const auto a = hn::LoadU(shorts, rows[i] + offset);
-        const auto b = hn::LoadU(shorts, rows[i + 1] + offset);
-        AddProducts(sums.lower, hn::InterleaveLower(shorts, a, b), factors);
-        AddProducts(sums.upper, hn::InterleaveUpper(shorts, a, b), factors);
+        const std::int16_t* const upper = rows[i] + offset;
+        const std::int16_t* const lower = rows[i + 1] + offset;
+        for (int k = 0; k < kVectors; ++k) {
+            const auto a = hn::LoadU(shorts, upper + k * hn::Lanes(shorts));
+            const auto b = hn::LoadU(shorts, lower + k * hn::Lanes(shorts));
+            AddProducts(sums[k].lower, hn::InterleaveLower(shorts, a, b), factors);
+            AddProducts(sums[k].upper, hn::InterleaveUpper(shorts, a, b), factors);
+        }
     }
-    return sums;
+    for (int k = 0; k < kVectors; ++k) {
+        store(offset + k * static_cast<int>(hn::Lanes(shorts)), sums[k]);
+    }
+}
+
+// The same for all whole vectors of `components`; returns where the rest begins.
+template <class Store>
+HWY_INLINE int SumAllWideRows(std::span<const std::int16_t* const> rows,
+                              std::span<const std::int16_t> weights, int components, const Store& store) {
+    constexpr int kTogether = 4;
+    const int lanes = static_cast<int>(hn::Lanes(Shorts()));
+    int c = 0;
+    for (; c + kTogether * lanes <= components; c += kTogether * lanes) {
+        SumWideRows<kTogether>(rows, weights, c, store);
+    }
+    for (; c + lanes <= components; c += lanes) {
+        SumWideRows<1>(rows, weights, c, store);
+    }
+    return c;
 }
 
 void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights,
                           int bits, int components, std::int16_t* to) {
-    for (int c = 0; c < components; c += static_cast<int>(hn::MaxLanes(Shorts()))) {
-        const WideSums sums = SumWideRows(rows, weights, c);
+    SumAllWideRows(rows, weights, components, [=](int c, const WideSums& sums) HWY_ATTR {
         hn::StoreU(Paired(sums.lower, sums.upper, bits + 1), Shorts(), to + c);
-    }
+    });
 }
 
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
                   int components, std::uint8_t* to) {
     const hn::Half<Bytes> bytes;
-    const int lanes = static_cast<int>(hn::MaxLanes(Shorts()));
     const int shift = bits + kSumFraction;
-    int c = 0;
-    for (; c + lanes <= components; c += lanes) {
-        const WideSums sums = SumWideRows(rows, weights, c);
+    const int done = SumAllWideRows(rows, weights, components, [=](int c, const WideSums& sums) HWY_ATTR {
         const auto sum =
             hn::ReorderDemote2To(Shorts(), Reduced(sums.lower, shift), Reduced(sums.upper, shift));
         hn::StoreU(hn::DemoteTo(bytes, sum), bytes, to + c);
-    }
+    });
     std::vector<const std::int16_t*> rest(rows.begin(), rows.end());
     for (const std::int16_t*& row : rest) {
-        row += c;
+        row += done;
     }
-    scalar::SumSumsFixed(rest, weights, bits, components - c, to + c);
+    scalar::SumSumsFixed(rest, weights, bits, components - done, to + done);
 }
 
 void Premultiply(const std::uint8_t* pixels, int count, std::int16_t* to) {
