@@ -5,6 +5,7 @@
 #include "PictureSupport.h"
 #include "imaging/codecs/Exif.h"
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,31 @@ TEST(Png, ReadsEveryColourTypeAndDepth) {
           .rows = {0, 1, 1, 0, 2, 2, 0, 3, 3, 4, 4}},
          "010101 020202/030303 040404"},
     });
+}
+
+// A plain file is inflated at once; with a wrong check sum behind its pixels libpng reads it. Both see the
+// same.
+TEST(Png, PlainFilesAreReadAsLibpngReadsThem) {
+    std::mt19937 random(5);
+    for (const int colourType : {2, 6}) {
+        for (int filters = 0; filters < 6; ++filters) { // each alone, then all in turn
+            const int width = 37;
+            const int height = 11;
+            ByteBuffer rows;
+            for (int y = 0; y < height; ++y) {
+                rows.push_back(static_cast<std::uint8_t>(filters < 5 ? filters : y % 5));
+                for (int i = 0; i < width * (colourType == 2 ? 3 : 4); ++i) {
+                    rows.push_back(static_cast<std::uint8_t>(random() >> 24));
+                }
+            }
+            ByteBuffer file =
+                MakePng({.width = width, .height = height, .colourType = colourType, .rows = rows});
+            const PixelArray plain = Read(file);
+            constexpr std::size_t kBehindData = 4 + 12; // its chunk's check sum and the last chunk
+            file[file.size() - kBehindData - 1] ^= 1;
+            EXPECT_TRUE(SamePixels(plain, Read(file))) << "colours " << colourType << ", filters " << filters;
+        }
+    }
 }
 
 TEST(Png, ReadsTransparentColours) {

@@ -113,6 +113,26 @@ std::vector<ByteView> PngParts(ByteView file) {
     return parts;
 }
 
+ByteView PngData(ByteView file, ByteBuffer& joined) {
+    std::vector<ByteView> pieces;
+    std::size_t bytes = 0;
+    ForEachChunk(file, [&](const Chunk& chunk) {
+        if (chunk.name == "IDAT") {
+            pieces.push_back(chunk.data);
+            bytes += chunk.data.size();
+        }
+        return chunk.name != "IEND";
+    });
+    if (pieces.size() == 1) {
+        return pieces.front();
+    }
+    joined.reserve(bytes);
+    for (const ByteView& piece : pieces) {
+        joined.insert(joined.end(), piece.begin(), piece.end());
+    }
+    return joined;
+}
+
 bool IsPngCutShort(ByteView file) {
     return ForEachChunk(file, [](const Chunk&) { return true; }) > file.size();
 }

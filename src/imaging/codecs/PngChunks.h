@@ -14,6 +14,9 @@ inline constexpr std::string_view kPngSignature = "\x89PNG\r\n\x1A\n";
 // part in the picture (texts, however large, or between the data chunks) and headers after the first.
 std::vector<ByteView> PngParts(ByteView file);
 
+// What the data chunks hold, in one piece; `joined` keeps it where there are several.
+ByteView PngData(ByteView file, ByteBuffer& joined);
+
 // Whether the file ends inside a chunk.
 bool IsPngCutShort(ByteView file);
 

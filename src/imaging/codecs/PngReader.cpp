@@ -9,6 +9,7 @@
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/Png.h"
 #include "imaging/codecs/PngChunks.h"
+#include "imaging/codecs/PngPlainPixels.h"
 #include "imaging/codecs/Xmp.h"
 
 #include <png.h>
@@ -63,8 +64,9 @@ class PngDecoder {
         isGreyProfile_ = !icc_.empty() && (png_get_color_type(png_, info_) & PNG_COLOR_MASK_COLOR) == 0;
         isDirect_ = !isWide_ && !isGreyProfile_;
         isInterlaced_ = png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE;
-        const bool hasAlpha = (png_get_color_type(png_, info_) & PNG_COLOR_MASK_ALPHA) != 0 ||
-                              png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
+        hasTransparentColour_ = png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
+        fileColours_ = png_get_color_type(png_, info_);
+        const bool hasAlpha = HasAlphaChannel() || hasTransparentColour_;
         if (!SetTransforms()) {
             Refuse("The PNG file is damaged before its first pixel.");
         }
@@ -180,6 +182,14 @@ class PngDecoder {
         });
     }
 
+    bool HasAlphaChannel() const { return (fileColours_ & PNG_COLOR_MASK_ALPHA) != 0; }
+
+    // Whether the rows hold red, green and blue bytes as they are.
+    bool IsPlain() const {
+        return !isWide_ && !isInterlaced_ && !hasTransparentColour_ &&
+               (fileColours_ == PNG_COLOR_TYPE_RGB || fileColours_ == PNG_COLOR_TYPE_RGB_ALPHA);
+    }
+
     // Of the picture, or of the pass. libpng may give up over what follows the last row: that row is there.
     int RowsFinished() const { return static_cast<int>(png_get_current_row_number(png_)); }
 
@@ -193,8 +203,12 @@ class PngDecoder {
         if (isInterlaced_) {
             FillWhite(picture, 0, picture.Height());
         }
-        isWhole_ = ReadRows(picture.WritableRows(), picture.Stride(), picture.Height());
-        RefuseWithoutRows();
+        isPassedBy_ = IsPlain() && ReadPlainPng(file_, HasAlphaChannel(), picture);
+        isWhole_ = isPassedBy_;
+        if (!isPassedBy_) {
+            isWhole_ = ReadRows(picture.WritableRows(), picture.Stride(), picture.Height());
+            RefuseWithoutRows();
+        }
         if (!isWhole_ && !isInterlaced_) {
             FillWhite(picture, std::min(RowsFinished(), picture.Height()), picture.Height());
         }
@@ -259,7 +273,7 @@ class PngDecoder {
 
     // EXIF and resolution may stand behind the pixels; damage there takes nothing from the picture.
     PixelArray Finish(PixelArray picture) {
-        if (isWhole_) {
+        if (isWhole_ && !isPassedBy_) {
             Guarded([this] { png_read_end(png_, info_); });
         }
         Metadata details = picture.Details();
@@ -268,8 +282,10 @@ class PngDecoder {
         png_bytep exifData = nullptr;
         int orientation = 1;
         const bool hasChunk = png_get_eXIf_1(png_, info_, &exifBytes, &exifData) != 0;
-        const ByteBuffer exif =
-            hasChunk ? ByteBuffer(exifData, exifData + exifBytes) : FindPngExifText(file_);
+        const ByteView behindPixels = isPassedBy_ ? FindPngChunk(file_, "eXIf", "") : ByteView();
+        const ByteBuffer exif = hasChunk               ? ByteBuffer(exifData, exifData + exifBytes)
+                                : behindPixels.empty() ? FindPngExifText(file_)
+                                                       : ByteBuffer(behindPixels.begin(), behindPixels.end());
         if (!exif.empty()) {
             orientation = ExifOrientation(exif);
             details.exif = WithUprightOrientation(exif);
@@ -300,11 +316,14 @@ class PngDecoder {
     ByteBuffer calibrated_; // made from its gamma and primaries
     bool isWide_ = false;
     bool isGreyProfile_ = false;
+    int fileColours_ = 0; // libpng's colour type, of the file
+    bool hasTransparentColour_ = false;
     bool isDirect_ = false;
     bool isInterlaced_ = false;
     bool isWhole_ = false; // every row was there
     int passes_ = 1;
     bool anyRow_ = false;
+    bool isPassedBy_ = false; // the pixels were read without libpng, which would inflate them once more
 };
 
 } // namespace
