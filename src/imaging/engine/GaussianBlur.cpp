@@ -83,15 +83,31 @@ std::unique_ptr<FineRows> BlurredStrip(const RowsOfStrip& makeRows, const HalfKe
     return std::make_unique<BlurredRows>(makeRows(columns.WithMargins(margin)), kernel);
 }
 
-// Halved as often as planned, blurred, and doubled again. Only the smallest planes are kept: up to this many
-// halvings or doublings go through the cache.
+// Blurred rows, doubled `times` times. Opaque pixels go straight into the result.
+PixelArray Doubled(const PixelArray& source, int times, const RowsOfStrip& blurred) {
+    if (source.HasAlpha()) {
+        return FromFineRows(source, 0,
+                            [&](Columns columns) { return DoubledTimes(times, blurred, columns); });
+    }
+    return FromPixelRows(source, 0, [&](Columns columns) {
+        return std::make_unique<DoubledPixels>(
+            [&](Columns half) { return DoubledTimes(times - 1, blurred, half); }, columns);
+    });
+}
+
+// Halved as often as planned, blurred, and doubled again. Up to two halvings or doublings go through the
+// cache at once. Halved once, no plane is kept at all; halved more often, the margins of strips would be made
+// too often without one.
 PixelArray BlurredByHalving(const PixelArray& source, const PyramidPlan& plan) {
-    constexpr int kThroughCache = 2;
-    const int kept = std::min(plan.halvings, kThroughCache);
     const HalfKernel kernel = GaussianKernel(plan.sigma);
-    FinePlane plane = Halved(source, kept);
+    if (plan.halvings == 1) {
+        const RowsOfStrip halved = [&](Columns columns) { return HalvedRowsOf(source, 1, columns); };
+        return Doubled(source, 1, [&](Columns columns) { return BlurredStrip(halved, kernel, columns); });
+    }
+    constexpr int kThroughCache = 2;
+    FinePlane plane = Halved(source, kThroughCache);
     std::vector<Bounds> larger;
-    for (int i = kept; i < plan.halvings; ++i) {
+    for (int i = kThroughCache; i < plan.halvings; ++i) {
         larger.push_back(plane.Extent());
         plane = Halved(plane, 1);
     }
@@ -103,14 +119,7 @@ PixelArray BlurredByHalving(const PixelArray& source, const PyramidPlan& plan) {
             MakePlane(larger.back(), [&](Columns columns) { return DoubledTimes(1, *smallest, columns); });
         smallest = &asItIs;
     }
-    if (source.HasAlpha()) {
-        return FromFineRows(source, 0,
-                            [&](Columns columns) { return DoubledTimes(kept, *smallest, columns); });
-    }
-    return FromPixelRows(source, 0, [&](Columns columns) {
-        return std::make_unique<DoubledPixels>(
-            [&](Columns half) { return DoubledTimes(kept - 1, *smallest, half); }, columns);
-    });
+    return Doubled(source, kThroughCache, *smallest);
 }
 
 PixelArray Blurred(const PixelArray& source, const HalfKernel& kernel, float amount) {

@@ -43,11 +43,11 @@ class HalvedRows : public FineRows {
 };
 
 template <class Source>
-std::unique_ptr<FineRows> HalvedRowsOf(const Source& source, int times, Columns columns) {
+std::unique_ptr<FineRows> MakeHalvedRows(const Source& source, int times, Columns columns) {
     if (times == 0) {
         return RowsOf(source, columns);
     }
-    return std::make_unique<HalvedRows>(HalvedRowsOf(source, times - 1, ColumnsToHalve(columns)), columns);
+    return std::make_unique<HalvedRows>(MakeHalvedRows(source, times - 1, ColumnsToHalve(columns)), columns);
 }
 
 template <class Source>
@@ -56,7 +56,7 @@ FinePlane Half(const Source& source, int times) {
     for (int i = 0; i < times; ++i) {
         bounds = HalvedBounds(bounds);
     }
-    return MakePlane(bounds, [&](Columns columns) { return HalvedRowsOf(source, times, columns); });
+    return MakePlane(bounds, [&](Columns columns) { return MakeHalvedRows(source, times, columns); });
 }
 
 int EvenWidth(Columns columns) {
@@ -111,6 +111,10 @@ PyramidPlan::PyramidPlan(double sigmaInPixels) : sigma(sigmaInPixels) {
         sigma = left;
         ++halvings;
     }
+}
+
+std::unique_ptr<FineRows> HalvedRowsOf(const PixelArray& source, int times, Columns columns) {
+    return MakeHalvedRows(source, times, columns);
 }
 
 FinePlane Halved(const PixelArray& source, int times) {

@@ -21,6 +21,9 @@ struct PyramidPlan {
     double sigma;
 };
 
+// Rows of a picture or plane halved `times` times. Beyond its bounds they go on.
+std::unique_ptr<FineRows> HalvedRowsOf(const PixelArray& source, int times, Columns columns);
+
 // The halved plane, halved `times` times (once or more). Its bounds go as far beyond the picture's as its
 // border reaches, so that what lies beyond them is constant.
 FinePlane Halved(const PixelArray& source, int times);
