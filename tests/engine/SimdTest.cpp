@@ -521,6 +521,22 @@ TEST(Simd, SlidingMeansEqualPlainLoops) {
             }
         }
     });
+    ForEachTarget([&](const char* target) {
+        for (const double length : {1.5, 2.0, 7.3, 40.0, 126.0}) {
+            const auto line = FixedLine::Of(Line(length));
+            for (const int width : {1, 7, 8, 65}) {
+                const PixelArray row = Random({300, 1});
+                PixelArray plain(80, 1);
+                PixelArray vectors(80, 1);
+                const std::uint8_t* const in = row.Row(0) + std::ptrdiff_t{4} * 100;
+                scalar::SlideAlong({in, plain.WritableRows(), width, false}, *line);
+                simd::SlideAlong({in, vectors.WritableRows(), width, width > 8}, *line);
+                ASSERT_TRUE(
+                    std::equal(plain.Row(0), plain.Row(0) + std::ptrdiff_t{4} * width, vectors.Row(0)))
+                    << target << " length " << length << " width " << width;
+            }
+        }
+    });
     EXPECT_FALSE(FixedLine::Of(Line(130))) << "the sum of 130 whites does not fit";
 }
 

@@ -130,8 +130,9 @@ struct ToPixels {
         target.streams ? Finish<true>(taps, kernel, target) : Finish<false>(taps, kernel, target);
     }
 
+    // The target is copied, since for the compiler pixels may lie anywhere, even over it.
     template <bool kStreams>
-    static void Finish(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target) {
+    static void Finish(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget target) {
         const Fines fines;
         const Bytes bytes;
         const Weights<kRadius, Downwards> weights(kernel);
