@@ -5,6 +5,7 @@
 #include "imaging/engine/Rounding.h"
 
 #include <algorithm>
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/FineRow.cpp"
@@ -18,9 +19,11 @@ constexpr int kComponents = PixelArray::kComponents;
 
 void WidenOpaque(const std::uint8_t* HWY_RESTRICT in, int width, Fine* HWY_RESTRICT lower,
                  Fine* HWY_RESTRICT upper) {
-    for (int i = 0; i < 2 * width; ++i) {
-        lower[i] = static_cast<Fine>(in[2 * i] * kFineUnit);
-        upper[i] = static_cast<Fine>(in[2 * i + 1] * kFineUnit);
+    for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(width); ++i) {
+        std::uint16_t both; // read as one number, the bytes are parted without a shuffle
+        std::memcpy(&both, in + 2 * i, sizeof both);
+        lower[i] = static_cast<Fine>((both & 0xFFU) * kFineUnit);
+        upper[i] = static_cast<Fine>((both >> 8U) * kFineUnit);
     }
 }
 

@@ -201,7 +201,7 @@ FinePlane::FinePlane(const Bounds& bounds)
 FinePlane MakePlane(const Bounds& bounds, const RowsOfStrip& makeRows) {
     FinePlane plane(bounds);
     const std::size_t half = HalfLength(bounds.right - bounds.left);
-    ForEachStrip(bounds, [&](const TileArea& area) {
+    ForEachStrip(bounds, kWideStrip, [&](const TileArea& area) {
         const auto rows = makeRows(Columns{area.left, area.width});
         FineRow row(FineLength(rows->Width()));
         const Fine* const upper = row.data() + HalfLength(rows->Width());

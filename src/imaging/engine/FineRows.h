@@ -133,16 +133,19 @@ class BlurredPixels : public PixelRows {
     FineRing ring_;
 };
 
-// Calls body(area) for strips of columns that cover `bounds` once, on all cores. Strips begin on multiples of
-// 16 pixels from the left and are narrow enough for a ring of their rows to stay in cache.
+// Widths of strips: narrow enough for a ring of their rows to stay in the nearest cache, or wide enough for
+// the margins of halved strips to cost little.
+inline constexpr int kNarrowStrip = 256;
+inline constexpr int kWideStrip = 1024;
+
+// Calls body(area) for strips of columns that cover `bounds` once, on all cores.
 template <class Body>
-void ForEachStrip(const Bounds& bounds, const Body& body) {
-    constexpr int kStripWidth = 256;
+void ForEachStrip(const Bounds& bounds, int stripWidth, const Body& body) {
     const int width = bounds.right - bounds.left;
     const auto bytesPerRow = std::size_t{2} * PixelArray::kComponents * static_cast<std::size_t>(width);
     ForEachBand(bounds.bottom - bounds.top, bytesPerRow, [&](int first, int end) {
-        for (int left = 0; left < width; left += kStripWidth) {
-            body(TileArea{bounds.left + left, bounds.top + first, std::min(kStripWidth, width - left),
+        for (int left = 0; left < width; left += stripWidth) {
+            body(TileArea{bounds.left + left, bounds.top + first, std::min(stripWidth, width - left),
                           end - first});
         }
     });

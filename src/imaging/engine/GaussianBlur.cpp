@@ -24,11 +24,11 @@ using PixelsOfStrip = std::function<std::unique_ptr<PixelRows>(Columns)>;
 // Makes a picture like `source` strip by strip: makeStrip(area, out) what goes to `out`, with the result's
 // stride.
 template <class MakeStrip>
-PixelArray FromStrips(const PixelArray& source, const MakeStrip& makeStrip) {
+PixelArray FromStrips(const PixelArray& source, int stripWidth, const MakeStrip& makeStrip) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const pixels = result.WritableRows();
     const bool streams = IsStreamed(result);
-    ForEachStrip(BoundsOf(source), [&](const TileArea& area) {
+    ForEachStrip(BoundsOf(source), stripWidth, [&](const TileArea& area) {
         auto rows = makeStrip(Columns{area.left, area.width});
         for (int y = area.top; y < area.top + area.height; ++y) {
             const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(area.left) * kComponents;
@@ -41,8 +41,9 @@ PixelArray FromStrips(const PixelArray& source, const MakeStrip& makeStrip) {
 }
 
 // From rows of opaque pixels, sharpened by `share` in 1/32768 of the usual most.
-PixelArray FromPixelRows(const PixelArray& source, std::int16_t share, const PixelsOfStrip& makeRows) {
-    return FromStrips(source, [&](Columns columns) {
+PixelArray FromPixelRows(const PixelArray& source, int stripWidth, std::int16_t share,
+                         const PixelsOfStrip& makeRows) {
+    return FromStrips(source, stripWidth, [&](Columns columns) {
         return [share, rows = makeRows(columns)](int y, PixelTarget target) {
             target.share = share;
             rows->Make(y, target);
@@ -51,9 +52,9 @@ PixelArray FromPixelRows(const PixelArray& source, std::int16_t share, const Pix
 }
 
 // From fine rows, sharpened by `amount` where it is not 0.
-PixelArray FromFineRows(const PixelArray& source, float amount, const RowsOfStrip& makeRows) {
+PixelArray FromFineRows(const PixelArray& source, int stripWidth, float amount, const RowsOfStrip& makeRows) {
     const bool hasAlpha = source.HasAlpha();
-    return FromStrips(source, [&](Columns columns) {
+    return FromStrips(source, stripWidth, [&](Columns columns) {
         auto rows = makeRows(columns);
         const int width = rows->Width();
         return
@@ -86,10 +87,10 @@ std::unique_ptr<FineRows> BlurredStrip(const RowsOfStrip& makeRows, const HalfKe
 // Blurred rows, doubled `times` times. Opaque pixels go straight into the result.
 PixelArray Doubled(const PixelArray& source, int times, const RowsOfStrip& blurred) {
     if (source.HasAlpha()) {
-        return FromFineRows(source, 0,
+        return FromFineRows(source, kWideStrip, 0,
                             [&](Columns columns) { return DoubledTimes(times, blurred, columns); });
     }
-    return FromPixelRows(source, 0, [&](Columns columns) {
+    return FromPixelRows(source, kWideStrip, 0, [&](Columns columns) {
         return std::make_unique<DoubledPixels>(
             [&](Columns half) { return DoubledTimes(times - 1, blurred, half); }, columns);
     });
@@ -125,13 +126,13 @@ PixelArray BlurredByHalving(const PixelArray& source, const PyramidPlan& plan) {
 PixelArray Blurred(const PixelArray& source, const HalfKernel& kernel, float amount) {
     if (source.HasAlpha() || amount > kUsualSharpening) {
         const RowsOfStrip asItIs = [&](Columns columns) { return RowsOf(source, columns); };
-        return FromFineRows(source, amount,
+        return FromFineRows(source, kNarrowStrip, amount,
                             [&](Columns columns) { return BlurredStrip(asItIs, kernel, columns); });
     }
     // Even the least sharpening is not none.
     const float share =
         std::clamp(amount * 32768 / kUsualSharpening + 0.5F, amount > 0 ? 1.0F : 0.0F, 32767.0F);
-    return FromPixelRows(source, static_cast<std::int16_t>(share), [&](Columns columns) {
+    return FromPixelRows(source, kNarrowStrip, static_cast<std::int16_t>(share), [&](Columns columns) {
         return std::make_unique<BlurredPixels>(source, kernel, columns);
     });
 }
