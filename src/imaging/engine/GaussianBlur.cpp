@@ -21,8 +21,8 @@ constexpr double kWidest = 1000;
 
 using PixelsOfStrip = std::function<std::unique_ptr<PixelRows>(Columns)>;
 
-// Makes a picture like `source` strip by strip: makeStrip(area, out) what goes to `out`, with the result's
-// stride.
+// Makes a picture like `source` strip by strip: makeStrip(columns) gives what is called with the number and
+// the target of each row.
 template <class MakeStrip>
 PixelArray FromStrips(const PixelArray& source, int stripWidth, const MakeStrip& makeStrip) {
     PixelArray result = PixelArray::Like(source);
