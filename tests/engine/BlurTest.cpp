@@ -69,9 +69,49 @@ TEST(GaussianBlur, IsWithinOneLevelOfTheExactConvolution) {
     }
 }
 
-TEST(GaussianBlur, TilesJoinWithoutTrace) {
-    const PixelArray source = Random({523, 131}); // three tiles across, three down
-    EXPECT_LE(Compare(GaussianBlur(source, 3), ExactGaussian(source, 3)).worst, 1.0);
+// Where rounding up everywhere, or weights a little wrong, would show most.
+PixelArray HardEdges(Size size, int cell) {
+    return Draw(size, [=](int x, int y) {
+        const std::uint8_t level = (x / cell + y / cell) % 2 == 0 ? 255 : 0;
+        const auto column = static_cast<std::uint8_t>(x % (3 * cell) == 0 ? 255 : 0);
+        return Pixel{level, column, static_cast<std::uint8_t>(255 - level), 255};
+    });
+}
+
+TEST(GaussianBlur, IsWithinOneLevelOnHardEdges) {
+    for (const double sigma : {0.65, 1.0, 1.5, 2.2, 2.95, 3.0, 4.2, 6.0, 13.0, 25.0, 45.0}) {
+        for (const int cell : {1, 2, 5, 40}) {
+            const PixelArray source = HardEdges({301, 67}, cell);
+            const PixelArray result = GaussianBlur(source, sigma);
+            EXPECT_LE(Compare(result, ExactGaussian(source, sigma)).worst, 1.0) << sigma << ", " << cell;
+        }
+    }
+}
+
+TEST(GaussianBlur, LeavesConstantPicturesAsTheyAre) {
+    for (const Pixel pixel : {Pixel{0, 255, 0, 255}, {255, 0, 255, 255}, {1, 254, 127, 255}}) {
+        const PixelArray source = Constant({37, 12}, pixel);
+        for (const double sigma : {0.1, 0.5, 1.0, 2.9, 3.0, 12.0, 100.0}) {
+            EXPECT_TRUE(SamePixels(GaussianBlur(source, sigma), source)) << sigma;
+        }
+        for (const double amount : {1e-6, 0.04, 4.0, 9.0}) {
+            EXPECT_TRUE(SamePixels(UnsharpMask(source, amount), source)) << amount;
+        }
+    }
+}
+
+TEST(UnsharpMask, TheLeastAmountIsNoBlur) {
+    const PixelArray source = HardEdges({40, 9}, 2);
+    EXPECT_TRUE(SamePixels(UnsharpMask(source, 1e-6), source));
+}
+
+TEST(GaussianBlur, StripsJoinWithoutTrace) {
+    const PixelArray opaque = Random({523, 131});
+    const PixelArray wide = Random({2070, 40}, Alpha::Random); // three wide strips
+    for (const double sigma : {1.0, 3.0, 7.0}) {
+        EXPECT_LE(Compare(GaussianBlur(opaque, sigma), ExactGaussian(opaque, sigma)).worst, 1.0) << sigma;
+        EXPECT_LE(Compare(GaussianBlur(wide, sigma), ExactGaussian(wide, sigma)).worst, 1.0) << sigma;
+    }
 }
 
 TEST(GaussianBlur, KeepsItsVarianceBelowOnePixel) {

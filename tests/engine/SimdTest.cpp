@@ -6,6 +6,7 @@
 #include "imaging/engine/MotionRows.h"
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
+#include "imaging/engine/PyramidRows.h"
 #include "imaging/engine/RankRows.h"
 #include "imaging/engine/ResampleFixed.h"
 #include "imaging/engine/TurnTile.h"
@@ -411,29 +412,109 @@ TEST(Simd, FixedPointRowsEqualPlainLoops) {
     });
 }
 
+// Fine components among which white is frequent.
+FineRow RandomFines(std::size_t count, unsigned seed) {
+    FineRow fines(count);
+    std::mt19937 generator(seed);
+    for (Fine& fine : fines) {
+        fine = static_cast<Fine>(generator() % 3 == 0 ? 255 * kFineUnit : generator() % (255 * kFineUnit));
+    }
+    return fines;
+}
+
+constexpr std::array kFineWidths{1, 2, 15, 16, 33, 70};
+
+// What both kinds of loops, as make(isPlain, result), make of rows of `width` pixels must be the same there.
+template <class Component, class Make>
+void ExpectSameHalves(int width, std::size_t second, std::size_t room, const std::string& what,
+                      const Make& make) {
+    std::vector<Component, LineAllocator<Component>> plain(room);
+    auto vectors = plain;
+    make(true, plain.data());
+    make(false, vectors.data());
+    const std::size_t count = static_cast<std::size_t>(width) * 2;
+    for (const std::size_t begin : {std::size_t{0}, second}) {
+        for (std::size_t i = begin; i < begin + count; ++i) {
+            ASSERT_EQ(vectors[i], plain[i]) << what << ", width " << width << ", component " << i;
+        }
+    }
+}
+
+template <class Make>
+void ExpectSameRows(int width, const std::string& what, const Make& make) {
+    ExpectSameHalves<Fine>(width, HalfLength(width), FineLength(width), what, make);
+}
+
+template <class Make>
+void ExpectSamePixels(int width, const std::string& what, const Make& make) {
+    const auto count = static_cast<std::size_t>(width) * 2;
+    ExpectSameHalves<std::uint8_t>(width, count, 2 * FineLength(width), what, make);
+}
+
 TEST(Simd, ConvolutionEqualsPlainLoops) {
-    std::vector<WideComponent> in(4000);
-    std::mt19937 generator(7);
-    for (WideComponent& component : in) {
-        component = static_cast<WideComponent>(generator() % 3 == 0 ? 255 * kWideUnit
-                                                                    : generator() % (255 * kWideUnit));
+    constexpr std::size_t kRoom = 512;
+    const FineRow fines = RandomFines(40 * kRoom, 7);
+    PixelArray pixels = Random({kRoom / 2, 1});
+    for (int i = 0; i < 300; ++i) { // the brightest beside the darkest, in the components that are paired
+        pixels.WritableRows()[i] = i / 50 % 2 == 0 ? (i % 2 == 0 ? 255 : 0) : pixels.Row(0)[i] / 128 * 255;
     }
     ForEachTarget([&](const char* target) {
-        for (const double sigma : {0.3, 1.0, 2.0, 9.7, 10.0}) {
+        for (const double sigma : {0.07, 0.3, 1.0, 2.0, 2.9, 9.7}) {
             const HalfKernel kernel = GaussianKernel(sigma);
-            for (const std::ptrdiff_t step : {4, 52}) {
-                for (const std::size_t count : {1U, 4U, 15U, 31U, 68U, 129U}) {
-                    std::vector<WideComponent> plain(count);
-                    std::vector<WideComponent> vectors(count);
-                    std::vector<const WideComponent*> taps;
-                    for (std::size_t k = 0; k < 2 * kernel.size() - 1; ++k) {
-                        taps.push_back(in.data() + static_cast<std::ptrdiff_t>(k) * step);
-                    }
-                    scalar::Convolve(taps.data(), kernel, plain.data(), count);
-                    Convolve(taps.data(), kernel, vectors.data(), count);
-                    EXPECT_EQ(vectors, plain)
-                        << target << " sigma " << sigma << " step " << step << " count " << count;
+            std::vector<const Fine*> taps;
+            for (std::size_t k = 0; k < 2 * kernel.size() - 1; ++k) {
+                taps.push_back(fines.data() + k % 40 * kRoom);
+            }
+            const std::string what = std::string(target) + ", sigma " + std::to_string(sigma);
+            for (const int width : kFineWidths) {
+                ExpectSameRows(width, what + ", down", [&](bool isPlain, Fine* out) {
+                    (isPlain ? scalar::Convolve : simd::Convolve)(taps.data(), kernel, out,
+                                                                  FineLength(width));
+                });
+                ExpectSameRows(width, what + ", across", [&](bool isPlain, Fine* out) {
+                    (isPlain ? scalar::ConvolveAcross : simd::ConvolveAcross)(pixels.Row(0) + 4, kernel,
+                                                                              width, out);
+                });
+                for (const int share : {0, 1, 8192, 32767}) {
+                    ExpectSamePixels(width, what + ", pixels", [&](bool isPlain, std::uint8_t* out) {
+                        (isPlain ? scalar::ConvolveToPixels : simd::ConvolveToPixels)(
+                            taps.data(), kernel,
+                            {out, width, width > 15, pixels.Row(0), static_cast<std::int16_t>(share)});
+                    });
                 }
+            }
+        }
+    });
+}
+
+TEST(Simd, PyramidEqualsPlainLoops) {
+    constexpr std::size_t kRoom = 1024;
+    const FineRow fines = RandomFines(5 * kRoom, 5);
+    std::array<const Fine*, 5> rows{};
+    for (std::size_t k = 0; k < rows.size(); ++k) {
+        rows[k] = fines.data() + k * kRoom;
+    }
+    ForEachTarget([&](const char* target) {
+        const std::string what(target);
+        for (const int width : kFineWidths) {
+            ExpectSameRows(width, what + ", halving down", [&](bool isPlain, Fine* out) {
+                (isPlain ? scalar::HalveDown : simd::HalveDown)(rows.data(), FineLength(width), out);
+            });
+            ExpectSameRows(width, what + ", halving across", [&](bool isPlain, Fine* out) {
+                (isPlain ? scalar::HalveAcross : simd::HalveAcross)(fines.data(), width, out);
+            });
+            ExpectSameRows(2 * width, what + ", doubling across", [&](bool isPlain, Fine* out) {
+                (isPlain ? scalar::DoubleAcross : simd::DoubleAcross)(fines.data(), width + 5, width, out);
+            });
+            for (const bool isBetween : {false, true}) {
+                ExpectSameRows(width, what + ", doubling down", [&](bool isPlain, Fine* out) {
+                    (isPlain ? scalar::DoubleDown : simd::DoubleDown)(rows.data(), isBetween,
+                                                                      FineLength(width), out);
+                });
+                ExpectSamePixels(width, what + ", doubling to pixels", [&](bool isPlain, std::uint8_t* out) {
+                    (isPlain ? scalar::DoubleDownToPixels : simd::DoubleDownToPixels)(
+                        rows.data(), isBetween, HalfLength(width), {out, width, width > 15, nullptr, 0});
+                });
             }
         }
     });
@@ -458,6 +539,22 @@ TEST(Simd, SlidingMeansEqualPlainLoops) {
                     ASSERT_TRUE(std::equal(plain.Row(y), plain.Row(y) + size, vectors.Row(y)))
                         << target << " length " << length << " size " << size << " row " << y;
                 }
+            }
+        }
+    });
+    ForEachTarget([&](const char* target) {
+        for (const double length : {1.5, 2.0, 7.3, 40.0, 126.0}) {
+            const auto line = FixedLine::Of(Line(length));
+            for (const int width : {1, 7, 8, 65}) {
+                const PixelArray row = Random({300, 1});
+                PixelArray plain(80, 1);
+                PixelArray vectors(80, 1);
+                const std::uint8_t* const in = row.Row(0) + std::ptrdiff_t{4} * 100;
+                scalar::SlideAlong({in, plain.WritableRows(), width, false}, *line);
+                simd::SlideAlong({in, vectors.WritableRows(), width, width > 8}, *line);
+                ASSERT_TRUE(
+                    std::equal(plain.Row(0), plain.Row(0) + std::ptrdiff_t{4} * width, vectors.Row(0)))
+                    << target << " length " << length << " width " << width;
             }
         }
     });

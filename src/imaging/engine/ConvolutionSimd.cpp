@@ -7,6 +7,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/ConvolutionSimd.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -15,6 +16,8 @@ namespace pictorel::engine::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 using scalar::Convolve;
+using scalar::ConvolveAcross;
+using scalar::ConvolveToPixels;
 
 #else
 
@@ -22,51 +25,170 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 // Taps next to each other in a row lie across cache lines, which costs the longest vectors more than they
 // save.
-using Wides = hn::CappedTag<WideComponent, 16>;
+using Fines = hn::CappedTag<Fine, 16>;
+using Signed = hn::RebindToSigned<Fines>;
+using Bytes = hn::Repartition<std::uint8_t, Fines>;
+using FineVector = hn::Vec<Fines>;
 
-// One vector at a time, with the weights in registers: what limits the loop are its loads.
-template <std::size_t kRadius>
-void ConvolveWithin(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
-                    std::size_t count) {
-    const Wides wides;
-    const std::size_t lanes = hn::Lanes(wides);
-    const WideComponent* rows[2 * kRadius + 1];
-    std::copy_n(taps, 2 * kRadius + 1, rows);
-    hn::Vec<Wides> weights[kRadius + 1];
-    for (std::size_t k = 0; k <= kRadius; ++k) {
-        weights[k] = hn::Set(wides, kernel[k]);
+constexpr int kByteBits = 8;
+
+// A kernel in registers. Round says how products are rounded.
+template <std::size_t kRadius, class Round>
+struct Weights {
+    HWY_INLINE explicit Weights(const HalfKernel& kernel) {
+        for (std::size_t k = 0; k <= kRadius; ++k) {
+            weights[k] = hn::Set(Fines(), static_cast<Fine>(kernel[k] * Round::kPerWeight));
+        }
     }
-    const auto convolve = [&](std::size_t i) HWY_ATTR {
-        auto sum = hn::MulFixedPoint15(hn::LoadU(wides, rows[kRadius] + i), weights[0]);
+
+    // The sum of the weighted taps, at(k) for k from 0.
+    template <class Tap>
+    HWY_INLINE FineVector Sum(const Tap& at) const {
+        auto sum = Round::Product(at(kRadius), weights[0]);
         HWY_UNROLL(16)
         for (std::size_t k = 1; k <= kRadius; ++k) {
-            const auto both =
-                hn::Add(hn::LoadU(wides, rows[kRadius - k] + i), hn::LoadU(wides, rows[kRadius + k] + i));
-            sum = hn::Add(sum, hn::MulFixedPoint15(both, weights[k]));
+            const auto average = hn::AverageRound(at(kRadius - k), at(kRadius + k));
+            sum = hn::Add(sum, Round::Product(average, weights[k]));
         }
-        hn::StoreU(sum, wides, out + i);
-    };
-    for (std::size_t i = 0; i + lanes <= count; i += lanes) {
-        convolve(i);
+        return sum;
     }
-    convolve(count - lanes); // what it writes twice is the same twice
+
+    FineVector weights[kRadius + 1];
+};
+
+struct ToNearest {
+    static constexpr int kPerWeight = 1;
+    static HWY_INLINE FineVector Product(FineVector value, FineVector weight) {
+        const Signed wides;
+        return hn::BitCast(Fines(),
+                           hn::MulFixedPoint15(hn::BitCast(wides, value), hn::BitCast(wides, weight)));
+    }
+};
+
+struct Downwards {
+    static constexpr int kPerWeight = 2;
+    static HWY_INLINE FineVector Product(FineVector value, FineVector weight) {
+        return hn::MulHigh(value, weight);
+    }
+};
+
+template <std::size_t kRadius>
+struct Down {
+    static void Run(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
+        const Fines fines;
+        const Weights<kRadius, ToNearest> weights(kernel);
+        const Fine* rows[2 * kRadius + 1];
+        std::copy_n(taps, 2 * kRadius + 1, rows);
+        for (std::size_t i = 0; i < count; i += hn::Lanes(fines)) {
+            const auto tap = [&](std::size_t k) HWY_ATTR { return hn::LoadU(fines, rows[k] + i); };
+            hn::StoreU(weights.Sum(tap), fines, out + i);
+        }
+    }
+};
+
+template <std::size_t kRadius>
+struct Across {
+    static void Run(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
+        const Fines fines;
+        const Bytes bytes;
+        const Weights<kRadius, Downwards> weights(kernel);
+        const auto neighbours = hn::Set(fines, static_cast<Fine>(kRadius));
+        Fine* const odd = out + HalfLength(width);
+        for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(width); i += hn::Lanes(fines)) {
+            const auto both = [&](std::size_t k) HWY_ATTR {
+                return hn::BitCast(fines, hn::LoadU(bytes, in + 2 * i + k * PixelArray::kComponents));
+            };
+            const auto lower = [&](std::size_t k) HWY_ATTR { return hn::ShiftLeft<kByteBits>(both(k)); };
+            const auto sum = weights.Sum(lower);
+            const auto sumOfBoth = hn::Add(weights.Sum(both), neighbours);
+            hn::Store(hn::Add(sum, neighbours), fines, out + i);
+            hn::Store(hn::Sub(sumOfBoth, hn::ShiftRight<kByteBits>(sum)), fines, odd + i);
+        }
+    }
+};
+
+// The lower and the upper bytes of pairs, from fine components without their fractions.
+HWY_INLINE hn::Vec<Bytes> Joined(FineVector lower, FineVector upper) {
+    const auto whole = hn::Set(Fines(), 0xFF00);
+    return hn::BitCast(Bytes(), hn::Or(hn::ShiftRight<kByteBits>(lower), hn::And(upper, whole)));
 }
 
-using Convolver = void (*)(const WideComponent* const*, const HalfKernel&, WideComponent*, std::size_t);
-
-template <std::size_t... kRadii>
-constexpr std::array<Convolver, sizeof...(kRadii)> MakeConvolvers(std::index_sequence<kRadii...> /*radii*/) {
-    return {ConvolveWithin<kRadii>...};
+// Sharpens components that lie in the upper bytes, as scalar::Sharpened. Gives levels.
+HWY_INLINE FineVector Sharpened(FineVector original, FineVector blurred, hn::Vec<Signed> share) {
+    const Signed wides;
+    const auto halved = [&](FineVector v) HWY_ATTR { return hn::BitCast(wides, hn::ShiftRight<1>(v)); };
+    const auto added = hn::MulFixedPoint15(hn::Sub(halved(original), halved(blurred)), share);
+    const auto level = hn::BitCast(wides, hn::ShiftRight<3>(original));
+    const auto sum = hn::SaturatedAdd(hn::Add(level, hn::Set(wides, 16)), added);
+    const auto clamped = hn::Min(hn::Max(hn::ShiftRight<5>(sum), hn::Zero(wides)), hn::Set(wides, 255));
+    return hn::BitCast(Fines(), clamped);
 }
 
-void Convolve(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
-              std::size_t count) {
-    static constexpr auto kConvolvers = MakeConvolvers(std::make_index_sequence<kUsualTaps>());
-    if (count < hn::Lanes(Wides()) || kernel.size() > kConvolvers.size()) {
-        scalar::Convolve(taps, kernel, out, count);
-        return;
+template <std::size_t kRadius>
+struct ToPixels {
+    static void Run(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target) {
+        target.streams ? Finish<true>(taps, kernel, target) : Finish<false>(taps, kernel, target);
     }
-    kConvolvers[kernel.size() - 1](taps, kernel, out, count);
+
+    // The target is copied, since for the compiler pixels may lie anywhere, even over it.
+    template <bool kStreams>
+    static void Finish(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget target) {
+        const Fines fines;
+        const Bytes bytes;
+        const Weights<kRadius, Downwards> weights(kernel);
+        const Fine* rows[2 * kRadius + 1];
+        std::copy_n(taps, 2 * kRadius + 1, rows);
+        const std::size_t half = HalfLength(target.width);
+        const auto rounding = hn::Set(fines, 128 + 1);
+        const auto share = hn::Set(Signed(), target.share);
+        for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(target.width); i += hn::Lanes(fines)) {
+            const auto lowerTap = [&](std::size_t k) HWY_ATTR { return hn::Load(fines, rows[k] + i); };
+            const auto upperTap = [&](std::size_t k) HWY_ATTR { return hn::Load(fines, rows[k] + half + i); };
+            const auto lower = weights.Sum(lowerTap);
+            const auto upper = weights.Sum(upperTap);
+            auto pixels = hn::Zero(bytes);
+            if (target.share == 0) {
+                pixels = Joined(hn::Add(lower, rounding), hn::Add(upper, rounding));
+            } else {
+                const auto one = hn::Set(fines, 1);
+                const auto original = hn::BitCast(fines, hn::LoadU(bytes, target.original + 2 * i));
+                const auto sharpLower =
+                    Sharpened(hn::ShiftLeft<kByteBits>(original), hn::Add(lower, one), share);
+                const auto sharpUpper =
+                    Sharpened(hn::And(original, hn::Set(fines, 0xFF00)), hn::Add(upper, one), share);
+                pixels = hn::BitCast(bytes, hn::Or(sharpLower, hn::ShiftLeft<kByteBits>(sharpUpper)));
+            }
+            kStreams ? hn::Stream(pixels, bytes, target.pixels + 2 * i)
+                     : hn::Store(pixels, bytes, target.pixels + 2 * i);
+        }
+    }
+};
+
+template <template <std::size_t> class Loop, std::size_t... kRadii>
+constexpr auto MakeLoops(std::index_sequence<kRadii...> /*radii*/) {
+    return std::array{&Loop<kRadii>::Run...};
+}
+
+// The loop for a kernel of this size; null for an unusual one.
+template <template <std::size_t> class Loop>
+auto LoopFor(const HalfKernel& kernel) {
+    static constexpr auto kLoops = MakeLoops<Loop>(std::make_index_sequence<kUsualTaps>());
+    return kernel.size() <= kLoops.size() ? kLoops[kernel.size() - 1] : nullptr;
+}
+
+void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
+    const auto loop = LoopFor<Down>(kernel);
+    loop != nullptr ? loop(taps, kernel, out, count) : scalar::Convolve(taps, kernel, out, count);
+}
+
+void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
+    const auto loop = LoopFor<Across>(kernel);
+    loop != nullptr ? loop(in, kernel, width, out) : scalar::ConvolveAcross(in, kernel, width, out);
+}
+
+void ConvolveToPixels(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target) {
+    const auto loop = LoopFor<ToPixels>(kernel);
+    loop != nullptr ? loop(taps, kernel, target) : scalar::ConvolveToPixels(taps, kernel, target);
 }
 
 #endif
@@ -75,14 +197,23 @@ void Convolve(const WideComponent* const* taps, const HalfKernel& kernel, WideCo
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace pictorel::engine {
+namespace pictorel::engine::simd {
 
 HWY_EXPORT(Convolve);
+HWY_EXPORT(ConvolveAcross);
+HWY_EXPORT(ConvolveToPixels);
 
-void Convolve(const WideComponent* const* taps, const HalfKernel& kernel, WideComponent* out,
-              std::size_t count) {
+void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(Convolve)(taps, kernel, out, count);
 }
 
-} // namespace pictorel::engine
+void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
+    HWY_DYNAMIC_DISPATCH(ConvolveAcross)(in, kernel, width, out);
+}
+
+void ConvolveToPixels(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target) {
+    HWY_DYNAMIC_DISPATCH(ConvolveToPixels)(taps, kernel, target);
+}
+
+} // namespace pictorel::engine::simd
 #endif

@@ -1,10 +1,16 @@
 // Gaussian blur and the unsharp mask made from it, see Filters.h.
-#include "imaging/engine/BlurredRows.h"
 #include "imaging/engine/Filters.h"
+#include "imaging/engine/FineRows.h"
 #include "imaging/engine/GaussianPyramid.h"
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/Streaming.h"
 
+#include <hwy/cache_control.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace pictorel::engine {
@@ -13,64 +19,122 @@ namespace {
 constexpr int kComponents = PixelArray::kComponents;
 constexpr double kWidest = 1000;
 
-// Makes a picture like `source` strip by strip: makeRows(area) gives what hands out wide rows, finish(wide
-// row, x, y, width, pixels) makes pixels of them.
-template <class MakeRows, class Finish>
-PixelArray FromStrips(const PixelArray& source, const MakeRows& makeRows, const Finish& finish) {
+using PixelsOfStrip = std::function<std::unique_ptr<PixelRows>(Columns)>;
+
+// Makes a picture like `source` strip by strip: makeStrip(columns) gives what is called with the number and
+// the target of each row.
+template <class MakeStrip>
+PixelArray FromStrips(const PixelArray& source, int stripWidth, const MakeStrip& makeStrip) {
     PixelArray result = PixelArray::Like(source);
-    std::uint8_t* const rows = result.WritableRows();
+    std::uint8_t* const pixels = result.WritableRows();
     const bool streams = IsStreamed(result);
-    ForEachStrip(BoundsOf(source), [&](const TileArea& area) {
-        auto wideRows = makeRows(area);
-        std::vector<std::uint8_t> pixels(static_cast<std::size_t>(area.width) * kComponents);
+    ForEachStrip(BoundsOf(source), stripWidth, [&](const TileArea& area) {
+        auto rows = makeStrip(Columns{area.left, area.width});
         for (int y = area.top; y < area.top + area.height; ++y) {
-            finish(wideRows.Row(y), area.left, y, area.width, pixels.data());
-            CopyRow(pixels.data(), pixels.size(), streams,
-                    rows + y * result.Stride() + static_cast<std::ptrdiff_t>(area.left) * kComponents);
+            const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(area.left) * kComponents;
+            rows(y, PixelTarget{pixels + y * result.Stride() + offset, area.width, streams,
+                                source.Row(y) + offset, 0});
         }
+        hwy::FlushStream();
     });
     return result;
 }
 
-WidePlane Blurred(const WidePlane& source, const HalfKernel& kernel) {
-    const Bounds& bounds = source.Extent();
-    WidePlane result(bounds);
-    ForEachStrip(bounds, [&](const TileArea& area) {
-        BlurredRows<WidePlane> rows(source, kernel, area.left, area.width);
-        for (int y = area.top; y < area.top + area.height; ++y) {
-            std::copy_n(rows.Row(y), static_cast<std::ptrdiff_t>(area.width) * kComponents,
-                        result.Row(y) + static_cast<std::ptrdiff_t>(area.left - bounds.left) * kComponents);
-        }
+// From rows of opaque pixels, sharpened by `share` in 1/32768 of the usual most.
+PixelArray FromPixelRows(const PixelArray& source, int stripWidth, std::int16_t share,
+                         const PixelsOfStrip& makeRows) {
+    return FromStrips(source, stripWidth, [&](Columns columns) {
+        return [share, rows = makeRows(columns)](int y, PixelTarget target) {
+            target.share = share;
+            rows->Make(y, target);
+        };
     });
-    return result;
 }
 
-WidePlane Doubled(const WidePlane& half, const Bounds& bounds) {
-    WidePlane result(bounds);
-    ForEachStrip(bounds, [&](const TileArea& area) {
-        DoubledRows rows(half, area.left, area.width);
-        for (int y = area.top; y < area.top + area.height; ++y) {
-            std::copy_n(rows.Row(y), static_cast<std::ptrdiff_t>(area.width) * kComponents,
-                        result.Row(y) + static_cast<std::ptrdiff_t>(area.left - bounds.left) * kComponents);
-        }
+// From fine rows, sharpened by `amount` where it is not 0.
+PixelArray FromFineRows(const PixelArray& source, int stripWidth, float amount, const RowsOfStrip& makeRows) {
+    const bool hasAlpha = source.HasAlpha();
+    return FromStrips(source, stripWidth, [&](Columns columns) {
+        auto rows = makeRows(columns);
+        const int width = rows->Width();
+        return
+            [=, rows = std::move(rows), row = FineRow(FineLength(width))](int y, PixelTarget target) mutable {
+                rows->Make(y, row.data());
+                if (amount == 0) {
+                    PixelsFromFine(row.data(), width, hasAlpha, target.pixels);
+                } else {
+                    SharpenPixels(target.original, row.data(), width, hasAlpha, amount, target.pixels);
+                }
+            };
     });
-    return result;
 }
 
-// The plane from which the blurred picture comes by doubling: halved as often as planned, blurred, and
-// doubled back to the first half.
-WidePlane BlurredHalf(const PixelArray& source, const PyramidPlan& plan) {
-    WidePlane plane = Halved(source);
+std::unique_ptr<FineRows> DoubledTimes(int times, const RowsOfStrip& source, Columns columns) {
+    if (times == 0) {
+        return source(columns);
+    }
+    return std::make_unique<DoubledRows>([&](Columns half) { return DoubledTimes(times - 1, source, half); },
+                                         columns);
+}
+
+// Blurs what makeRows makes.
+std::unique_ptr<FineRows> BlurredStrip(const RowsOfStrip& makeRows, const HalfKernel& kernel,
+                                       Columns columns) {
+    const int margin = static_cast<int>(kernel.size()) - 1;
+    return std::make_unique<BlurredRows>(makeRows(columns.WithMargins(margin)), kernel);
+}
+
+// Blurred rows, doubled `times` times. Opaque pixels go straight into the result.
+PixelArray Doubled(const PixelArray& source, int times, const RowsOfStrip& blurred) {
+    if (source.HasAlpha()) {
+        return FromFineRows(source, kWideStrip, 0,
+                            [&](Columns columns) { return DoubledTimes(times, blurred, columns); });
+    }
+    return FromPixelRows(source, kWideStrip, 0, [&](Columns columns) {
+        return std::make_unique<DoubledPixels>(
+            [&](Columns half) { return DoubledTimes(times - 1, blurred, half); }, columns);
+    });
+}
+
+// Halved as often as planned, blurred, and doubled again. Up to two halvings or doublings go through the
+// cache at once. Halved once, no plane is kept at all; halved more often, the margins of strips would be made
+// too often without one.
+PixelArray BlurredByHalving(const PixelArray& source, const PyramidPlan& plan) {
+    const HalfKernel kernel = GaussianKernel(plan.sigma);
+    if (plan.halvings == 1) {
+        const RowsOfStrip halved = [&](Columns columns) { return HalvedRowsOf(source, 1, columns); };
+        return Doubled(source, 1, [&](Columns columns) { return BlurredStrip(halved, kernel, columns); });
+    }
+    constexpr int kThroughCache = 2;
+    FinePlane plane = Halved(source, kThroughCache);
     std::vector<Bounds> larger;
-    for (int i = 1; i < plan.halvings; ++i) {
+    for (int i = kThroughCache; i < plan.halvings; ++i) {
         larger.push_back(plane.Extent());
-        plane = Halved(plane);
+        plane = Halved(plane, 1);
     }
-    plane = Blurred(plane, GaussianKernel(plan.sigma));
+    const RowsOfStrip asItIs = [&](Columns columns) { return RowsOf(plane, columns); };
+    const RowsOfStrip blurred = [&](Columns columns) { return BlurredStrip(asItIs, kernel, columns); };
+    const RowsOfStrip* smallest = &blurred;
     for (; !larger.empty(); larger.pop_back()) {
-        plane = Doubled(plane, larger.back());
+        plane =
+            MakePlane(larger.back(), [&](Columns columns) { return DoubledTimes(1, *smallest, columns); });
+        smallest = &asItIs;
     }
-    return plane;
+    return Doubled(source, kThroughCache, *smallest);
+}
+
+PixelArray Blurred(const PixelArray& source, const HalfKernel& kernel, float amount) {
+    if (source.HasAlpha() || amount > kUsualSharpening) {
+        const RowsOfStrip asItIs = [&](Columns columns) { return RowsOf(source, columns); };
+        return FromFineRows(source, kNarrowStrip, amount,
+                            [&](Columns columns) { return BlurredStrip(asItIs, kernel, columns); });
+    }
+    // Even the least sharpening is not none.
+    const float share =
+        std::clamp(amount * 32768 / kUsualSharpening + 0.5F, amount > 0 ? 1.0F : 0.0F, 32767.0F);
+    return FromPixelRows(source, kNarrowStrip, static_cast<std::int16_t>(share), [&](Columns columns) {
+        return std::make_unique<BlurredPixels>(source, kernel, columns);
+    });
 }
 
 } // namespace
@@ -78,22 +142,11 @@ WidePlane BlurredHalf(const PixelArray& source, const PyramidPlan& plan) {
 PixelArray GaussianBlur(const PixelArray& source, double sigma) {
     RequireRange("blur", sigma, 0, kWidest);
     const PyramidPlan plan(sigma * source.Reduction());
-    const auto narrow = [&](const WideComponent* wide, int, int, int width, std::uint8_t* pixels) {
-        NarrowRow(wide, width, source.HasAlpha(), pixels);
-    };
     if (plan.halvings > 0) {
-        const WidePlane half = BlurredHalf(source, plan);
-        return FromStrips(
-            source, [&](const TileArea& area) { return DoubledRows(half, area.left, area.width); }, narrow);
+        return BlurredByHalving(source, plan);
     }
     const HalfKernel kernel = GaussianKernel(plan.sigma);
-    if (kernel.empty()) {
-        return source;
-    }
-    return FromStrips(
-        source,
-        [&](const TileArea& area) { return BlurredRows<PixelArray>(source, kernel, area.left, area.width); },
-        narrow);
+    return kernel.empty() ? source : Blurred(source, kernel, 0);
 }
 
 PixelArray UnsharpMask(const PixelArray& source, double amount) {
@@ -102,13 +155,7 @@ PixelArray UnsharpMask(const PixelArray& source, double amount) {
     if (amount == 0 || kernel.empty()) {
         return source;
     }
-    return FromStrips(
-        source,
-        [&](const TileArea& area) { return BlurredRows<PixelArray>(source, kernel, area.left, area.width); },
-        [&](const WideComponent* wide, int x, int y, int width, std::uint8_t* pixels) {
-            SharpenRow(source.Row(y) + static_cast<std::ptrdiff_t>(x) * kComponents, wide, width,
-                       source.HasAlpha(), static_cast<float>(amount), pixels);
-        });
+    return Blurred(source, kernel, static_cast<float>(amount));
 }
 
 } // namespace pictorel::engine

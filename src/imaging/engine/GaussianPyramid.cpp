@@ -1,74 +1,100 @@
 // Halving and doubling for wide Gaussian blurs, see GaussianPyramid.h.
 #include "imaging/engine/GaussianPyramid.h"
 
-#include "imaging/engine/Convolution.h"
+#include "imaging/engine/PyramidRows.h"
 
-#include <array>
 #include <cmath>
+#include <utility>
 
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
-
 // The narrowest bell, in pixels of the halved picture, that takes away what halving folded over.
 constexpr double kLeastSigma = 1.3;
-
-// 1 4 6 4 1 in sixteenths; and doubled, for the new pixels that lie on an old one and between two.
-const HalfKernel kBinomial{12288, 8192, 2048};
-const HalfKernel kOnPixel{24576, 4096};
-const HalfKernel kBetween{0, 16384};
 
 // As far as halved pixels differ from those at the edge, and begun at an even number.
 constexpr int kBorder = 2;
 
-int HalvedEnd(int end) {
-    return (end + 2) / 2 + 1;
+Bounds HalvedBounds(const Bounds& whole) {
+    const auto halvedEnd = [](int end) { return (end + 2) / 2 + 1; };
+    return {-kBorder, -kBorder, halvedEnd(whole.right), halvedEnd(whole.bottom)};
 }
 
-// Rows of a strip of the halved picture.
-template <class Source>
-class HalvedRows {
-  public:
-    HalvedRows(const Source& source, int left, int width)
-        : width_(static_cast<std::size_t>(width)),
-          ring_(source, 2 * left - 2, 2 * width + 4, 5),
-          columns_((2 * width_ + 4) * kComponents),
-          even_((width_ + 2) * kComponents),
-          odd_(even_.size()) {}
+Columns ColumnsToHalve(Columns columns) {
+    return {2 * columns.left - 2, 2 * columns.width + 4};
+}
 
-    void Row(int y, WideComponent* row) {
-        const std::array<const WideComponent*, 5> down{ring_.Row(2 * y - 2), ring_.Row(2 * y - 1),
-                                                       ring_.Row(2 * y), ring_.Row(2 * y + 1),
-                                                       ring_.Row(2 * y + 2)};
-        Convolve(down.data(), kBinomial, columns_.data(), columns_.size());
-        SplitPairs(columns_.data(), width_ + 2, even_.data(), odd_.data());
-        const std::array<const WideComponent*, 5> across{
-            even_.data(), odd_.data(), even_.data() + kComponents, odd_.data() + kComponents,
-            even_.data() + 2 * kComponents};
-        Convolve(across.data(), kBinomial, row, width_ * kComponents);
+// Rows of `source` halved, which are those of ColumnsToHalve.
+class HalvedRows : public FineRows {
+  public:
+    HalvedRows(std::unique_ptr<FineRows> source, Columns columns)
+        : FineRows(columns.width), row_(FineLength(source->Width())), ring_(std::move(source), kTaps) {}
+
+    void Make(int y, Fine* row) override {
+        simd::HalveDown(ring_.Rows(2 * y - 2), row_.size(), row_.data());
+        simd::HalveAcross(row_.data(), Width(), row);
     }
 
   private:
-    std::size_t width_;
-    RowRing<Source> ring_;
-    WideRow columns_;
-    WideRow even_;
-    WideRow odd_;
+    static constexpr int kTaps = 5;
+
+    FineRow row_;
+    FineRing ring_;
 };
 
 template <class Source>
-WidePlane Half(const Source& source) {
-    const Bounds whole = BoundsOf(source);
-    const Bounds bounds{-kBorder, -kBorder, HalvedEnd(whole.right), HalvedEnd(whole.bottom)};
-    WidePlane half(bounds);
-    ForEachStrip(bounds, [&](const TileArea& area) {
-        HalvedRows<Source> rows(source, area.left, area.width);
-        for (int y = area.top; y < area.top + area.height; ++y) {
-            rows.Row(y, half.Row(y) + static_cast<std::ptrdiff_t>(area.left - bounds.left) * kComponents);
-        }
-    });
-    return half;
+std::unique_ptr<FineRows> MakeHalvedRows(const Source& source, int times, Columns columns) {
+    if (times == 0) {
+        return RowsOf(source, columns);
+    }
+    return std::make_unique<HalvedRows>(MakeHalvedRows(source, times - 1, ColumnsToHalve(columns)), columns);
+}
+
+template <class Source>
+FinePlane Half(const Source& source, int times) {
+    Bounds bounds = BoundsOf(source);
+    for (int i = 0; i < times; ++i) {
+        bounds = HalvedBounds(bounds);
+    }
+    return MakePlane(bounds, [&](Columns columns) { return MakeHalvedRows(source, times, columns); });
+}
+
+int EvenWidth(Columns columns) {
+    return (columns.width + 1) / 2 * 2;
+}
+
+// Rows doubled across.
+class AcrossRows : public FineRows {
+  public:
+    AcrossRows(std::unique_ptr<FineRows> source, int width)
+        : FineRows(width), source_(std::move(source)), row_(FineLength(source_->Width())) {}
+
+    void Make(int y, Fine* row) override {
+        source_->Make(y, row_.data());
+        simd::DoubleAcross(row_.data(), source_->Width(), Width() / 2, row);
+    }
+
+  private:
+    std::unique_ptr<FineRows> source_;
+    FineRow row_;
+};
+
+// What is doubled begins at an even number, so that it can be doubled itself, where the columns begin at a
+// multiple of four.
+std::unique_ptr<FineRows> DoubledAcross(const RowsOfStrip& source, Columns columns) {
+    const Columns half{columns.left / 2 - 2, (columns.width + 1) / 2 + 4};
+    return std::make_unique<AcrossRows>(source(half), EvenWidth(columns));
+}
+
+// A doubled row lies on the middle one of three or between the last two.
+constexpr int kTapsDoubled = 3;
+
+int FirstTap(int y) {
+    return (y >> 1) - 1; // rounded down below 0 too
+}
+
+bool IsBetween(int y) {
+    return (y & 1) != 0;
 }
 
 } // namespace
@@ -87,36 +113,30 @@ PyramidPlan::PyramidPlan(double sigmaInPixels) : sigma(sigmaInPixels) {
     }
 }
 
-WidePlane Halved(const PixelArray& source) {
-    return Half(source);
+std::unique_ptr<FineRows> HalvedRowsOf(const PixelArray& source, int times, Columns columns) {
+    return MakeHalvedRows(source, times, columns);
 }
 
-WidePlane Halved(const WidePlane& source) {
-    return Half(source);
+FinePlane Halved(const PixelArray& source, int times) {
+    return Half(source, times);
 }
 
-DoubledRows::DoubledRows(const WidePlane& half, int left, int width)
-    : ring_(half, left / 2 - 1, (width + 1) / 2 + 2, 3),
-      columnsLength_(static_cast<std::size_t>((width + 1) / 2 + 2) * kComponents),
-      halfLength_(columnsLength_ - 2 * kComponents),
-      columns_(columnsLength_),
-      even_(halfLength_),
-      odd_(halfLength_),
-      row_(2 * halfLength_) {}
+FinePlane Halved(const FinePlane& source, int times) {
+    return Half(source, times);
+}
 
-const WideComponent* DoubledRows::Row(int y) {
-    const int above = y >> 1; // rounded down below 0 too
-    const bool isOnRow = (y & 1) == 0;
-    const std::array<const WideComponent*, 3> down{ring_.Row(isOnRow ? above - 1 : above), ring_.Row(above),
-                                                   ring_.Row(above + 1)};
-    Convolve(down.data(), isOnRow ? kOnPixel : kBetween, columns_.data(), columnsLength_);
-    const WideComponent* const first = columns_.data() + kComponents;
-    const std::array<const WideComponent*, 3> on{first - kComponents, first, first + kComponents};
-    const std::array<const WideComponent*, 3> between{first, first, first + kComponents};
-    Convolve(on.data(), kOnPixel, even_.data(), halfLength_);
-    Convolve(between.data(), kBetween, odd_.data(), halfLength_);
-    JoinPairs(even_.data(), odd_.data(), halfLength_ / kComponents, row_.data());
-    return row_.data();
+DoubledRows::DoubledRows(const RowsOfStrip& source, Columns columns)
+    : FineRows(EvenWidth(columns)), ring_(DoubledAcross(source, columns), kTapsDoubled) {}
+
+void DoubledRows::Make(int y, Fine* row) {
+    simd::DoubleDown(ring_.Rows(FirstTap(y)), IsBetween(y), FineLength(Width()), row);
+}
+
+DoubledPixels::DoubledPixels(const RowsOfStrip& source, Columns columns)
+    : half_(HalfLength(EvenWidth(columns))), ring_(DoubledAcross(source, columns), kTapsDoubled) {}
+
+void DoubledPixels::Make(int y, const PixelTarget& target) {
+    simd::DoubleDownToPixels(ring_.Rows(FirstTap(y)), IsBetween(y), half_, target);
 }
 
 } // namespace pictorel::engine

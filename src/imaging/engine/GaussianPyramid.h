@@ -2,10 +2,10 @@
 // hardly depends on the width.
 #pragma once
 
-#include "imaging/engine/WidePlane.h"
+#include "imaging/engine/FineRows.h"
 
 #include <cstddef>
-#include <vector>
+#include <memory>
 
 namespace pictorel::engine {
 
@@ -21,28 +21,35 @@ struct PyramidPlan {
     double sigma;
 };
 
-// The halved picture or plane. Its bounds go as far beyond the picture's as its border reaches, so that what
-// lies beyond them is constant.
-WidePlane Halved(const PixelArray& source);
-WidePlane Halved(const WidePlane& source);
+// Rows of a picture or plane halved `times` times. Beyond its bounds they go on.
+std::unique_ptr<FineRows> HalvedRowsOf(const PixelArray& source, int times, Columns columns);
 
-// Rows of a strip of the doubled plane, asked for in ascending order.
-class DoubledRows {
+// The halved plane, halved `times` times (once or more). Its bounds go as far beyond the picture's as its
+// border reaches, so that what lies beyond them is constant.
+FinePlane Halved(const PixelArray& source, int times);
+FinePlane Halved(const FinePlane& source, int times);
+
+// Rows doubled, from strips of what is to be doubled. The columns begin at an even number.
+class DoubledRows : public FineRows {
   public:
-    // The pixels left <= x < left + width, `left` an even number.
-    DoubledRows(const WidePlane& half, int left, int width);
+    DoubledRows(const RowsOfStrip& source, Columns columns); // and one more where their number is odd
 
-    // Valid until the next call.
-    const WideComponent* Row(int y);
+    void Make(int y, Fine* row) override;
 
   private:
-    RowRing<WidePlane> ring_;
-    std::size_t columnsLength_;
-    std::size_t halfLength_;
-    WideRow columns_;
-    WideRow even_;
-    WideRow odd_;
-    WideRow row_;
+    FineRing ring_;
+};
+
+// The same as opaque pixels.
+class DoubledPixels : public PixelRows {
+  public:
+    DoubledPixels(const RowsOfStrip& source, Columns columns);
+
+    void Make(int y, const PixelTarget& target) override;
+
+  private:
+    std::size_t half_;
+    FineRing ring_;
 };
 
 } // namespace pictorel::engine

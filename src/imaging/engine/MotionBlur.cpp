@@ -3,6 +3,7 @@
 #include "imaging/engine/Filters.h"
 #include "imaging/engine/MotionRows.h"
 #include "imaging/engine/Parameters.h"
+#include "imaging/engine/Streaming.h"
 #include "imaging/engine/Tiles.h"
 #include "imaging/engine/TurnTile.h"
 
@@ -33,13 +34,8 @@ void SlideExactly(const Stack& stack, const Line& line, bool hasAlpha) {
     }
 }
 
-void BlurStack(const Stack& stack, const Line& line, bool hasAlpha) {
-    const std::optional<FixedLine> fixed = hasAlpha ? std::nullopt : FixedLine::Of(line);
-    if (fixed) {
-        simd::Slide(stack, *fixed);
-    } else {
-        SlideExactly(stack, line, hasAlpha);
-    }
+std::optional<FixedLine> FixedOf(const PixelArray& source, const Line& line) {
+    return source.HasAlpha() ? std::nullopt : FixedLine::Of(line);
 }
 
 // Columns go in strips from top to bottom: wide enough to use whole cache lines, narrow enough that the rows
@@ -48,6 +44,7 @@ PixelArray BlurVertically(const PixelArray& source, const Line& line) {
     constexpr int kStripWidth = 512;
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
+    const std::optional<FixedLine> fixed = FixedOf(source, line);
     const int strips = (source.Width() + kStripWidth - 1) / kStripWidth;
     const std::size_t bytesPerStrip =
         std::size_t{2} * kStripWidth * kComponents * static_cast<std::size_t>(source.Height());
@@ -56,16 +53,41 @@ PixelArray BlurVertically(const PixelArray& source, const Line& line) {
             const int left = strip * kStripWidth;
             const int width = std::min(kStripWidth, source.Width() - left);
             const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(left) * kComponents;
-            BlurStack({source.Row(0) + offset, source.Stride(), rows + offset, result.Stride(),
-                       source.Height(), width * kComponents},
-                      line, source.HasAlpha());
+            const Stack stack{source.Row(0) + offset, source.Stride(),     rows + offset,     result.Stride(),
+                              source.Height(),        width * kComponents, IsStreamed(result)};
+            if (fixed) {
+                simd::Slide(stack, *fixed);
+            } else {
+                SlideExactly(stack, line, source.HasAlpha());
+            }
+        }
+    });
+    return result;
+}
+
+// Each row is copied with its ends continued, and the mean slides along it.
+PixelArray BlurRows(const PixelArray& source, const FixedLine& line) {
+    constexpr int kVector = 32 / kComponents;
+    PixelArray result = PixelArray::Like(source);
+    std::uint8_t* const rows = result.WritableRows();
+    const int width = source.Width();
+    const Margins margins{line.whole + 1 + kVector, 0};
+    const bool streams = IsStreamed(result);
+    ForEachBand(source.Height(), 2 * source.RowBytes(), [&](int first, int end) {
+        std::vector<std::uint8_t> continued(
+            (source.RowBytes() + std::size_t{2} * kComponents * static_cast<std::size_t>(margins.x)));
+        for (int y = first; y < end; ++y) {
+            LoadTile(source, {0, y, width, 1}, margins, continued.data());
+            simd::SlideAlong({continued.data() + static_cast<std::ptrdiff_t>(margins.x) * kComponents,
+                              rows + y * result.Stride(), width, streams},
+                             line);
         }
     });
     return result;
 }
 
 // Some rows at a time are turned, so that their columns are stacked like rows, and turned back.
-PixelArray BlurHorizontally(const PixelArray& source, const Line& line) {
+PixelArray BlurTurnedRows(const PixelArray& source, const Line& line) {
     constexpr int kRowsAtOnce = 16; // whose pixels of one column fill a cache line
     constexpr int kColumn = kRowsAtOnce * kComponents;
     PixelArray result = PixelArray::Like(source);
@@ -78,8 +100,9 @@ PixelArray BlurHorizontally(const PixelArray& source, const Line& line) {
             const int count = std::min(kRowsAtOnce, end - y);
             simd::Transpose(
                 {source.Row(y), source.Stride(), turned.WritableRows(), kColumn, count, width, false});
-            BlurStack({turned.Row(0), kColumn, blurred.WritableRows(), kColumn, width, count * kComponents},
-                      line, source.HasAlpha());
+            SlideExactly(
+                {turned.Row(0), kColumn, blurred.WritableRows(), kColumn, width, count * kComponents}, line,
+                source.HasAlpha());
             simd::Transpose(
                 {blurred.Row(0), kColumn, rows + y * result.Stride(), result.Stride(), width, count, false});
         }
@@ -189,7 +212,8 @@ PixelArray MotionBlur(const PixelArray& source, double degrees, double length) {
         return BlurVertically(source, line);
     }
     if (direction == 0) {
-        return BlurHorizontally(source, line);
+        const std::optional<FixedLine> fixed = FixedOf(source, line);
+        return fixed ? BlurRows(source, *fixed) : BlurTurnedRows(source, line);
     }
     return BlurAlong(source, TapsOf(line, degrees));
 }

@@ -1,6 +1,8 @@
 // The loops of motion blur as plain loops, see MotionRows.h.
 #include "imaging/engine/MotionRows.h"
 
+#include "imaging/PixelArray.h"
+
 #include <cmath>
 
 namespace pictorel::engine {
@@ -11,6 +13,11 @@ constexpr int kFixedUnit = 32768;
 // The product of two 16-bit numbers in 1/32768, rounded.
 int Product(int a, int b) {
     return (a * b + kFixedUnit / 2) >> 15;
+}
+
+std::uint8_t MeanOf(int sum, int tips, const FixedLine& line) {
+    const int mean = Product(sum << line.shift, line.perLength) + Product(tips * kWideUnit, line.tipShare);
+    return static_cast<std::uint8_t>(std::min((mean + FixedLine::kMeanUnit / 2) / FixedLine::kMeanUnit, 255));
 }
 
 } // namespace
@@ -48,11 +55,25 @@ void Slide(const Stack& stack, const FixedLine& line) {
         const std::uint8_t* const entering = stack.Row(index + line.whole + 1);
         for (int i = 0; i < stack.size; ++i) {
             int& sum = sums[static_cast<std::size_t>(i)];
-            const int tips = (before[i] + entering[i]) * kWideUnit;
-            const int mean = Product(sum << line.shift, line.perLength) + Product(tips, line.tipShare);
-            stack.out[index * stack.outStep + i] = static_cast<std::uint8_t>(
-                std::min((mean + FixedLine::kMeanUnit / 2) / FixedLine::kMeanUnit, 255));
+            stack.out[index * stack.outStep + i] = MeanOf(sum, before[i] + entering[i], line);
             sum += entering[i] - leaving[i];
+        }
+    }
+}
+
+void SlideAlong(const RowAlong& row, const FixedLine& line) {
+    constexpr int kComponents = PixelArray::kComponents;
+    const int before = -(line.whole + 1) * kComponents;
+    const int last = line.whole * kComponents;
+    for (int component = 0; component < kComponents; ++component) {
+        int sum = 0; // of the line around the pixel before the first
+        for (int i = before; i < last; i += kComponents) {
+            sum += row.in[component + i];
+        }
+        for (int i = component; i < row.width * kComponents; i += kComponents) {
+            sum += row.in[i + last] - row.in[i + before];
+            const int tips = row.in[i + before] + row.in[i + last + kComponents];
+            row.out[i] = MeanOf(sum, tips, line);
         }
     }
 }

@@ -34,7 +34,17 @@ struct Stack {
     std::uint8_t* out;
     std::ptrdiff_t outStep;
     int count;
-    int size; // rows have room for a multiple of 16
+    int size;             // rows have room for a multiple of 16
+    bool streams = false; // past the cache; `out` and its step are multiples of 16 then
+};
+
+// A row to be blurred along itself: `in` goes on beyond its ends as far as the line reaches, and whole
+// vectors more. `out` has room for whole vectors of 32 bytes.
+struct RowAlong {
+    const std::uint8_t* in;
+    std::uint8_t* out;
+    int width;
+    bool streams;
 };
 
 // A line in 16-bit arithmetic: the mean is the sum of the whole rows, shifted left by `shift` bits, times
@@ -59,11 +69,12 @@ struct WeightedPair {
     std::int16_t weight;
 };
 
-// Slide blurs a stack of opaque rows. SumPairs gives the sum of the rows times their weights, each product
-// rounded to a quarter of a wide component; the weights of all pairs add up to 65536.
+// Slide blurs a stack of opaque rows, SlideAlong one of them. SumPairs gives the sum of the rows times their
+// weights, each product rounded to a quarter of a wide component; the weights of all pairs add up to 65536.
 namespace scalar {
 
 void Slide(const Stack& stack, const FixedLine& line);
+void SlideAlong(const RowAlong& row, const FixedLine& line);
 void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums);
 
 } // namespace scalar
@@ -71,6 +82,7 @@ void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideCom
 namespace simd {
 
 void Slide(const Stack& stack, const FixedLine& line);
+void SlideAlong(const RowAlong& row, const FixedLine& line);
 void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums);
 
 } // namespace simd

@@ -1,6 +1,8 @@
 // The loops of motion blur in vectors, see MotionRows.h.
 #include "imaging/engine/MotionRows.h"
 
+#include <array>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/MotionRowsSimd.cpp"
 #include <hwy/cache_control.h>
@@ -12,6 +14,7 @@ namespace pictorel::engine::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 using scalar::Slide;
+using scalar::SlideAlong;
 using scalar::SumPairs;
 
 #else
@@ -36,7 +39,35 @@ HWY_INLINE WideVector FirstSum(const Stack& stack, int whole, std::size_t i) {
     return sum;
 }
 
-void Slide(const Stack& stack, const FixedLine& line) {
+// A line in registers.
+class MeanOf {
+  public:
+    HWY_INLINE explicit MeanOf(const FixedLine& line)
+        : shift_(line.shift),
+          perLength_(hn::Set(Wides(), line.perLength)),
+          tipShare_(hn::Set(Wides(), line.tipShare)),
+          half_(hn::Set(Wides(), FixedLine::kMeanUnit / 2)) {}
+
+    // In levels, 0 to 256.
+    HWY_INLINE WideVector operator()(WideVector sum, WideVector tips) const {
+        constexpr int kMeanBits = 5;
+        static_assert(1 << kMeanBits == FixedLine::kMeanUnit);
+        constexpr int kWideBits = 6;
+        static_assert(1 << kWideBits == kWideUnit);
+        const auto mean = hn::Add(hn::MulFixedPoint15(hn::ShiftLeftSame(sum, shift_), perLength_),
+                                  hn::MulFixedPoint15(hn::ShiftLeft<kWideBits>(tips), tipShare_));
+        return hn::ShiftRight<kMeanBits>(hn::Add(mean, half_));
+    }
+
+  private:
+    int shift_;
+    WideVector perLength_;
+    WideVector tipShare_;
+    WideVector half_;
+};
+
+template <bool kStreams>
+void SlideRows(const Stack& stack, const FixedLine& line) {
     const Wides wides;
     const Bytes bytes;
     const std::size_t lanes = hn::Lanes(wides);
@@ -45,13 +76,7 @@ void Slide(const Stack& stack, const FixedLine& line) {
     for (std::size_t i = 0; i < size; i += lanes) {
         hn::StoreU(FirstSum(stack, line.whole, i), wides, sums.data() + i);
     }
-    const auto perLength = hn::Set(wides, line.perLength);
-    const auto tipShare = hn::Set(wides, line.tipShare);
-    const auto half = hn::Set(wides, FixedLine::kMeanUnit / 2);
-    constexpr int kMeanBits = 5;
-    static_assert(1 << kMeanBits == FixedLine::kMeanUnit);
-    constexpr int kWideBits = 6;
-    static_assert(1 << kWideBits == kWideUnit);
+    const MeanOf meanOf(line);
     constexpr int kAhead = 2; // rows
     for (int index = 0; index < stack.count; ++index) {
         const std::uint8_t* const before = stack.Row(index - line.whole - 1);
@@ -63,14 +88,97 @@ void Slide(const Stack& stack, const FixedLine& line) {
             hwy::Prefetch(next + i);
             const auto sum = hn::LoadU(wides, sums.data() + i);
             const auto enters = LoadWidened(entering + i);
-            const auto tips = hn::ShiftLeft<kWideBits>(hn::Add(LoadWidened(before + i), enters));
-            const auto mean = hn::Add(hn::MulFixedPoint15(hn::ShiftLeftSame(sum, line.shift), perLength),
-                                      hn::MulFixedPoint15(tips, tipShare));
-            const auto rounded = hn::ShiftRight<kMeanBits>(hn::Add(mean, half));
-            hn::StoreU(hn::DemoteTo(bytes, rounded), bytes, out + i);
+            const auto mean = hn::DemoteTo(bytes, meanOf(sum, hn::Add(LoadWidened(before + i), enters)));
+            kStreams ? hn::Stream(mean, bytes, out + i) : hn::StoreU(mean, bytes, out + i);
             hn::StoreU(hn::Add(sum, hn::Sub(enters, LoadWidened(leaving + i))), wides, sums.data() + i);
         }
     }
+    hwy::FlushStream();
+}
+
+void Slide(const Stack& stack, const FixedLine& line) {
+    // Vectors of fewer bytes are not written past the cache whole.
+    constexpr std::size_t kStreamed = 16;
+    stack.streams&& hn::Lanes(Bytes()) == kStreamed ? SlideRows<true>(stack, line)
+                                                    : SlideRows<false>(stack, line);
+}
+
+using Pixels = hn::Repartition<std::uint32_t, Wides>; // two components of each
+
+// The sums of lines that end at one pixel after the other, of two of their components.
+class SlidingSum {
+  public:
+    HWY_INLINE explicit SlidingSum(WideVector sums) : sums_(sums) {}
+
+    // Adds the differences of some more pixels; gives the sum after each.
+    HWY_INLINE WideVector Next(WideVector differences) {
+        const Pixels pixels;
+        const Wides wides;
+        auto within = hn::BitCast(pixels, differences); // 16 bytes
+        within = Added(within, hn::ShiftLeftLanes<1>(pixels, within));
+        within = Added(within, hn::ShiftLeftLanes<2>(pixels, within));
+        auto whole = hn::Broadcast<3>(within);
+        if constexpr (hn::MaxLanes(Wides()) > 8) {
+            within = Added(within, hn::ConcatLowerLower(pixels, whole, hn::Zero(pixels)));
+            whole = Added(whole, hn::ConcatLowerUpper(pixels, whole, whole));
+        }
+        const auto result = hn::Add(sums_, hn::BitCast(wides, within));
+        sums_ = hn::Add(sums_, hn::BitCast(wides, whole));
+        return result;
+    }
+
+  private:
+    using PixelVector = hn::Vec<Pixels>;
+
+    static HWY_INLINE PixelVector Added(PixelVector a, PixelVector b) {
+        return hn::BitCast(Pixels(), hn::Add(hn::BitCast(Wides(), a), hn::BitCast(Wides(), b)));
+    }
+
+    WideVector sums_; // so far
+};
+
+template <bool kStreams>
+void SlideAlongRow(const RowAlong& row, const FixedLine& line) {
+    constexpr int kComponents = 4;
+    const Wides wides;
+    const Unsigned unsignedWides;
+    const hn::Repartition<std::uint8_t, Wides> bytes;
+    const std::uint8_t* const before = row.in - (line.whole + 1) * kComponents;
+    const std::uint8_t* const last = row.in + line.whole * kComponents;
+    std::array<WideComponent, kComponents> first{}; // of the line around the pixel before the first
+    for (const std::uint8_t* pixel = before; pixel != last; pixel += kComponents) {
+        for (std::size_t k = 0; k < kComponents; ++k) {
+            first[k] = static_cast<WideComponent>(first[k] + pixel[k]);
+        }
+    }
+    const auto alternating = [&](WideComponent even, WideComponent odd)
+                                 HWY_ATTR { return hn::OddEven(hn::Set(wides, odd), hn::Set(wides, even)); };
+    SlidingSum lowerSums(alternating(first[0], first[2]));
+    SlidingSum upperSums(alternating(first[1], first[3]));
+    const auto lower = [&](const std::uint8_t* from) HWY_ATTR {
+        return hn::And(hn::BitCast(wides, hn::LoadU(bytes, from)), hn::Set(wides, 255));
+    };
+    const auto upper = [&](const std::uint8_t* from) HWY_ATTR {
+        return hn::BitCast(wides, hn::ShiftRight<8>(hn::BitCast(unsignedWides, hn::LoadU(bytes, from))));
+    };
+    const MeanOf meanOf(line);
+    const auto blurred = [&](SlidingSum& sums, auto part, int i) HWY_ATTR {
+        const auto leaves = part(before + i);
+        const auto sum = sums.Next(hn::Sub(part(last + i), leaves));
+        const auto mean = meanOf(sum, hn::Add(leaves, part(last + kComponents + i)));
+        return hn::Min(mean, hn::Set(wides, 255));
+    };
+    for (int i = 0; i < row.width * kComponents; i += static_cast<int>(hn::Lanes(bytes))) {
+        const auto low = blurred(lowerSums, lower, i);
+        const auto high = blurred(upperSums, upper, i);
+        const auto pixels = hn::BitCast(bytes, hn::Or(low, hn::ShiftLeft<8>(high)));
+        kStreams ? hn::Stream(pixels, bytes, row.out + i) : hn::StoreU(pixels, bytes, row.out + i);
+    }
+    hwy::FlushStream();
+}
+
+void SlideAlong(const RowAlong& row, const FixedLine& line) {
+    row.streams ? SlideAlongRow<true>(row, line) : SlideAlongRow<false>(row, line);
 }
 
 template <std::size_t kVectors>
@@ -122,10 +230,15 @@ HWY_AFTER_NAMESPACE();
 namespace pictorel::engine::simd {
 
 HWY_EXPORT(Slide);
+HWY_EXPORT(SlideAlong);
 HWY_EXPORT(SumPairs);
 
 void Slide(const Stack& stack, const FixedLine& line) {
     HWY_DYNAMIC_DISPATCH(Slide)(stack, line);
+}
+
+void SlideAlong(const RowAlong& row, const FixedLine& line) {
+    HWY_DYNAMIC_DISPATCH(SlideAlong)(row, line);
 }
 
 void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums) {

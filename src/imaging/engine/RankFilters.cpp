@@ -1,10 +1,10 @@
 // The brightest and the darkest of a square, see Filters.h.
 #include "imaging/engine/Filters.h"
+#include "imaging/engine/FineRow.h"
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/RankRows.h"
 #include "imaging/engine/Streaming.h"
 #include "imaging/engine/Tiles.h"
-#include "imaging/engine/WidePlane.h"
 
 #include <cmath>
 #include <cstdlib>

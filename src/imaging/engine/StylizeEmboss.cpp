@@ -1,9 +1,9 @@
 // Emboss: a grey relief lit from one side, see Stylize.h.
 #include "imaging/engine/EmbossRows.h"
+#include "imaging/engine/FineRows.h"
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/Streaming.h"
 #include "imaging/engine/Stylize.h"
-#include "imaging/engine/WidePlane.h"
 
 #include <algorithm>
 #include <array>

@@ -52,36 +52,6 @@ void NarrowRow(const WideComponent* HWY_RESTRICT wide, int width, bool hasAlpha,
     }
 }
 
-// A pixel of wide components, taken as one number.
-using WidePixel = std::uint64_t;
-static_assert(sizeof(WidePixel) == kComponents * sizeof(WideComponent));
-
-inline WidePixel LoadWide(const WideComponent* from) {
-    WidePixel pixel;
-    std::memcpy(&pixel, from, sizeof pixel);
-    return pixel;
-}
-
-inline void StoreWide(WidePixel pixel, WideComponent* to) {
-    std::memcpy(to, &pixel, sizeof pixel);
-}
-
-void SplitPairs(const WideComponent* HWY_RESTRICT wide, std::size_t pairs, WideComponent* HWY_RESTRICT even,
-                WideComponent* HWY_RESTRICT odd) {
-    for (std::size_t i = 0; i < pairs; ++i) {
-        StoreWide(LoadWide(wide + 2 * i * kComponents), even + i * kComponents);
-        StoreWide(LoadWide(wide + (2 * i + 1) * kComponents), odd + i * kComponents);
-    }
-}
-
-void JoinPairs(const WideComponent* HWY_RESTRICT even, const WideComponent* HWY_RESTRICT odd,
-               std::size_t pairs, WideComponent* HWY_RESTRICT wide) {
-    for (std::size_t i = 0; i < pairs; ++i) {
-        StoreWide(LoadWide(even + i * kComponents), wide + 2 * i * kComponents);
-        StoreWide(LoadWide(odd + i * kComponents), wide + (2 * i + 1) * kComponents);
-    }
-}
-
 void AddBytes(const std::uint8_t* HWY_RESTRICT row, std::size_t count, std::uint16_t* HWY_RESTRICT sums) {
     for (std::size_t i = 0; i < count; ++i) {
         sums[i] = static_cast<std::uint16_t>(sums[i] + row[i]);
@@ -101,39 +71,6 @@ void CopyRow(const std::uint8_t* HWY_RESTRICT in, std::size_t size, bool streams
         hwy::FlushStream();
     }
     std::memcpy(out + i, in + i, size - i);
-}
-
-// Up to this amount, what sharpening adds fits into 16 bits in 1/16 of a level.
-constexpr int kUsualSharpening = 4;
-
-void SharpenOpaque(const std::uint8_t* HWY_RESTRICT in, const WideComponent* HWY_RESTRICT blurred, int count,
-                   std::int16_t share, std::uint8_t* HWY_RESTRICT out) {
-    constexpr int kLevel = kWideUnit / kUsualSharpening;
-    for (int i = 0; i < count; ++i) {
-        const auto difference = static_cast<std::int16_t>(in[i] * kWideUnit - blurred[i]);
-        const auto added = static_cast<std::int16_t>((((difference * share) >> 14) + 1) >> 1);
-        const auto sum =
-            static_cast<std::int16_t>(static_cast<std::int16_t>(in[i] * kLevel + kLevel / 2) + added);
-        out[i] = static_cast<std::uint8_t>(std::clamp<std::int16_t>(sum >> 4, 0, 255));
-    }
-    static_assert(kLevel == 1 << 4);
-}
-
-void SharpenRow(const std::uint8_t* HWY_RESTRICT in, const WideComponent* HWY_RESTRICT blurred, int width,
-                bool hasAlpha, float amount, std::uint8_t* HWY_RESTRICT out) {
-    if (!hasAlpha && amount <= kUsualSharpening) { // alpha is 255 and, blurred, still is
-        const float share = std::min(amount * (32768.0F / kUsualSharpening) + 0.5F, 32767.0F);
-        SharpenOpaque(in, blurred, width * kComponents, static_cast<std::int16_t>(share), out);
-        return;
-    }
-    for (int i = 0; i < width * kComponents; i += kComponents) {
-        const float perAlpha = 255.0F / static_cast<float>(std::max<int>(blurred[i + 3], 1));
-        for (int k = 0; k < 3; ++k) {
-            const auto c = static_cast<float>(in[i + k]);
-            out[i + k] = RoundToByte(c + amount * (c - static_cast<float>(blurred[i + k]) * perAlpha));
-        }
-        out[i + 3] = in[i + 3];
-    }
 }
 
 // What a component contributes to the sums of a picture that has alpha: premultiplied colour, scaled alpha.
@@ -200,11 +137,8 @@ namespace pictorel::engine {
 
 HWY_EXPORT(WidenRow);
 HWY_EXPORT(NarrowRow);
-HWY_EXPORT(SplitPairs);
-HWY_EXPORT(JoinPairs);
 HWY_EXPORT(AddBytes);
 HWY_EXPORT(CopyRow);
-HWY_EXPORT(SharpenRow);
 HWY_EXPORT(AddToMean);
 HWY_EXPORT(SlideRow);
 
@@ -216,25 +150,12 @@ void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t
     HWY_DYNAMIC_DISPATCH(NarrowRow)(wide, width, hasAlpha, out);
 }
 
-void SplitPairs(const WideComponent* wide, std::size_t pairs, WideComponent* even, WideComponent* odd) {
-    HWY_DYNAMIC_DISPATCH(SplitPairs)(wide, pairs, even, odd);
-}
-
-void JoinPairs(const WideComponent* even, const WideComponent* odd, std::size_t pairs, WideComponent* wide) {
-    HWY_DYNAMIC_DISPATCH(JoinPairs)(even, odd, pairs, wide);
-}
-
 void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums) {
     HWY_DYNAMIC_DISPATCH(AddBytes)(row, count, sums);
 }
 
 void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out) {
     HWY_DYNAMIC_DISPATCH(CopyRow)(in, size, streams, out);
-}
-
-void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width, bool hasAlpha, float amount,
-                std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(SharpenRow)(in, blurred, width, hasAlpha, amount, out);
 }
 
 void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole) {

@@ -16,19 +16,11 @@ inline constexpr int kWideUnit = 64;
 void WidenRow(const std::uint8_t* in, int width, bool hasAlpha, WideComponent* wide);
 void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t* out);
 
-// Pixels 0, 2, 4, ... and 1, 3, 5, ... of a wide row of `pairs` pairs, and together again.
-void SplitPairs(const WideComponent* wide, std::size_t pairs, WideComponent* even, WideComponent* odd);
-void JoinPairs(const WideComponent* even, const WideComponent* odd, std::size_t pairs, WideComponent* wide);
-
 // sums[i] += row[i].
 void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums);
 
 // Copies into a result, past the cache where it is told to.
 void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out);
-
-// in + amount (in - blurred) in colour, alpha left alone.
-void SharpenRow(const std::uint8_t* in, const WideComponent* blurred, int width, bool hasAlpha, float amount,
-                std::uint8_t* out);
 
 // One step of a running mean over rows of `count` components: out = (whole + tip (before + entering))
 // perLength, then `entering` is added to `whole` and `leaving` taken off.

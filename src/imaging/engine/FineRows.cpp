@@ -1,0 +1,243 @@
+// The stages of a blur, see FineRows.h.
+#include "imaging/engine/FineRows.h"
+
+#include "imaging/BufferPool.h"
+
+#include <limits>
+#include <utility>
+
+namespace pictorel::engine {
+namespace {
+
+constexpr int kComponents = PixelArray::kComponents;
+
+// Calls copy(first, count, row) for the pixels of left <= x < left + width that lie inside `begin` <= x <
+// `end` and repeats the outermost ones over the rest; `perPixel` components each.
+template <class Component, class Copy>
+void LoadContinued(int begin, int end, Columns columns, int perPixel, Component* row, const Copy& copy) {
+    const int first = std::clamp(columns.left, begin, end - 1);
+    const int last = std::clamp(columns.left + columns.width - 1, begin, end - 1);
+    const int before = std::clamp(first - columns.left, 0, columns.width - 1);
+    Component* const inside = row + static_cast<std::ptrdiff_t>(before) * perPixel;
+    copy(first, last - first + 1, inside);
+    for (Component* p = row; p != inside; p += perPixel) {
+        std::copy_n(inside, perPixel, p);
+    }
+    Component* const behind = inside + static_cast<std::ptrdiff_t>(last - first + 1) * perPixel;
+    for (Component* p = behind; p < row + static_cast<std::ptrdiff_t>(columns.width) * perPixel;
+         p += perPixel) {
+        std::copy_n(behind - perPixel, perPixel, p);
+    }
+}
+
+// The processor follows rows, not strips of them: it is told what comes next.
+void FetchAhead(const std::uint8_t* from, std::ptrdiff_t size) {
+    constexpr std::ptrdiff_t kLine = 64;
+    for (std::ptrdiff_t i = 0; i < size; i += kLine) {
+        __builtin_prefetch(from + i);
+    }
+}
+
+// Pixels of a strip of a picture, readable in whole vectors.
+class PictureRows {
+  public:
+    PictureRows(const PixelArray& picture, Columns columns)
+        : picture_(picture),
+          columns_(columns),
+          liesInside_(columns.left >= 0 && columns.left + columns.width + kRoom <= picture.Width()),
+          continued_(liesInside_ ? 0 : static_cast<std::size_t>(columns.width + kRoom) * kComponents) {}
+
+    // Valid until the next call.
+    const std::uint8_t* Row(int y) {
+        const int inside = std::clamp(y, 0, picture_.Height() - 1);
+        const std::uint8_t* const row = picture_.Row(inside);
+        const auto at = [&](int x) { return row + static_cast<std::ptrdiff_t>(x) * kComponents; };
+        if (liesInside_) {
+            constexpr int kAhead = 2;
+            if (inside + kAhead < picture_.Height()) {
+                FetchAhead(at(columns_.left) + kAhead * picture_.Stride(),
+                           static_cast<std::ptrdiff_t>(columns_.width) * kComponents);
+            }
+            return at(columns_.left);
+        }
+        LoadContinued(0, picture_.Width(), columns_, kComponents, continued_.data(),
+                      [&](int first, int count, std::uint8_t* to) {
+                          std::copy_n(at(first), static_cast<std::ptrdiff_t>(count) * kComponents, to);
+                      });
+        return continued_.data();
+    }
+
+  private:
+    static constexpr int kRoom = 16; // pixels in the longest vector
+
+    const PixelArray& picture_;
+    Columns columns_;
+    bool liesInside_;
+    std::vector<std::uint8_t> continued_;
+};
+
+class WidenedRows : public FineRows {
+  public:
+    WidenedRows(const PixelArray& picture, Columns columns)
+        : FineRows(columns.width), hasAlpha_(picture.HasAlpha()), rows_(picture, columns) {}
+
+    void Make(int y, Fine* row) override { FineFromPixels(rows_.Row(y), Width(), hasAlpha_, row); }
+
+  private:
+    bool hasAlpha_;
+    PictureRows rows_;
+};
+
+class PlaneRows : public FineRows {
+  public:
+    PlaneRows(const FinePlane& plane, Columns columns)
+        : FineRows(columns.width), plane_(plane), columns_(columns) {}
+
+    void Make(int y, Fine* row) override {
+        constexpr int kPerHalf = kComponents / 2;
+        const Bounds& bounds = plane_.Extent();
+        const Fine* from = plane_.Row(std::clamp(y, bounds.top, bounds.bottom - 1));
+        for (const bool isUpper : {false, true}) {
+            LoadContinued(bounds.left, bounds.right, columns_, kPerHalf,
+                          isUpper ? row + HalfLength(Width()) : row, [&](int first, int count, Fine* to) {
+                              std::copy_n(from + static_cast<std::ptrdiff_t>(first - bounds.left) * kPerHalf,
+                                          static_cast<std::ptrdiff_t>(count) * kPerHalf, to);
+                          });
+            from += HalfLength(bounds.right - bounds.left);
+        }
+    }
+
+  private:
+    const FinePlane& plane_;
+    Columns columns_;
+};
+
+// Opaque pixels convolved along the row.
+class AcrossOpaque : public FineRows {
+  public:
+    AcrossOpaque(const PixelArray& picture, const HalfKernel& kernel, Columns columns)
+        : FineRows(columns.width),
+          kernel_(kernel),
+          rows_(picture, columns.WithMargins(static_cast<int>(kernel.size()) - 1)) {}
+
+    void Make(int y, Fine* row) override { simd::ConvolveAcross(rows_.Row(y), kernel_, Width(), row); }
+
+  private:
+    const HalfKernel& kernel_;
+    PictureRows rows_;
+};
+
+// Fine rows, with margins as wide as the kernel reaches, convolved along the row.
+class AcrossFine : public FineRows {
+  public:
+    AcrossFine(std::unique_ptr<FineRows> source, const HalfKernel& kernel)
+        : FineRows(source->Width() - 2 * (static_cast<int>(kernel.size()) - 1)),
+          kernel_(kernel),
+          source_(std::move(source)),
+          row_(FineLength(source_->Width())),
+          taps_(2 * kernel.size() - 1) {}
+
+    void Make(int y, Fine* row) override {
+        source_->Make(y, row_.data());
+        const Fine* from = row_.data();
+        for (const bool isUpper : {false, true}) {
+            for (std::size_t k = 0; k < taps_.size(); ++k) {
+                taps_[k] = from + k * (kComponents / 2);
+            }
+            simd::Convolve(taps_.data(), kernel_, isUpper ? row + HalfLength(Width()) : row,
+                           HalfLength(Width()) - 2 * kFineStep);
+            from += HalfLength(source_->Width());
+        }
+    }
+
+  private:
+    const HalfKernel& kernel_;
+    std::unique_ptr<FineRows> source_;
+    FineRow row_;
+    std::vector<const Fine*> taps_;
+};
+
+int MarginOf(const HalfKernel& kernel) {
+    return static_cast<int>(kernel.size()) - 1;
+}
+
+int TapsOf(const HalfKernel& kernel) {
+    return 2 * MarginOf(kernel) + 1;
+}
+
+} // namespace
+
+FineRing::FineRing(std::unique_ptr<FineRows> source, int rows)
+    : source_(std::move(source)),
+      window_(static_cast<std::size_t>(rows)),
+      rowLength_(FineLength(source_->Width())),
+      numbers_(static_cast<std::size_t>(rows), std::numeric_limits<int>::min()),
+      rows_(static_cast<std::size_t>(rows) * rowLength_) {}
+
+const Fine* const* FineRing::Rows(int first) {
+    const int count = static_cast<int>(numbers_.size());
+    auto slot = static_cast<std::size_t>((first % count + count) % count);
+    int y = first;
+    for (const Fine*& tap : window_) {
+        Fine* const row = rows_.data() + slot * rowLength_;
+        if (numbers_[slot] != y) {
+            numbers_[slot] = y;
+            source_->Make(y, row);
+        }
+        tap = row;
+        ++y;
+        slot = slot + 1 == numbers_.size() ? 0 : slot + 1;
+    }
+    return window_.data();
+}
+
+FinePlane::FinePlane(const Bounds& bounds)
+    : bounds_(bounds),
+      rowLength_(static_cast<std::ptrdiff_t>(FineLength(bounds.right - bounds.left))),
+      memory_(TakeBuffer(static_cast<std::size_t>(rowLength_) *
+                         static_cast<std::size_t>(bounds.bottom - bounds.top) * sizeof(Fine))),
+      rows_(reinterpret_cast<Fine*>(memory_.get())) {}
+
+FinePlane MakePlane(const Bounds& bounds, const RowsOfStrip& makeRows) {
+    FinePlane plane(bounds);
+    const std::size_t half = HalfLength(bounds.right - bounds.left);
+    ForEachStrip(bounds, kWideStrip, [&](const TileArea& area) {
+        const auto rows = makeRows(Columns{area.left, area.width});
+        FineRow row(FineLength(rows->Width()));
+        const Fine* const upper = row.data() + HalfLength(rows->Width());
+        for (int y = area.top; y < area.top + area.height; ++y) {
+            rows->Make(y, row.data());
+            constexpr int kPerHalf = kComponents / 2;
+            Fine* const to = plane.Row(y) + static_cast<std::ptrdiff_t>(area.left - bounds.left) * kPerHalf;
+            std::copy_n(row.data(), area.width * kPerHalf, to);
+            std::copy_n(upper, area.width * kPerHalf, to + half);
+        }
+    });
+    return plane;
+}
+
+std::unique_ptr<FineRows> RowsOf(const PixelArray& picture, Columns columns) {
+    return std::make_unique<WidenedRows>(picture, columns);
+}
+
+std::unique_ptr<FineRows> RowsOf(const FinePlane& plane, Columns columns) {
+    return std::make_unique<PlaneRows>(plane, columns);
+}
+
+BlurredRows::BlurredRows(std::unique_ptr<FineRows> source, const HalfKernel& kernel)
+    : FineRows(source->Width() - 2 * MarginOf(kernel)),
+      kernel_(kernel),
+      ring_(std::make_unique<AcrossFine>(std::move(source), kernel), TapsOf(kernel)) {}
+
+void BlurredRows::Make(int y, Fine* row) {
+    simd::Convolve(ring_.Rows(y - MarginOf(kernel_)), kernel_, row, FineLength(Width()));
+}
+
+BlurredPixels::BlurredPixels(const PixelArray& picture, const HalfKernel& kernel, Columns columns)
+    : kernel_(kernel), ring_(std::make_unique<AcrossOpaque>(picture, kernel, columns), TapsOf(kernel)) {}
+
+void BlurredPixels::Make(int y, const PixelTarget& target) {
+    simd::ConvolveToPixels(ring_.Rows(y - MarginOf(kernel_)), kernel_, target);
+}
+
+} // namespace pictorel::engine
