@@ -232,9 +232,8 @@ RaySteps TakeRaySteps(const PixelArray& picture, bool inVectors, int rays) {
         const Crossing crossing =
             node == 4 ? Crossing{45 * 65536 + 99, -65536} : Crossing{700, node == 2 ? 65536 : 15101};
         if (picture.HasAlpha()) {
-            for (std::size_t i = 0; i < premultiplied.size(); ++i) {
-                premultiplied[i] = static_cast<std::int16_t>(picture.Row(static_cast<int>(node))[i] * 128);
-            }
+            (inVectors ? simd::PremultiplyLine : scalar::PremultiplyLine)(picture.Row(static_cast<int>(node)),
+                                                                          61, premultiplied.data());
             (inVectors ? simd::CrossingsPremultiplied : scalar::CrossingsPremultiplied)(
                 premultiplied.data(), crossing, rays, valuesAt(node));
         } else {
@@ -256,6 +255,9 @@ RaySteps TakeRaySteps(const PixelArray& picture, bool inVectors, int rays) {
     const PixelsBetween between{70000, (rays - 4) * 65536 / 9, 9, steps.pixels.WritableRows(),
                                 picture.Stride()};
     (inVectors ? simd::MixRays : scalar::MixRays)(steps.means.data(), between);
+    const PixelsBetween beside{between.position, between.step, between.count,
+                               between.pixels + PixelArray::kComponents, between.pixelStep};
+    (inVectors ? simd::MixRaysWithAlpha : scalar::MixRaysWithAlpha)(steps.means.data(), beside);
     return steps;
 }
 

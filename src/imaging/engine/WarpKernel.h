@@ -16,6 +16,11 @@ inline constexpr int kWeightBits = 14;
 inline constexpr int kProductBits = 13;
 inline constexpr int kProductShift = 2 * kWeightBits - kProductBits;
 
+// With alpha, the sums are of colour times alpha and of 255 times alpha. Below half a level of alpha there is
+// nothing to be seen and no colour to speak of.
+inline constexpr float kPerAlphaLevel = 1.0F / (255 << kProductBits);
+inline constexpr float kLeastVisible = 255 << (kProductBits - 1);
+
 using CubicWeights = std::array<std::int16_t, kCubicTaps>;
 
 // Weights of the pixels at -1, 0, 1 and 2 for a point at `phase`/kPhases between 0 and 1; they add up to

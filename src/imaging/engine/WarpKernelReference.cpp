@@ -25,49 +25,42 @@ Neighbourhood NeighbourhoodOf(const std::uint8_t* pixels, std::ptrdiff_t stride,
             kCubicTable[static_cast<std::size_t>(y & kPhaseMask)]};
 }
 
+// The products of the weights, rounded.
+std::int32_t WeightOf(const Neighbourhood& n, int row, int column) {
+    return (n.across[column] * n.down[row] + (1 << (kProductShift - 1))) >> kProductShift;
+}
+
 void InterpolateOpaque(const Neighbourhood& n, std::ptrdiff_t stride, std::uint8_t* to) {
     for (int c = 0; c < kComponents; ++c) {
         std::int32_t sum = 1 << (kProductBits - 1);
         for (int row = 0; row < kCubicTaps; ++row) {
             const std::uint8_t* const p = n.topLeft + row * stride + c;
             for (int column = 0; column < kCubicTaps; ++column) {
-                const std::int32_t product = n.across[column] * n.down[row];
-                sum += ((product + (1 << (kProductShift - 1))) >> kProductShift) * p[column * kComponents];
+                sum += WeightOf(n, row, column) * p[column * kComponents];
             }
         }
         to[c] = ClampToByte(sum >> kProductBits);
     }
 }
 
-bool IsOpaque(const Neighbourhood& n, std::ptrdiff_t stride) {
-    std::uint8_t all = 255;
-    for (int row = 0; row < kCubicTaps; ++row) {
-        const std::uint8_t* const alpha = n.topLeft + row * stride + 3;
-        all &= alpha[0] & alpha[4] & alpha[8] & alpha[12];
-    }
-    return all == 255;
-}
-
 void InterpolateWithAlpha(const Neighbourhood& n, std::ptrdiff_t stride, std::uint8_t* to) {
-    std::array<float, kComponents> sums{}; // colours times alpha, and alpha
+    std::array<std::int32_t, kComponents> sums{}; // colours times alpha, and 255 times alpha
     for (int row = 0; row < kCubicTaps; ++row) {
         for (int column = 0; column < kCubicTaps; ++column) {
             const std::uint8_t* const p = n.topLeft + row * stride + column * kComponents;
-            const float share = static_cast<float>(n.across[column] * n.down[row]) * static_cast<float>(p[3]);
+            const std::int32_t share = WeightOf(n, row, column) * p[3];
             for (int c = 0; c < 3; ++c) {
-                sums[c] += share * static_cast<float>(p[c]);
+                sums[c] += share * p[c];
             }
-            sums[3] += share;
+            sums[3] += share * 255;
         }
     }
-    constexpr float kOne = 1 << (2 * kWeightBits);
-    // Half an alpha level and less is nothing: there is no colour to speak of.
-    const bool isVisible = sums[3] >= kOne / 2;
+    const auto alpha = static_cast<float>(sums[3]);
+    const float perAlpha = alpha >= kLeastVisible ? 255.0F / alpha : 0.0F;
     for (int c = 0; c < 3; ++c) {
-        const float colour = isVisible ? sums[c] / sums[3] : 0;
-        to[c] = RoundToByte(colour);
+        to[c] = RoundToByte(static_cast<float>(sums[c]) * perAlpha);
     }
-    to[3] = RoundToByte(sums[3] / kOne);
+    to[3] = RoundToByte(alpha * kPerAlphaLevel);
 }
 
 } // namespace
@@ -82,12 +75,7 @@ void SampleOpaqueReference(const std::uint8_t* pixels, std::ptrdiff_t stride, co
 void SampleWithAlphaReference(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                               std::uint8_t* to) {
     for (int i = 0; i < run.count; ++i, to += kComponents) {
-        const Neighbourhood n = NeighbourhoodOf(pixels, stride, run.x[i], run.y[i]);
-        if (IsOpaque(n, stride)) {
-            InterpolateOpaque(n, stride, to);
-        } else {
-            InterpolateWithAlpha(n, stride, to);
-        }
+        InterpolateWithAlpha(NeighbourhoodOf(pixels, stride, run.x[i], run.y[i]), stride, to);
     }
 }
 

@@ -41,11 +41,8 @@ using Bytes = hn::VFromD<decltype(kBytes)>;
 using Shorts = hn::VFromD<decltype(kShorts)>;
 using Ints = hn::VFromD<decltype(kInts)>;
 constexpr hn::FixedTag<std::uint8_t, 16> kRowBytes;
+constexpr hn::RebindToFloat<decltype(kInts)> kFloats;
 constexpr hn::FixedTag<std::int32_t, 4> kPixelInts;
-constexpr hn::FixedTag<float, 4> kFloats;
-using RowBytes = hn::VFromD<decltype(kRowBytes)>;
-constexpr hn::FixedTag<std::uint8_t, 4> kPixel;
-using Floats = hn::VFromD<decltype(kFloats)>;
 
 constexpr std::ptrdiff_t kPixelBytes = PixelArray::kComponents;
 constexpr int kBlocks = static_cast<int>(hn::MaxLanes(kInts) / hn::MaxLanes(kPixelInts));
@@ -99,20 +96,39 @@ HWY_INLINE Ints SumOfPairs(Shorts a, Shorts b, Shorts c, Shorts d) {
     return hn::RearrangeToOddPlusEven(even, odd);
 }
 
-// Pixels 0 and 1 (or 2 and 3) of every row, their components side by side as 16-bit numbers.
-HWY_INLINE Shorts FirstPair(Bytes rows) {
-    alignas(16) static constexpr std::uint8_t kOrder[16] = {0, 128, 4, 128, 1, 128, 5, 128,
-                                                            2, 128, 6, 128, 3, 128, 7, 128};
-    return hn::BitCast(kShorts, hn::TableLookupBytesOr0(rows, hn::LoadDup128(kBytes, kOrder)));
+HWY_INLINE Shorts Arranged(Bytes rows, const std::uint8_t* order) {
+    return hn::BitCast(kShorts, hn::TableLookupBytesOr0(rows, hn::LoadDup128(kBytes, order)));
 }
 
-HWY_INLINE Shorts SecondPair(Bytes rows) {
-    alignas(16) static constexpr std::uint8_t kOrder[16] = {8,  128, 12, 128, 9,  128, 13, 128,
-                                                            10, 128, 14, 128, 11, 128, 15, 128};
-    return hn::BitCast(kShorts, hn::TableLookupBytesOr0(rows, hn::LoadDup128(kBytes, kOrder)));
+// Pixels 0 and 1 (or 2 and 3) of every row, their components side by side as 16-bit numbers; and the alphas
+// that belong to them.
+alignas(16) constexpr std::uint8_t kFirstPair[16] = {0, 128, 4, 128, 1, 128, 5, 128,
+                                                     2, 128, 6, 128, 3, 128, 7, 128};
+alignas(16) constexpr std::uint8_t kSecondPair[16] = {8,  128, 12, 128, 9,  128, 13, 128,
+                                                      10, 128, 14, 128, 11, 128, 15, 128};
+alignas(16) constexpr std::uint8_t kFirstAlphas[16] = {3, 128, 7, 128, 3, 128, 7, 128,
+                                                       3, 128, 7, 128, 3, 128, 7, 128};
+alignas(16) constexpr std::uint8_t kSecondAlphas[16] = {11, 128, 15, 128, 11, 128, 15, 128,
+                                                        11, 128, 15, 128, 11, 128, 15, 128};
+
+// The weighted pixels of some rows.
+HWY_INLINE Ints WeightedRows(Bytes rows, Shorts first, Shorts second) {
+    return SumOfPairs(Arranged(rows, kFirstPair), first, Arranged(rows, kSecondPair), second);
+}
+
+// The same of colours times alpha and of 255 times alpha. Those products fill 16 bits without a sign: 32768
+// is taken off, and in the end its share added.
+HWY_INLINE Ints WeightedRowsWithAlpha(Bytes rows, Shorts first, Shorts second) {
+    const Shorts middle = hn::Set(kShorts, INT16_MIN);
+    const Bytes colours = hn::Or(rows, hn::BitCast(kBytes, hn::Set(kInts, INT32_C(-0x1000000))));
+    const Shorts firstPair = hn::Mul(Arranged(colours, kFirstPair), Arranged(rows, kFirstAlphas));
+    const Shorts secondPair = hn::Mul(Arranged(colours, kSecondPair), Arranged(rows, kSecondAlphas));
+    const Ints sums = SumOfPairs(hn::Xor(firstPair, middle), first, hn::Xor(secondPair, middle), second);
+    return hn::Sub(sums, SumOfPairs(hn::Add(first, second), middle, hn::Zero(kShorts), middle));
 }
 
 // The weighted neighbours of a point, in sums that are still to be added up over the blocks.
+template <bool kHasAlpha>
 HWY_INLINE Ints BlockSums(const std::uint8_t* topLeft, std::ptrdiff_t stride, const CubicWeights& across,
                           const CubicWeights& down) {
     const Shorts across01 = AcrossPair<0>(across);
@@ -123,7 +139,8 @@ HWY_INLINE Ints BlockSums(const std::uint8_t* topLeft, std::ptrdiff_t stride, co
         const Shorts rowWeights = DownWeights(down, i);
         const Shorts first = hn::MulFixedPoint15(across01, rowWeights);
         const Shorts second = hn::MulFixedPoint15(across23, rowWeights);
-        sums = hn::Add(sums, SumOfPairs(FirstPair(rows), first, SecondPair(rows), second));
+        sums = hn::Add(
+            sums, kHasAlpha ? WeightedRowsWithAlpha(rows, first, second) : WeightedRows(rows, first, second));
     }
     return sums;
 }
@@ -134,38 +151,53 @@ HWY_INLINE Ints SumNeighbouringBlocks(Ints a, Ints b) {
     return hn::Add(straight, hn::SwapAdjacentBlocks(hn::OddEvenBlocks(a, b)));
 }
 
-HWY_INLINE void StorePixels(Ints sums, std::uint8_t* to) {
-    const Ints rounded = hn::ShiftRight<kProductBits>(hn::Add(sums, hn::Set(kInts, 1 << (kProductBits - 1))));
-    const hn::Rebind<std::uint8_t, decltype(kInts)> bytes;
-    hn::StoreU(hn::DemoteTo(bytes, rounded), bytes, to);
+HWY_INLINE Ints OpaqueLevels(Ints sums) {
+    return hn::ShiftRight<kProductBits>(hn::Add(sums, hn::Set(kInts, 1 << (kProductBits - 1))));
+}
+
+HWY_INLINE Ints LevelsWithAlpha(Ints sums) {
+    alignas(16) static constexpr float kAlphaFactor[4] = {0, 0, 0, kPerAlphaLevel};
+    const auto numbers = hn::ConvertTo(kFloats, sums);
+    const auto alpha = hn::Broadcast<3>(numbers);
+    const auto isVisible = hn::Ge(alpha, hn::Set(kFloats, kLeastVisible));
+    const auto perAlpha = hn::IfThenElseZero(isVisible, hn::Div(hn::Set(kFloats, 255.0F), alpha));
+    const auto alphaFactor = hn::LoadDup128(kFloats, kAlphaFactor);
+    const auto isColour = hn::Eq(alphaFactor, hn::Zero(kFloats));
+    const auto levels = hn::Mul(numbers, hn::IfThenElse(isColour, perAlpha, alphaFactor));
+    const auto clamped = hn::Min(hn::Max(levels, hn::Zero(kFloats)), hn::Set(kFloats, 255.0F));
+    return hn::ConvertTo(kInts, hn::Add(clamped, hn::Set(kFloats, 0.5F)));
 }
 
 // As many consecutive pixels as a vector has blocks.
-template <int kPixels>
-HWY_INLINE void InterpolateOpaque(const std::uint8_t* pixels, std::ptrdiff_t stride, const std::int32_t* x,
-                                  const std::int32_t* y, std::uint8_t* to) {
+template <bool kHasAlpha>
+HWY_INLINE void Interpolate(const std::uint8_t* pixels, std::ptrdiff_t stride, const std::int32_t* x,
+                            const std::int32_t* y, std::uint8_t* to) {
     const auto sumsOf = [=](int i) HWY_ATTR {
-        return BlockSums(TopLeftOf(pixels, stride, x[i], y[i]), stride, WeightsOf(x[i]), WeightsOf(y[i]));
+        return BlockSums<kHasAlpha>(TopLeftOf(pixels, stride, x[i], y[i]), stride, WeightsOf(x[i]),
+                                    WeightsOf(y[i]));
     };
-    if constexpr (kPixels == 1) {
-        StorePixels(sumsOf(0), to);
-    } else if constexpr (kPixels == 2) {
-        StorePixels(SumNeighbouringBlocks(sumsOf(0), sumsOf(1)), to);
-    } else {
+    Ints sums = sumsOf(0);
+    if constexpr (kBlocks == 2) {
+        sums = SumNeighbouringBlocks(sums, sumsOf(1));
+    } else if constexpr (kBlocks == 4) {
         const auto sumHalves = [](Ints a, Ints b) HWY_ATTR {
             return hn::Add(hn::ConcatLowerLower(kInts, b, a), hn::ConcatUpperUpper(kInts, b, a));
         };
-        const Ints evenPixels = sumHalves(sumsOf(0), sumsOf(2));
+        const Ints evenPixels = sumHalves(sums, sumsOf(2));
         const Ints oddPixels = sumHalves(sumsOf(1), sumsOf(3));
-        StorePixels(SumNeighbouringBlocks(evenPixels, oddPixels), to);
+        sums = SumNeighbouringBlocks(evenPixels, oddPixels);
     }
+    const hn::Rebind<std::uint8_t, decltype(kInts)> bytes;
+    const Ints levels = kHasAlpha ? LevelsWithAlpha(sums) : OpaqueLevels(sums);
+    hn::StoreU(hn::DemoteTo(bytes, levels), bytes, to);
 }
 
-void SampleOpaqueRun(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
-                     std::uint8_t* to) {
+template <bool kHasAlpha>
+HWY_INLINE void Sample(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
+                       std::uint8_t* to) {
     int i = 0;
     for (; i + kBlocks <= run.count; i += kBlocks) {
-        InterpolateOpaque<kBlocks>(pixels, stride, run.x.data() + i, run.y.data() + i, to + i * kPixelBytes);
+        Interpolate<kHasAlpha>(pixels, stride, run.x.data() + i, run.y.data() + i, to + i * kPixelBytes);
     }
     if (i < run.count) { // the last pixel again, to fill a vector
         std::array<std::int32_t, kBlocks> x;
@@ -175,69 +207,19 @@ void SampleOpaqueRun(const std::uint8_t* pixels, std::ptrdiff_t stride, const Sa
             x[k] = run.x[std::min(i + k, run.count - 1)];
             y[k] = run.y[std::min(i + k, run.count - 1)];
         }
-        InterpolateOpaque<kBlocks>(pixels, stride, x.data(), y.data(), last.data());
+        Interpolate<kHasAlpha>(pixels, stride, x.data(), y.data(), last.data());
         std::memcpy(to + i * kPixelBytes, last.data(), static_cast<std::size_t>(run.count - i) * kPixelBytes);
     }
 }
 
-// Adds to (blue, green, red times alpha, alpha) what the pixels of a row contribute.
-HWY_INLINE Floats AddRow(Floats sums, const std::uint8_t* row, const CubicWeights& across, int down) {
-    for (int column = 0; column < kCubicTaps; ++column) {
-        const Floats pixel =
-            hn::ConvertTo(kFloats, hn::PromoteTo(kPixelInts, hn::LoadU(kPixel, row + column * kPixelBytes)));
-        const Floats share =
-            hn::Mul(hn::Broadcast<3>(pixel), hn::Set(kFloats, static_cast<float>(across[column] * down)));
-        // The share itself is what alpha's place sums up.
-        const Floats one = hn::Set(kFloats, 1.0F);
-        const Floats factor = hn::IfThenElse(hn::FirstN(kFloats, 3), pixel, one);
-        sums = hn::Add(sums, hn::Mul(share, factor));
-    }
-    return sums;
-}
-
-HWY_INLINE void InterpolateWithAlpha(const std::uint8_t* row, std::ptrdiff_t stride,
-                                     const CubicWeights& across, const CubicWeights& down, std::uint8_t* to) {
-    constexpr float kOne = 1 << (2 * kWeightBits);
-    Floats sums = hn::Zero(kFloats);
-    for (const int weight : down) {
-        sums = AddRow(sums, row, across, weight);
-        row += stride;
-    }
-    const Floats alpha = hn::Broadcast<3>(sums);
-    const auto isVisible = hn::Ge(alpha, hn::Set(kFloats, kOne / 2));
-    const Floats colours = hn::IfThenElseZero(isVisible, hn::Div(sums, alpha));
-    const Floats levels =
-        hn::IfThenElse(hn::FirstN(kFloats, 3), colours, hn::Div(sums, hn::Set(kFloats, kOne)));
-    const Floats clamped = hn::Min(hn::Max(levels, hn::Zero(kFloats)), hn::Set(kFloats, 255.0F));
-    const auto rounded = hn::ConvertTo(kPixelInts, hn::Add(clamped, hn::Set(kFloats, 0.5F)));
-    hn::StoreU(hn::DemoteTo(kPixel, rounded), kPixel, to);
-}
-
-HWY_INLINE bool IsOpaque(const std::uint8_t* topLeft, std::ptrdiff_t stride) {
-    const auto row = [=](int i) HWY_ATTR { return hn::LoadU(kRowBytes, topLeft + i * stride); };
-    const RowBytes all = hn::And(hn::And(row(0), row(1)), hn::And(row(2), row(3)));
-    const RowBytes colours = hn::BitCast(kRowBytes, hn::Set(kPixelInts, 0x00FFFFFF));
-    return hn::AllTrue(kRowBytes, hn::Eq(hn::Or(all, colours), hn::Set(kRowBytes, 255)));
+void SampleOpaqueRun(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
+                     std::uint8_t* to) {
+    Sample<false>(pixels, stride, run, to);
 }
 
 void SampleWithAlphaRun(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                         std::uint8_t* to) {
-    SampleRun opaque; // consecutive points
-    const auto topLeftOf = [&](int i) { return TopLeftOf(pixels, stride, run.x[i], run.y[i]); };
-    for (int i = 0; i < run.count; i += std::max(opaque.count, 1)) {
-        opaque.count = 0;
-        while (i + opaque.count < run.count && IsOpaque(topLeftOf(i + opaque.count), stride)) {
-            opaque.x[opaque.count] = run.x[i + opaque.count];
-            opaque.y[opaque.count] = run.y[i + opaque.count];
-            ++opaque.count;
-        }
-        if (opaque.count > 0) {
-            SampleOpaqueRun(pixels, stride, opaque, to + i * kPixelBytes);
-        } else {
-            InterpolateWithAlpha(topLeftOf(i), stride, WeightsOf(run.x[i]), WeightsOf(run.y[i]),
-                                 to + i * kPixelBytes);
-        }
-    }
+    Sample<true>(pixels, stride, run, to);
 }
 
 #endif // HWY_TARGET

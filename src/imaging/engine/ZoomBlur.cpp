@@ -202,13 +202,9 @@ class RayBlock {
 
     const std::int16_t* PremultipliedLine(const std::uint8_t* line, int lowest, int highest) {
         const std::uint8_t* const pixels = OpaqueLine(line, lowest, highest);
-        const int count = (highest - lowest + 1) * kComponents;
         premultiplied_.resize(std::max(premultiplied_.size(), line_.size()));
         std::int16_t* const to = premultiplied_.data() + kLineRoom * kComponents;
-        for (int i = 0; i < count; ++i) {
-            const int factor = i % kComponents == 3 ? 255 : pixels[i | 3];
-            to[i] = static_cast<std::int16_t>((pixels[i] * factor * kRayShares + 127) / 255);
-        }
+        simd::PremultiplyLine(pixels, highest - lowest + 1, to);
         return to;
     }
 
@@ -248,7 +244,7 @@ class RayBlock {
         const PixelsBetween between{std::max(std::llround(position * kPositions), 1LL << kRayPositionBits),
                                     std::llround(raysPerPixel * kPositions), end - first,
                                     line + first * wedge_.minorStep, wedge_.minorStep};
-        source_.HasAlpha() ? scalar::MixRaysWithAlpha(means_.data(), between)
+        source_.HasAlpha() ? simd::MixRaysWithAlpha(means_.data(), between)
                            : simd::MixRays(means_.data(), between);
     }
 

@@ -34,6 +34,14 @@ std::array<std::int32_t, kComponents> Mixed(const std::int16_t* means, const Pix
 
 } // namespace
 
+void PremultiplyLine(const std::uint8_t* line, int pixels, std::int16_t* values) {
+    for (int i = 0; i < pixels * kComponents; ++i) {
+        const int factor = i % kComponents == 3 ? 255 : line[i | 3];
+        values[i] = static_cast<std::int16_t>(
+            std::uint32_t{kPremultiplied} * static_cast<std::uint32_t>(line[i] * factor) >> 16);
+    }
+}
+
 void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values) {
     std::int32_t position = crossing.position;
     for (int i = 0; i < rays; ++i, position += crossing.step) {
@@ -87,7 +95,6 @@ void MixRays(const std::int16_t* means, const PixelsBetween& between) {
 }
 
 void MixRaysWithAlpha(const std::int16_t* means, const PixelsBetween& between) {
-    constexpr float kPerUnit = 1.0F / (kRayShares << kWeightBits);
     for (int i = 0; i < between.count; ++i) {
         const auto sums = Mixed(means, between, i, 0);
         std::uint8_t* const pixel = between.pixels + i * between.pixelStep;
@@ -95,7 +102,7 @@ void MixRaysWithAlpha(const std::int16_t* means, const PixelsBetween& between) {
         for (int k = 0; k < 3; ++k) {
             pixel[k] = RoundToByte(static_cast<float>(sums[k]) * perAlpha);
         }
-        pixel[3] = RoundToByte(static_cast<float>(sums[3]) * kPerUnit);
+        pixel[3] = RoundToByte(static_cast<float>(sums[3]) * kPerWeightedRay);
     }
 }
 

@@ -48,18 +48,28 @@ struct PixelsBetween {
     std::ptrdiff_t pixelStep;
 };
 
+// Levels per sum of four rays times their shares.
+inline constexpr float kPerWeightedRay = 1.0F / (kRayShares << kWeightBits);
+
 // The shares of the four rays around a position.
 inline const CubicWeights& MixWeightsAt(std::int64_t position) {
     return kCubicTable[static_cast<std::size_t>(position >> (kRayPositionBits - kPhaseBits) & (kPhases - 1))];
 }
 
+// 128 / 255, by which the product of a colour and its alpha becomes a premultiplied value, in 2^-16: alpha
+// itself comes out exactly.
+inline constexpr std::uint16_t kPremultiplied = 32897;
+
+// PremultiplyLine: the values of a line of pixels, colours times alpha; up to kRaysTogether - 1 pixels more
+//     than asked for are read and written.
 // Crossings: the values where rays cross a line of pixels, between them in a straight line.
 // CrossingsPremultiplied: the same on a line of values, four of 16 bits a pixel.
 // AddInterval: twice what lies between two values of each of `rays` rays is added to their sums, whose order
 //     is that of SlideRays.
 // SlideRays: see RaySlide; leaves the means.
-// MixRays: opaque pixels from the means of the four rays around them.
+// MixRays: opaque pixels from the means of the four rays around them; MixRaysWithAlpha: pixels with alpha.
 namespace scalar {
+void PremultiplyLine(const std::uint8_t* line, int pixels, std::int16_t* values);
 void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values);
 void CrossingsPremultiplied(const std::int16_t* line, Crossing crossing, int rays, std::int16_t* values);
 void AddInterval(const std::int16_t* before, const std::int16_t* entering, int rays, std::int32_t* sums);
@@ -68,11 +78,13 @@ void MixRays(const std::int16_t* means, const PixelsBetween& between);
 void MixRaysWithAlpha(const std::int16_t* means, const PixelsBetween& between);
 } // namespace scalar
 namespace simd { // the same with the best vectors that the processor has
+void PremultiplyLine(const std::uint8_t* line, int pixels, std::int16_t* values);
 void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values);
 void CrossingsPremultiplied(const std::int16_t* line, Crossing crossing, int rays, std::int16_t* values);
 void AddInterval(const std::int16_t* before, const std::int16_t* entering, int rays, std::int32_t* sums);
 void SlideRays(const RaySlide& slide, int rays, std::int32_t* sums, std::int16_t* means);
 void MixRays(const std::int16_t* means, const PixelsBetween& between);
+void MixRaysWithAlpha(const std::int16_t* means, const PixelsBetween& between);
 } // namespace simd
 
 } // namespace pictorel::engine

@@ -18,6 +18,8 @@ using scalar::AddInterval;
 using scalar::Crossings;
 using scalar::CrossingsPremultiplied;
 using scalar::MixRays;
+using scalar::MixRaysWithAlpha;
+using scalar::PremultiplyLine;
 using scalar::SlideRays;
 
 #else
@@ -31,6 +33,24 @@ constexpr hn::RebindToFloat<decltype(kInts)> kFloats;
 using Shorts = hn::VFromD<decltype(kShorts)>;
 using Ints = hn::VFromD<decltype(kInts)>;
 constexpr int kRays = static_cast<int>(hn::MaxLanes(kShorts)) / kComponents; // of a vector
+
+void PremultiplyLine(const std::uint8_t* line, int pixels, std::int16_t* values) {
+    const hn::RebindToUnsigned<decltype(kShorts)> unsignedShorts;
+    const hn::Rebind<std::uint8_t, decltype(kShorts)> bytes;
+    const hn::Repartition<std::uint32_t, decltype(bytes)> whole;
+    alignas(16) static constexpr std::uint8_t kAlphas[16] = {3,  3,  3,  3,  7,  7,  7,  7,
+                                                             11, 11, 11, 11, 15, 15, 15, 15};
+    const auto alphaOrder = hn::LoadDup128(bytes, kAlphas);
+    const auto opaque = hn::BitCast(bytes, hn::Set(whole, 0xFF000000U));
+    const auto toValue = hn::Set(unsignedShorts, kPremultiplied);
+    for (std::ptrdiff_t i = 0; i < pixels * kComponents; i += hn::Lanes(kShorts)) {
+        const auto from = hn::LoadU(bytes, line + i);
+        const auto colours = hn::PromoteTo(unsignedShorts, from);
+        const auto factors = hn::Or(hn::TableLookupBytes(from, alphaOrder), opaque);
+        const auto products = hn::Mul(colours, hn::PromoteTo(unsignedShorts, factors));
+        hn::StoreU(hn::BitCast(kShorts, hn::MulHigh(products, toValue)), kShorts, values + i);
+    }
+}
 
 void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values) {
     const hn::Rebind<std::uint8_t, decltype(kShorts)> bytes;
@@ -193,6 +213,42 @@ void MixRays(const std::int16_t* means, const PixelsBetween& between) {
     scalar::MixRays(means, {position, between.step, between.count - i, pixel, between.pixelStep});
 }
 
+void MixRaysWithAlpha(const std::int16_t* means, const PixelsBetween& between) {
+    const hn::FixedTag<float, kComponents> floats;
+    const hn::FixedTag<std::int32_t, kComponents> ints;
+    const hn::Repartition<std::uint8_t, decltype(kTwoRays)> bytes;
+    const hn::FixedTag<std::uint8_t, kComponents> pixelBytes;
+    // The components of two rays side by side.
+    alignas(16) static constexpr std::uint8_t kSideBySide[16] = {0, 1, 8,  9,  2, 3, 10, 11,
+                                                                 4, 5, 12, 13, 6, 7, 14, 15};
+    alignas(16) static constexpr float kPerUnit[kComponents] = {0, 0, 0, kPerWeightedRay};
+    const auto order = hn::Load(bytes, kSideBySide);
+    const auto perUnit = hn::Load(floats, kPerUnit);
+    const auto isColour = hn::FirstN(floats, 3);
+    std::int64_t position = between.position;
+    std::uint8_t* pixel = between.pixels;
+    for (int i = 0; i < between.count; ++i, position += between.step, pixel += between.pixelStep) {
+        const std::int16_t* const rays = means + ((position >> kRayPositionBits) - 1) * kComponents;
+        const auto weighted = [&](int pair) HWY_ATTR {
+            std::int32_t weights;
+            std::memcpy(&weights, MixWeightsAt(position).data() + pair * 2, sizeof weights);
+            const auto values = hn::BitCast(bytes, hn::LoadU(kTwoRays, rays + pair * 2 * kComponents));
+            auto odd = hn::Zero(ints);
+            const auto even = hn::ReorderWidenMulAccumulate(
+                ints, hn::BitCast(kTwoRays, hn::TableLookupBytes(values, order)),
+                hn::BitCast(kTwoRays, hn::Set(ints, weights)), hn::Zero(ints), odd);
+            return hn::RearrangeToOddPlusEven(even, odd);
+        };
+        const auto sums = hn::ConvertTo(floats, hn::Add(weighted(0), weighted(1)));
+        const auto alpha = hn::Max(hn::Broadcast<3>(sums), hn::Set(floats, 1 << kWeightBits));
+        const auto perAlpha = hn::Div(hn::Set(floats, 255.0F), alpha);
+        const auto levels = hn::Mul(sums, hn::IfThenElse(isColour, perAlpha, perUnit));
+        const auto clamped = hn::Min(hn::Max(levels, hn::Zero(floats)), hn::Set(floats, 255.0F));
+        const auto rounded = hn::ConvertTo(ints, hn::Add(clamped, hn::Set(floats, 0.5F)));
+        hn::StoreU(hn::DemoteTo(pixelBytes, rounded), pixelBytes, pixel);
+    }
+}
+
 #endif
 
 } // namespace pictorel::engine::HWY_NAMESPACE
@@ -201,13 +257,19 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace pictorel::engine {
 
+HWY_EXPORT(PremultiplyLine);
 HWY_EXPORT(Crossings);
 HWY_EXPORT(CrossingsPremultiplied);
 HWY_EXPORT(AddInterval);
 HWY_EXPORT(SlideRays);
 HWY_EXPORT(MixRays);
+HWY_EXPORT(MixRaysWithAlpha);
 
 namespace simd {
+
+void PremultiplyLine(const std::uint8_t* line, int pixels, std::int16_t* values) {
+    HWY_DYNAMIC_DISPATCH(PremultiplyLine)(line, pixels, values);
+}
 
 void Crossings(const std::uint8_t* line, Crossing crossing, int rays, std::int16_t* values) {
     HWY_DYNAMIC_DISPATCH(Crossings)(line, crossing, rays, values);
@@ -227,6 +289,10 @@ void SlideRays(const RaySlide& slide, int rays, std::int32_t* sums, std::int16_t
 
 void MixRays(const std::int16_t* means, const PixelsBetween& between) {
     HWY_DYNAMIC_DISPATCH(MixRays)(means, between);
+}
+
+void MixRaysWithAlpha(const std::int16_t* means, const PixelsBetween& between) {
+    HWY_DYNAMIC_DISPATCH(MixRaysWithAlpha)(means, between);
 }
 
 } // namespace simd
