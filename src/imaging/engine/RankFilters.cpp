@@ -117,13 +117,14 @@ void ContinueRow(std::uint8_t* row, int before, int inside, int behind) {
 
 // The extremes down the columns of the squares about two rows' pixels, from the first column on that the
 // first square reaches, and the step along the rows that makes those of the squares of them.
-struct Columns {
+struct ColumnExtremes {
     std::uint8_t* upper;
     std::uint8_t* lower;
     WindowStep step;
 };
 
-Columns FindColumns(Rank rank, const Reach& reach, const TileArea& area, int y, int radius, ByteRow& buffer) {
+ColumnExtremes FindColumns(Rank rank, const Reach& reach, const TileArea& area, int y, int radius,
+                           ByteRow& buffer) {
     const int left = area.left - ColumnMargin(radius);
     const int width = area.width + 2 * ColumnMargin(radius);
     const std::size_t length = AlignedRow(static_cast<std::size_t>(width) * kComponents + kRankRoom);
@@ -137,7 +138,7 @@ Columns FindColumns(Rank rank, const Reach& reach, const TileArea& area, int y, 
                         static_cast<std::size_t>(first - reach.first) * kComponents,
                         static_cast<std::size_t>(end - first) * kComponents, buffer.data() + before,
                         buffer.data() + length + before);
-    Columns columns{};
+    ColumnExtremes columns{};
     const auto spread = [&](std::uint8_t* row) {
         ContinueRow(row, first - left, end - first, left + width - end);
         std::uint8_t* const reached =
@@ -166,8 +167,8 @@ void FilterTile(Rank rank, const PixelArray& source, const Square& square, const
     const std::size_t count = static_cast<std::size_t>(area.width) * kComponents;
     const bool streams = IsStreamed(result);
     for (int y = 0; y < area.height; y += 2) {
-        const Columns inner = FindColumns(rank, scratch.reach, area, y, square.radius, scratch.inner);
-        Columns outer{};
+        const ColumnExtremes inner = FindColumns(rank, scratch.reach, area, y, square.radius, scratch.inner);
+        ColumnExtremes outer{};
         if (square.outerShare != 0) {
             outer = FindColumns(rank, scratch.reach, area, y, square.radius + 1, scratch.outer);
         }
