@@ -1,11 +1,6 @@
 // How the engine's work grows with the picture: nanoseconds per pixel from a preview's copy to 200
 // megapixels. Usage: scale_bench [LARGEST_MEGAPIXELS].
-#include "imaging/engine/Filters.h"
-#include "imaging/engine/Geometry.h"
-#include "imaging/engine/HistogramOperations.h"
-#include "imaging/engine/PointOperations.h"
-#include "imaging/engine/Resample.h"
-#include "imaging/engine/Stylize.h"
+#include "EngineOperations.h"
 
 #include <algorithm>
 #include <array>
@@ -17,24 +12,7 @@
 namespace {
 
 using namespace pictorel;
-using namespace pictorel::engine;
-
-struct Operation {
-    const char* name;
-    PixelArray (*run)(const PixelArray&);
-};
-
-constexpr Operation kOperations[] = {
-    {"contrast", [](const PixelArray& p) { return Contrast(p, 1.3); }},
-    {"hue", [](const PixelArray& p) { return Hue(p, 40); }},
-    {"auto levels", [](const PixelArray& p) { return AutoLevels(p); }},
-    {"Gaussian 3", [](const PixelArray& p) { return GaussianBlur(p, 3); }},
-    {"maximum 3 x 3", [](const PixelArray& p) { return MaximumFilter(p, 1); }},
-    {"noise", [](const PixelArray& p) { return Noise(p, 8); }},
-    {"rotate 30", [](const PixelArray& p) { return Rotate(p, 30, 0); }},
-    {"quarter turn", [](const PixelArray& p) { return QuarterTurnRight(p); }},
-    {"resize to half", [](const PixelArray& p) { return Resize(p, p.Width() / 2, p.Height() / 2); }},
-};
+using namespace pictorel::bench;
 
 struct Size {
     int width;
@@ -64,7 +42,7 @@ PixelArray Made(const Size& size) {
 
 // The shortest run, in nanoseconds per pixel. Small pictures are done often: what is asked is not whether the
 // first one has to wait for threads to wake.
-double PerPixel(const Operation& operation, const PixelArray& picture, const Size& size) {
+double PerPixel(const EngineOperation& operation, const PixelArray& picture, const Size& size) {
     const int runs = std::clamp(static_cast<int>(2e8 / size.Pixels()), 3, 400);
     double best = std::numeric_limits<double>::max();
     PixelArray result;
@@ -82,19 +60,19 @@ double PerPixel(const Operation& operation, const PixelArray& picture, const Siz
 
 int main(int argc, char** argv) {
     const double most = (argc > 1 ? std::atof(argv[1]) : 200.0) * 1e6;
-    std::array<std::array<double, kSizes.size()>, std::size(kOperations)> times{};
+    std::array<std::array<double, kSizes.size()>, std::size(kEngineOperations)> times{};
     for (std::size_t s = 0; s < kSizes.size() && kSizes[s].Pixels() <= most; ++s) {
         const PixelArray picture = Made(kSizes[s]);
-        for (std::size_t i = 0; i < std::size(kOperations); ++i) {
-            times[i][s] = PerPixel(kOperations[i], picture, kSizes[s]);
+        for (std::size_t i = 0; i < std::size(kEngineOperations); ++i) {
+            times[i][s] = PerPixel(kEngineOperations[i], picture, kSizes[s]);
         }
     }
     std::printf("nanoseconds per pixel\n%-16s", "megapixels");
     for (const Size& size : kSizes) {
         std::printf(" %8.2f", size.Pixels() / 1e6);
     }
-    for (std::size_t i = 0; i < std::size(kOperations); ++i) {
-        std::printf("\n%-16s", kOperations[i].name);
+    for (std::size_t i = 0; i < std::size(kEngineOperations); ++i) {
+        std::printf("\n%-16s", kEngineOperations[i].name);
         for (const double time : times[i]) {
             time == 0 ? std::printf("        -") : std::printf(" %8.2f", time);
         }
