@@ -191,6 +191,11 @@ void WriteWorkingJpeg(const PixelArray& picture, const ByteSink& sink) try {
 
 ByteBuffer WriteJpeg(const PixelArray& picture, const WriteOptions& options) try {
     ByteBuffer file;
+    // Room for about as much as the best quality needs: moving what is there costs more than unused room.
+    constexpr std::size_t kMostRoom = std::size_t{256} << 20;
+    const auto pixels =
+        static_cast<std::size_t>(picture.Width()) * static_cast<std::size_t>(picture.Height());
+    file.reserve(std::min(2 * pixels, kMostRoom));
     const auto gather = [&file](ByteView part) { file.insert(file.end(), part.begin(), part.end()); };
     if (options.workingFile) {
         WriteWorkingJpeg(picture, gather);
