@@ -3,6 +3,8 @@
 
 #include "imaging/codecs/ByteReader.h"
 
+#include <algorithm>
+
 namespace pictorel::codecs {
 
 GifLzwDecoder::GifLzwDecoder(ByteView data) noexcept
@@ -13,6 +15,7 @@ GifLzwDecoder::GifLzwDecoder(ByteView data) noexcept
         clearCode_ = 1 << minimumBits_;
         for (int code = 0; code < clearCode_; ++code) {
             suffix_[static_cast<std::size_t>(code)] = static_cast<std::uint8_t>(std::min(code, 255));
+            length_[static_cast<std::size_t>(code)] = 1;
         }
         Clear(); // some files leave out the first clear code
     }
@@ -24,84 +27,104 @@ void GifLzwDecoder::Clear() noexcept {
     previous_ = -1;
 }
 
-bool GifLzwDecoder::NextByte() noexcept {
+// As many bytes as there is room for, of this sub-block or the next; false where there are none.
+bool GifLzwDecoder::Refill() noexcept {
     if (blockLeft_ == 0) {
         blockLeft_ = ByteAt(data_, at_);
         ++at_;
-        if (blockLeft_ == 0) {
-            return false;
-        }
     }
-    if (at_ >= data_.size()) {
-        return false;
+    constexpr int kRoom = 64;
+    const std::size_t left = at_ < data_.size() ? data_.size() - at_ : 0;
+    const int wanted = std::min((kRoom - bitCount_) / 8, blockLeft_);
+    const int taken = static_cast<int>(std::min<std::size_t>(left, static_cast<std::size_t>(wanted)));
+    for (int i = 0; i < taken; ++i, bitCount_ += 8) {
+        bits_ |= std::uint64_t{data_[at_ + static_cast<std::size_t>(i)]} << bitCount_;
     }
-    bits_ |= std::uint32_t{data_[at_]} << bitCount_;
-    bitCount_ += 8;
-    ++at_;
-    --blockLeft_;
-    return true;
+    at_ += static_cast<std::size_t>(taken);
+    blockLeft_ -= taken;
+    return taken > 0;
 }
 
-int GifLzwDecoder::NextCode() noexcept {
+inline int GifLzwDecoder::NextCode() noexcept {
     while (bitCount_ < codeBits_) {
-        if (!NextByte()) {
+        if (!Refill()) {
             return -1;
         }
     }
-    const auto code = static_cast<int>(bits_ & ((1U << codeBits_) - 1));
+    const auto code = static_cast<int>(bits_ & ((std::uint64_t{1} << codeBits_) - 1));
     bits_ >>= codeBits_;
     bitCount_ -= codeBits_;
     return code;
 }
 
-// Puts the string of a code on the stack and learns the next one; false for a code that cannot come.
-bool GifLzwDecoder::Expand(int code) noexcept {
-    int walk = code;
-    if (code > nextCode_ || (code == nextCode_ && previous_ < 0)) {
-        return false;
+int GifLzwDecoder::LengthOf(int code) const noexcept {
+    if (code < nextCode_) {
+        return length_[static_cast<std::size_t>(code)];
     }
-    if (code == nextCode_) { // the string being learned: the previous one and its own first index
-        stack_[static_cast<std::size_t>(stackSize_++)] = previousFirst_;
+    // The string being learned: the previous one and its own first index.
+    const bool isBeingLearned = code == nextCode_ && previous_ >= 0;
+    return isBeingLearned ? length_[static_cast<std::size_t>(previous_)] + 1 : 0;
+}
+
+// Writes the string of a code and learns the next one.
+void GifLzwDecoder::Expand(int code, int length, std::uint8_t* to) noexcept {
+    std::uint8_t* end = to + length;
+    int walk = code;
+    if (code == nextCode_) {
+        *--end = previousFirst_;
         walk = previous_;
     }
-    while (walk > clearCode_) {
-        stack_[static_cast<std::size_t>(stackSize_++)] = suffix_[static_cast<std::size_t>(walk)];
+    while (--end != to) {
+        *end = suffix_[static_cast<std::size_t>(walk)];
         walk = prefix_[static_cast<std::size_t>(walk)];
     }
-    const std::uint8_t first = suffix_[static_cast<std::size_t>(walk)];
-    stack_[static_cast<std::size_t>(stackSize_++)] = first;
+    *to = suffix_[static_cast<std::size_t>(walk)];
     // A full table stays as it is until the clear code, which may come late.
     if (previous_ >= 0 && nextCode_ < kCodes) {
-        prefix_[static_cast<std::size_t>(nextCode_)] = static_cast<std::uint16_t>(previous_);
-        suffix_[static_cast<std::size_t>(nextCode_)] = first;
+        const auto learned = static_cast<std::size_t>(nextCode_);
+        prefix_[learned] = static_cast<std::uint16_t>(previous_);
+        suffix_[learned] = *to;
+        length_[learned] = static_cast<std::uint16_t>(length_[static_cast<std::size_t>(previous_)] + 1);
         ++nextCode_;
         if (nextCode_ == 1 << codeBits_ && codeBits_ < kMostBits) {
             ++codeBits_;
         }
     }
     previous_ = code;
-    previousFirst_ = first;
-    return true;
+    previousFirst_ = *to;
 }
 
 int GifLzwDecoder::Read(std::uint8_t* indices, int count) noexcept {
     int done = 0;
-    while (done < count) {
-        if (stackSize_ > 0) {
-            indices[done++] = stack_[static_cast<std::size_t>(--stackSize_)];
-            continue;
+    for (;;) {
+        const int taken = std::min(count - done, waitingEnd_ - waitingAt_);
+        std::copy_n(waiting_.data() + waitingAt_, taken, indices + done);
+        waitingAt_ += taken;
+        done += taken;
+        while (done < count && waitingAt_ == waitingEnd_) {
+            const int code = ended_ ? -1 : NextCode();
+            if (code == clearCode_) {
+                Clear();
+                continue;
+            }
+            const int length = code < 0 || code == clearCode_ + 1 ? 0 : LengthOf(code);
+            if (length == 0) {
+                ended_ = true;
+                return done;
+            }
+            if (length <= count - done) {
+                Expand(code, length, indices + done);
+                done += length;
+            } else {
+                Expand(code, length, waiting_.data());
+                waitingAt_ = 0;
+                waitingEnd_ = length;
+            }
         }
-        if (ended_) {
-            break;
-        }
-        const int code = NextCode();
-        if (code == clearCode_) {
-            Clear();
-        } else {
-            ended_ = code < 0 || code == clearCode_ + 1 || !Expand(code);
+        if (done == count) {
+            return done;
         }
     }
-    return done;
 }
 
 } // namespace pictorel::codecs

@@ -27,15 +27,16 @@ class GifLzwDecoder {
     static constexpr int kCodes = 4096;
     static constexpr int kMostBits = 12;
 
-    bool NextByte() noexcept;
-    int NextCode() noexcept; // -1 at the end
-    bool Expand(int code) noexcept;
+    bool Refill() noexcept;
+    int NextCode() noexcept;               // -1 at the end
+    int LengthOf(int code) const noexcept; // of its string; 0 for a code that cannot come
+    void Expand(int code, int length, std::uint8_t* to) noexcept;
     void Clear() noexcept;
 
     ByteView data_;
     std::size_t at_ = 1;
     int blockLeft_ = 0; // bytes of the current sub-block
-    std::uint32_t bits_ = 0;
+    std::uint64_t bits_ = 0;
     int bitCount_ = 0;
 
     int minimumBits_;
@@ -47,8 +48,10 @@ class GifLzwDecoder {
     bool ended_ = false;
     std::array<std::uint16_t, kCodes> prefix_{};
     std::array<std::uint8_t, kCodes> suffix_{};
-    std::array<std::uint8_t, kCodes + 1> stack_{}; // a string's end first
-    int stackSize_ = 0;
+    std::array<std::uint16_t, kCodes> length_{};
+    std::array<std::uint8_t, kCodes + 1> waiting_{}; // a string that was asked for in part
+    int waitingAt_ = 0;
+    int waitingEnd_ = 0;
 };
 
 } // namespace pictorel::codecs
