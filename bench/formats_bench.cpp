@@ -4,8 +4,9 @@
 #include "FormatPeer.h"
 #include "PpmFile.h"
 #include "imaging/ImagingError.h"
+#include "imaging/metafile/Metafile.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <unistd.h>
 
 #include <array>
@@ -171,7 +172,9 @@ void Run(const std::string& ppm, int runs, const std::vector<std::string>& wante
     const WorkFolder folder;
     std::filesystem::copy_file(ppm, folder.Path() / "picture.ppm");
     std::vector<Row> rows;
-    for (const codecs::Codec& codec : codecs::Codecs()) {
+    std::vector<codecs::Codec> all(codecs::Codecs().begin(), codecs::Codecs().end());
+    all.insert(all.end(), metafile::MetafileCodecs().begin(), metafile::MetafileCodecs().end());
+    for (const codecs::Codec& codec : all) {
         const std::string format(codec.extension);
         if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), format) == wanted.end()) {
             continue;
@@ -201,7 +204,8 @@ int main(int argc, char** argv) {
         std::fputs("usage: formats_bench PICTURE.ppm [RUNS [FORMAT...]]\n", stderr);
         return 2;
     }
-    const QCoreApplication application(argc, argv);
+    setenv("QT_QPA_PLATFORM", "offscreen", 0); // metafiles need fonts, not a screen
+    const QGuiApplication application(argc, argv);
     try {
         const int runs = argc > 2 ? std::max(1, std::atoi(argv[2])) : 3;
         Run(argv[1], runs, std::vector<std::string>(argv + std::min(argc, 3), argv + argc));
