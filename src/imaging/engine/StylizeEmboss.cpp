@@ -155,7 +155,7 @@ PixelArray Emboss(const PixelArray& source, double degrees, int height, double a
     const int reach =
         (static_cast<int>(std::ceil(std::abs(shiftX))) + kTaps + kVector - 1) / kVector * kVector;
     const bool streams = IsStreamed(result);
-    constexpr int kStripWidth = 1024;
+    constexpr int kStripWidth = 8192; // mostly whole rows, which the processor fetches ahead
     ForEachStrip(BoundsOf(source), kStripWidth, [&](const TileArea& area) {
         LumaRing luma(source, area.left - reach, area.width + 2 * reach);
         ShiftedRows light(luma, area.left, area.width, lightAcross, lightDown);

@@ -33,7 +33,7 @@ void LoadTile(const PixelArray& source, const TileArea& area, Margins margins, s
 // Scratch that consecutive calls on one thread share.
 template <class Scratch, class Body>
 void ForEachTile(int width, int height, const Body& body) {
-    constexpr int kTileWidth = 1024; // long runs, which the processor fetches ahead
+    constexpr int kTileWidth = 8192; // mostly whole rows, which the processor fetches ahead
     constexpr int kTileHeight = 32;
     const int tileRows = (height + kTileHeight - 1) / kTileHeight;
     const auto bytesPerTileRow =
