@@ -154,6 +154,20 @@ TEST(Png, TurnsThePictureUprightAndKeepsItsDetails) {
     }
 }
 
+// Of plain files libpng sees no more than what stands before the pixels.
+TEST(Png, TurnsPlainPicturesByTheirSoundDetails) {
+    ByteBuffer sound = Chunk("eXIf", MadeExif({.orientation = 6}));
+    ByteBuffer damaged = sound;
+    damaged.back() ^= 1;
+    for (const bool atEnd : {false, true}) {
+        Recipe recipe{.rows = {0, 10, 10, 10, 20, 20, 20}};
+        (atEnd ? recipe.after : recipe.extra) = sound;
+        EXPECT_EQ(SpelledFile(MakePng(recipe)), "0A0A0A/141414") << atEnd;
+        (atEnd ? recipe.after : recipe.extra) = damaged;
+        EXPECT_EQ(SpelledFile(MakePng(recipe)), "0A0A0A 141414") << atEnd;
+    }
+}
+
 TEST(Png, WritesAlphaOnlyWhereItIsNeeded) {
     constexpr std::size_t kColourTypeAt = 25;
     PixelArray picture = MakePicture(40, 30, true);

@@ -148,6 +148,21 @@ ByteView FindPngChunk(ByteView file, std::string_view name, std::string_view beg
     return found;
 }
 
+ByteView FindSoundPngChunk(ByteView file, std::string_view name) {
+    ByteView found;
+    ForEachChunk(file, [&](const Chunk& chunk) {
+        if (chunk.name == name && chunk.whole.size() == chunk.data.size() + kAroundData) {
+            const ByteView checked = chunk.whole.subspan(4, 4 + chunk.data.size());
+            if (crc32(0, checked.data(), static_cast<uInt>(checked.size())) ==
+                BigEndian32(chunk.whole, kBeforeData + chunk.data.size())) {
+                found = chunk.data;
+            }
+        }
+        return found.empty();
+    });
+    return found;
+}
+
 ByteBuffer FindPngExifText(ByteView file) {
     constexpr std::string_view kBlockSignature("Exif\0\0", 6);
     constexpr std::size_t kLargest = std::size_t{1}

@@ -24,6 +24,9 @@ bool IsPngCutShort(ByteView file);
 // none.
 ByteView FindPngChunk(ByteView file, std::string_view name, std::string_view begin);
 
+// What the first chunk of a name holds whose check sum is right; empty where there is none.
+ByteView FindSoundPngChunk(ByteView file, std::string_view name);
+
 // The EXIF block that some programs write as a text in hexadecimal numbers; empty where there is none.
 ByteBuffer FindPngExifText(ByteView file);
 

@@ -282,7 +282,7 @@ class PngDecoder {
         png_bytep exifData = nullptr;
         int orientation = 1;
         const bool hasChunk = png_get_eXIf_1(png_, info_, &exifBytes, &exifData) != 0;
-        const ByteView behindPixels = isPassedBy_ ? FindPngChunk(file_, "eXIf", "") : ByteView();
+        const ByteView behindPixels = isPassedBy_ ? FindSoundPngChunk(file_, "eXIf") : ByteView();
         const ByteBuffer exif = hasChunk               ? ByteBuffer(exifData, exifData + exifBytes)
                                 : behindPixels.empty() ? FindPngExifText(file_)
                                                        : ByteBuffer(behindPixels.begin(), behindPixels.end());

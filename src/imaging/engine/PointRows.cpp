@@ -20,8 +20,8 @@ namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
 
-// The extremes and their sum and difference: HSL on a scale of 0..255 (Smith 1978, "Color gamut transform
-// pairs"): lightness is sum / 510, chroma is spread / 255.
+// The extremes and their sum: HSL on a scale of 0..255 (Smith 1978, "Color gamut transform pairs"): lightness
+// is sum / 510.
 struct Extremes {
     float lowest;
     float highest;
@@ -30,7 +30,6 @@ struct Extremes {
         : lowest(std::min({p[0], p[1], p[2]})), highest(std::max({p[0], p[1], p[2]})) {}
 
     float Sum() const { return lowest + highest; }
-    float Spread() const { return highest - lowest; }
 };
 
 } // namespace
