@@ -3,6 +3,7 @@
 
 #include "imaging/PixelArray.h"
 #include "imaging/engine/Rounding.h"
+#include "imaging/engine/Streaming.h"
 
 #include <algorithm>
 #include <cstring>
@@ -59,13 +60,16 @@ void AddBytes(const std::uint8_t* HWY_RESTRICT row, std::size_t count, std::uint
 }
 
 void CopyRow(const std::uint8_t* HWY_RESTRICT in, std::size_t size, bool streams,
-             std::uint8_t* HWY_RESTRICT out) {
+             std::uint8_t* HWY_RESTRICT out, const std::uint8_t* next) {
     namespace hn = hwy::HWY_NAMESPACE;
     const hn::ScalableTag<std::uint8_t> bytes;
     const std::size_t lanes = hn::Lanes(bytes);
     std::size_t i = 0;
     if (streams && reinterpret_cast<std::uintptr_t>(out) % lanes == 0) {
         for (; i + lanes <= size; i += lanes) {
+            if (next != nullptr) {
+                FetchAhead(next + i);
+            }
             hn::Stream(hn::LoadU(bytes, in + i), bytes, out + i);
         }
         hwy::FlushStream();
@@ -154,8 +158,9 @@ void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums) {
     HWY_DYNAMIC_DISPATCH(AddBytes)(row, count, sums);
 }
 
-void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(CopyRow)(in, size, streams, out);
+void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out,
+             const std::uint8_t* next) {
+    HWY_DYNAMIC_DISPATCH(CopyRow)(in, size, streams, out, next);
 }
 
 void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole) {

@@ -19,8 +19,10 @@ void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t
 // sums[i] += row[i].
 void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums);
 
-// Copies into a result, past the cache where it is told to.
-void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out);
+// Copies into a result, past the cache where it is told to, and fetches a row of the picture that is read
+// next (or null) meanwhile.
+void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out,
+             const std::uint8_t* next = nullptr);
 
 // One step of a running mean over rows of `count` components: out = (whole + tip (before + entering))
 // perLength, then `entering` is added to `whole` and `leaving` taken off.
