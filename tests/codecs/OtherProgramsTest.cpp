@@ -1,28 +1,18 @@
 // Files that we wrote, read by other people's programs where the machine has them: the pixels have to be the
 // same.
+#include "JudgeFolder.h"
 #include "PictureSupport.h"
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 namespace pictorel::codecs::testing {
 namespace {
 
 class OtherPrograms : public ::testing::TestWithParam<std::string> {
   protected:
-    void SetUp() override {
-        std::string pattern = (std::filesystem::temp_directory_path() / "pictorel_judge_XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder_ = pattern;
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
     // The picture under both names. Of odd width, since rows are padded.
-    void WriteBoth(const std::string& extension, bool withAlpha) {
+    void WriteBoth(const std::string& extension, bool withAlpha) const {
         const PixelArray picture = MakePicture(61, 43, withAlpha);
-        Save("judged." + extension, Write(extension, picture));
-        Save(Right(extension), Write(Right(extension).substr(6), picture));
+        folder_.Save("judged." + extension, Write(extension, picture));
+        folder_.Save(Right(extension), Write(Right(extension).substr(6), picture));
     }
 
     // What to compare with: a file of another format.
@@ -30,17 +20,10 @@ class OtherPrograms : public ::testing::TestWithParam<std::string> {
         return extension == "png" ? "right.tif" : "right.png";
     }
 
-    int Run(const std::string& command) const {
-        return std::system(("cd '" + folder_.string() + "' && " + command + " >/dev/null 2>&1").c_str());
-    }
+    int Run(const std::string& command) const { return folder_.Run(command); }
 
   private:
-    void Save(const std::string& name, const ByteBuffer& bytes) const {
-        std::ofstream(folder_ / name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
-
-    std::filesystem::path folder_;
+    JudgeFolder folder_;
 };
 
 bool HoldsAlpha(const std::string& extension) {
