@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
 constexpr int kRowsTogether = 8;
-constexpr int kStripComponents = 1024;
+constexpr int kStripComponents = 32768;
 constexpr int kRowBlock = 32; // components
 
 int RoundedUp(int value, int unit) {
