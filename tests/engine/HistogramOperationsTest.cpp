@@ -113,36 +113,77 @@ TEST(Equalize, KeepsTheDifferencesBetweenChannels) {
     }
 }
 
-// Counting in bands must lose no pixel: an independent count of a picture large enough to be divided.
-TEST(HistogramOperations, CountAcrossBands) {
-    const PixelArray source = Random({1201, 703}, Alpha::Random, 5);
-    std::array<std::array<int, 256>, 3> counts{};
+// The values that automatic levels take to 0 and 255, of an independent count.
+struct Ends {
+    int lowest;
+    int highest;
+};
+
+Ends EndsOfChannel(const PixelArray& source, std::size_t k) {
+    std::array<int, 256> counts{};
     int total = 0;
     for (int y = 0; y < source.Height(); ++y) {
         for (int x = 0; x < source.Width(); ++x) {
             const Pixel p = At(source, x, y);
             if (p[3] != 0) {
                 ++total;
-                for (std::size_t k = 0; k < 3; ++k) {
-                    ++counts[k][p[k]];
-                }
+                ++counts[p[k]];
             }
         }
     }
-    const PixelArray result = AutoLevels(source);
-    for (std::size_t k = 0; k < 3; ++k) {
-        int lowest = 0;
-        for (int sum = counts[k][0]; sum * 200 <= total; sum += counts[k][static_cast<std::size_t>(lowest)]) {
-            ++lowest;
-        }
-        int highest = 255;
-        for (int sum = counts[k][255]; sum * 200 <= total;
-             sum += counts[k][static_cast<std::size_t>(highest)]) {
-            --highest;
-        }
-        for (int x = 0; x < source.Width(); ++x) {
-            const double exact = (At(source, x, 702)[k] - lowest) * 255.0 / (highest - lowest);
-            ASSERT_NEAR(At(result, x, 702)[k], std::clamp(exact, 0.0, 255.0), 0.5001);
+    Ends ends{0, 255};
+    for (int sum = counts[0]; sum * 200 <= total; sum += counts[static_cast<std::size_t>(ends.lowest)]) {
+        ++ends.lowest;
+    }
+    for (int sum = counts[255]; sum * 200 <= total; sum += counts[static_cast<std::size_t>(ends.highest)]) {
+        --ends.highest;
+    }
+    return ends;
+}
+
+// Large enough that the ends are found without counting every value, from rows that promise it and from rows
+// that mislead, and that they are counted on several cores.
+TEST(AutoLevels, FindsTheEndsOfLargePictures) {
+    constexpr Size kSize{1201, 903};
+    const struct {
+        const char* name;
+        PixelArray picture;
+    } kCases[] = {
+        {"noise", Random(kSize, Alpha::None, 5)},
+        {"with alpha", Random(kSize, Alpha::Random, 5)},
+        {"slope", Draw(kSize,
+                       [](int x, int y) {
+                           return Pixel{Byte(x / 5), Byte(20 + y / 5), Byte((x + y) / 9), 255};
+                       })},
+        {"rows apart", Draw(kSize,
+                            [](int x, int y) {
+                                return y % 16 == 0
+                                           ? Pixel{0, 255, 9, 255}
+                                           : Pixel{Byte(90 + x % 9), Byte(x % 256), Byte(y % 100), 255};
+                            })},
+        {"almost one value",
+         Draw(kSize,
+              [](int x, int y) {
+                  return x % 190 == 7 ? Pixel{1, Byte(y % 2), 254, 255} : Pixel{0, 1, 255, 255};
+              })},
+        {"at the edge of the share", // 0.5 % and less, 0.5 % and more of the darkest
+         Draw(kSize,
+              [](int x, int y) {
+                  const int place = y * 1201 + x;
+                  return Pixel{Byte(place < 5422 ? 3 : 200), Byte(place < 5423 ? 3 : 200),
+                               Byte(place < 5422 ? 250 : 10), 255};
+              })},
+    };
+    for (const auto& c : kCases) {
+        const PixelArray result = AutoLevels(c.picture);
+        for (std::size_t k = 0; k < 3; ++k) {
+            const auto [lowest, highest] = EndsOfChannel(c.picture, k);
+            for (int x = 0; x < kSize.width; ++x) {
+                const int before = At(c.picture, x, 702)[k];
+                const double exact =
+                    lowest < highest ? (before - lowest) * 255.0 / (highest - lowest) : before;
+                ASSERT_NEAR(At(result, x, 702)[k], std::clamp(exact, 0.0, 255.0), 0.5001) << c.name << k;
+            }
         }
     }
 }

@@ -3,6 +3,7 @@
 #include "imaging/engine/Convolution.h"
 #include "imaging/engine/DiffuseRows.h"
 #include "imaging/engine/EmbossRows.h"
+#include "imaging/engine/EndCounts.h"
 #include "imaging/engine/MotionRows.h"
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
@@ -209,6 +210,28 @@ TEST(Simd, RankRowsEqualPlainLoops) {
                 simd::JoinRow(rank, step, colour, {picture.Row(2), vectors.WritableRows(), width, false});
                 EXPECT_TRUE(SamePixels(vectors, plain)) << target << " joined, width " << width;
             }
+        }
+    });
+}
+
+TEST(Simd, CountsAtBothEnds) {
+    const EndLimits limits{{{0, 1, 2, 0},
+                            {1, 128, 255, 255},
+                            {255, 200, 3, 1},
+                            {7, 7, 7, 7},
+                            {255, 1, 0, 9},
+                            {254, 127, 129, 0},
+                            {1, 255, 30, 3},
+                            {0, 0, 0, 0}}};
+    ForEachTarget([&](const char* target) {
+        for (const int width : {1, 15, 16, 67, 5001}) { // the last counts a byte further than 255
+            const PixelArray picture = Random({width, 1});
+            EndCounts plain{};
+            EndCounts vectors{};
+            vectors[3][1] = plain[3][1] = 1000;
+            scalar::CountEnds(picture.Row(0), width, limits, plain);
+            simd::CountEnds(picture.Row(0), width, limits, vectors);
+            EXPECT_EQ(vectors, plain) << target << ", width " << width;
         }
     });
 }

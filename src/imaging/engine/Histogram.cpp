@@ -97,14 +97,14 @@ void CountRow(const Counter& counter, const std::uint8_t* row, std::size_t width
 }
 
 template <class Counter>
-std::array<Histogram, Counter::kHistograms> CountAll(const PixelArray& source) {
+std::array<Histogram, Counter::kHistograms> CountAll(const PixelArray& source, int rowStep) {
     std::array<Histogram, Counter::kHistograms> totals{};
     std::mutex mutex;
-    ForEachBand(source.Height(), source.RowBytes(), [&](int first, int end) {
+    ForEachBand(source.Height() / rowStep, source.RowBytes(), [&](int first, int end) {
         typename Counter::Counts counts{};
         Counter counter(source.Width());
         for (int y = first; y < end; ++y) {
-            const std::uint8_t* const row = source.Row(y);
+            const std::uint8_t* const row = source.Row(y * rowStep);
             counter.Begin(row, source.Width());
             CountRow(counter, row, static_cast<std::size_t>(source.Width()), source.HasAlpha(), counts);
         }
@@ -121,11 +121,11 @@ std::array<Histogram, Counter::kHistograms> CountAll(const PixelArray& source) {
 } // namespace
 
 Histogram LumaHistogram(const PixelArray& source) {
-    return CountAll<LumaCounter>(source)[0];
+    return CountAll<LumaCounter>(source, 1)[0];
 }
 
-ColourHistograms ChannelHistograms(const PixelArray& source) {
-    const auto [blue, green, red] = CountAll<ChannelCounter>(source);
+ColourHistograms ChannelHistograms(const PixelArray& source, int rowStep) {
+    const auto [blue, green, red] = CountAll<ChannelCounter>(source, rowStep);
     return {blue, green, red};
 }
 

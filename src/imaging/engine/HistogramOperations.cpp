@@ -6,6 +6,7 @@
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/PointRows.h"
 #include "imaging/engine/RowLoop.h"
+#include "imaging/engine/ValueEnds.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,31 +14,14 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr std::uint64_t kClipDivisor = 200; // 0.5 %
-
-// How many values from the beginning of the range hold together no more than the clipped share.
-template <class Iterator>
-int ClippedValues(Iterator value, std::uint64_t total) {
-    int clipped = 0;
-    for (std::uint64_t sum = *value; sum * kClipDivisor <= total && clipped < 255; sum += *++value) {
-        ++clipped;
-    }
-    return clipped;
-}
-
-// The straight line that leaves at most 0.5 % of the counted pixels below 0 and as many above 255. A picture
-// of one value (or of none) has nothing to stretch and stays.
-ByteMap StretchMap(const Histogram& histogram) {
-    const std::uint64_t total = Total(histogram);
-    if (total == 0) {
-        return IdentityMap();
-    }
-    const int lowest = ClippedValues(histogram.begin(), total);
-    const int highest = 255 - ClippedValues(histogram.rbegin(), total);
+// The straight line that takes the ends to 0 and 255. A picture of one value has nothing to stretch and
+// stays.
+ByteMap StretchMap(const ValueEnds& ends) {
+    const auto [lowest, highest] = ends;
     if (lowest >= highest) {
         return IdentityMap();
     }
-    return MakeByteMap([=](int c) { return (c - lowest) * 255.0 / (highest - lowest); });
+    return MakeByteMap([low = lowest, high = highest](int c) { return (c - low) * 255.0 / (high - low); });
 }
 
 // What full equalisation adds to each value: the count of all darker and equal pixels, spread so that the
@@ -64,13 +48,13 @@ std::array<double, 256> EqualizingChange(const Histogram& histogram) {
 } // namespace
 
 PixelArray AutoContrast(const PixelArray& source) {
-    return ApplyMap(source, StretchMap(LumaHistogram(source)));
+    const Histogram histogram = LumaHistogram(source);
+    return Total(histogram) == 0 ? source : ApplyMap(source, StretchMap(EndsOf(histogram)));
 }
 
 PixelArray AutoLevels(const PixelArray& source) {
-    const ColourHistograms histograms = ChannelHistograms(source);
-    return ApplyMaps(source,
-                     {StretchMap(histograms.blue), StretchMap(histograms.green), StretchMap(histograms.red)});
+    const auto [blue, green, red] = ChannelEnds(source);
+    return ApplyMaps(source, {StretchMap(blue), StretchMap(green), StretchMap(red)});
 }
 
 PixelArray Equalize(const PixelArray& source, double weight) {
