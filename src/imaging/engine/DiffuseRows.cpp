@@ -22,7 +22,7 @@ void ChooseSources(const Scatter& scatter, int y, std::int32_t* sources) {
         int column = x;
         int row = y;
         if (choice <= scatter.lastMoved) {
-            const std::uint32_t place = MixBits(choice);
+            const std::uint32_t place = MixOnce(choice);
             column = std::clamp(x + Displacement(place & 0xFFFF, scatter.radius), 0, scatter.lastColumn);
             row = std::clamp(y + Displacement(place >> 16, scatter.radius), 0, scatter.lastRow);
         }

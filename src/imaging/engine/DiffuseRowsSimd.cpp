@@ -19,35 +19,35 @@ using scalar::ChooseSources;
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+// Columns and rows are the lower and upper 16 bits of a lane.
 void ChooseSources(const Scatter& scatter, int y, std::int32_t* sources) {
     const RandomLanes lanes;
     const hn::RebindToSigned<RandomLanes> ints;
+    const hn::Repartition<std::int16_t, RandomLanes> shorts;
+    const hn::RebindToUnsigned<decltype(shorts)> places;
     const auto one = static_cast<int>(hn::Lanes(lanes));
-    const auto zero = hn::Zero(ints);
-    const auto lastColumn = hn::Set(ints, scatter.lastColumn);
-    const auto lastRow = hn::Set(ints, scatter.lastRow);
+    const auto both = [&](int column, int row) HWY_ATTR {
+        const auto upper = static_cast<std::uint32_t>(row) << 16;
+        return hn::BitCast(shorts, hn::Set(lanes, upper | (static_cast<std::uint32_t>(column) & 0xFFFF)));
+    };
+    const auto last = both(scatter.lastColumn, scatter.lastRow);
     const auto rowPixels = hn::Set(ints, scatter.rowPixels);
-    const auto radius = hn::Set(ints, scatter.radius);
-    const auto places = hn::Set(lanes, 2 * static_cast<std::uint32_t>(scatter.radius) + 1);
+    const auto radius = both(scatter.radius, scatter.radius);
+    const auto count = hn::Set(places, static_cast<std::uint16_t>(2 * scatter.radius + 1));
     const auto lastMoved = hn::Set(lanes, scatter.lastMoved);
     const auto randomRow = hn::Set(lanes, RandomRow(y));
-    const auto row = hn::Set(ints, y);
-    // x displaced by 16 random bits, kept in 0..last.
-    const auto displaced = [&](auto x, RandomVector random, auto last) HWY_ATTR {
-        const auto place = hn::BitCast(ints, hn::ShiftRight<16>(hn::Mul(random, places)));
-        return hn::Min(hn::Max(hn::Add(x, hn::Sub(place, radius)), zero), last);
-    };
+    const auto row = hn::Set(lanes, static_cast<std::uint32_t>(y) << 16);
     for (int x = 0; x <= scatter.lastColumn; x += one) {
         const RandomVector choice = Mixed(hn::Add(randomRow, PlacesFrom(x)));
-        const RandomVector place = Mixed(choice);
-        const auto column = hn::Add(hn::Iota(ints, 0), hn::Set(ints, x));
-        const auto low = hn::And(place, hn::Set(lanes, 0xFFFF));
-        const auto movedColumn = displaced(column, low, lastColumn);
-        const auto movedRow = displaced(row, hn::ShiftRight<16>(place), lastRow);
-        const auto isKept = hn::RebindMask(ints, hn::Gt(choice, lastMoved));
-        const auto fromColumn = hn::IfThenElse(isKept, column, movedColumn);
-        const auto fromRow = hn::IfThenElse(isKept, row, movedRow);
-        hn::StoreU(hn::Add(hn::Mul(fromRow, rowPixels), fromColumn), ints, sources + x);
+        const auto place = hn::MulHigh(hn::BitCast(places, MixedOnce(choice)), count);
+        const auto way = hn::Sub(hn::BitCast(shorts, place), radius);
+        const auto isKept = hn::Gt(choice, lastMoved);
+        const auto moved = hn::BitCast(shorts, hn::IfThenZeroElse(isKept, hn::BitCast(lanes, way)));
+        const auto columns = hn::Add(hn::Iota(lanes, 0), hn::Set(lanes, static_cast<std::uint32_t>(x)));
+        const auto reached = hn::SaturatedAdd(hn::BitCast(shorts, hn::Or(columns, row)), moved);
+        const auto inside = hn::BitCast(ints, hn::Min(hn::Max(reached, hn::Zero(shorts)), last));
+        const auto above = hn::Mul(hn::ShiftRight<16>(inside), rowPixels);
+        hn::StoreU(hn::Add(above, hn::And(inside, hn::Set(ints, 0xFFFF))), ints, sources + x);
     }
 }
 

@@ -28,6 +28,13 @@ HWY_INLINE RandomVector Mixed(RandomVector bits) {
     return hn::Xor(bits, hn::ShiftRight<16>(bits));
 }
 
+// MixOnce of every lane.
+HWY_INLINE RandomVector MixedOnce(RandomVector bits) {
+    namespace hn = hwy::HWY_NAMESPACE;
+    bits = hn::Mul(bits, hn::Set(RandomLanes(), kSecondMixer));
+    return hn::Xor(bits, hn::ShiftRight<16>(bits));
+}
+
 // What RandomAt mixes for the columns x, x + 1, ... of a row whose random bits are 0.
 HWY_INLINE RandomVector PlacesFrom(int x) {
     namespace hn = hwy::HWY_NAMESPACE;

@@ -20,6 +20,12 @@ constexpr std::uint32_t MixBits(std::uint32_t bits) noexcept {
     return bits;
 }
 
+// More bits from mixed ones.
+constexpr std::uint32_t MixOnce(std::uint32_t bits) noexcept {
+    bits *= kSecondMixer;
+    return bits ^ bits >> 16;
+}
+
 // 32 evenly spread bits for the row `y`, to be given to RandomAt.
 constexpr std::uint32_t RandomRow(int y) noexcept {
     return MixBits(static_cast<std::uint32_t>(y) + 0x6C8E9CF5U);
