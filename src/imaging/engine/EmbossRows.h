@@ -32,7 +32,8 @@ struct ReliefRow {
     const std::uint8_t* in;
     std::uint8_t* out; // begins on a 64-byte boundary
     int width;
-    bool streams; // past the cache
+    bool streams;                        // past the cache
+    const std::uint8_t* ahead = nullptr; // pixels that are read soon, fetched meanwhile; or null
 };
 
 // `luma` has room for a multiple of 16, like the rows of all the others; so have pixel rows. Each product

@@ -89,7 +89,7 @@ void MakeRelief(const ReliefRow& row) {
     const FourRows light = row.light;
     const FourRows shade = row.shade;
     const auto lanes = static_cast<int>(hn::Lanes(floats));
-    const RowWriter writer(row.out, row.streams);
+    const RowWriter writer(row.out, row.streams, row.ahead);
     for (int x = 0; x < row.width; x += lanes) {
         const auto slope = hn::Sub(lightWeights.SumOf(wides, light, x), shadeWeights.SumOf(wides, shade, x));
         const auto levels = hn::ConvertTo(floats, hn::PromoteTo(lumas, slope));

@@ -173,8 +173,9 @@ void FilterTile(Rank rank, const PixelArray& source, const Square& square, const
             outer = FindColumns(rank, scratch.reach, area, y, square.radius + 1, scratch.outer);
         }
         const auto finish = [&](int finished, std::uint8_t* innerRow, std::uint8_t* outerRow) {
+            const int ahead = std::min(finished + square.Margin() + kRowsAhead, source.Height() - 1);
             const RankRow row{source.Row(finished) + offset, rows + finished * result.Stride() + offset,
-                              area.width, streams};
+                              area.width, streams, source.Row(ahead) + offset};
             if (square.outerShare == 0) {
                 simd::JoinRow(rank, inner.step, innerRow, row);
                 return;

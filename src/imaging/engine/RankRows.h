@@ -27,6 +27,7 @@ struct RankRow {
     std::uint8_t* out;         // begins on a 64-byte boundary, room for the last 64 bytes begun
     int width;
     bool streams;
+    const std::uint8_t* ahead = nullptr; // of the picture, fetched meanwhile; or null
 };
 
 // The share of the outer square in a mix of two, in 1/2^15.

@@ -3,8 +3,10 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/RankRowsSimd.cpp"
-#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
+// After foreach_target.h, which includes this file once for each kind of vectors.
+#include "imaging/engine/RowWriter-inl.h"
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -121,16 +123,12 @@ void WriteRow(const RankRow& row, const ColourAt& colourAt) {
     const Bytes bytes;
     const auto isAlpha = hn::BitCast(bytes, hn::Set(hn::ScalableTag<std::uint32_t>(), 0xFF000000U));
     const std::size_t count = 4 * static_cast<std::size_t>(row.width);
+    const RowWriter writer(row.out, row.streams, row.ahead);
     for (std::size_t i = 0; i < count; i += hn::Lanes(bytes)) {
         const auto alpha = hn::And(isAlpha, hn::LoadU(bytes, row.alpha + i));
         const auto pixels = hn::Or(hn::AndNot(isAlpha, colourAt(i)), alpha);
-        if (row.streams) {
-            hn::Stream(pixels, bytes, row.out + i);
-        } else {
-            hn::Store(pixels, bytes, row.out + i);
-        }
+        writer.Write(pixels, i);
     }
-    hwy::FlushStream();
 }
 
 void JoinRow(Rank rank, const WindowStep& step, const std::uint8_t* colour, const RankRow& row) {

@@ -6,6 +6,8 @@
 #define PICTOREL_ROW_WRITER_INL_H
 #endif
 
+#include "imaging/engine/Streaming.h"
+
 #include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
@@ -22,7 +24,9 @@ using RowBytes = hwy::HWY_NAMESPACE::Vec<hwy::HWY_NAMESPACE::ScalableTag<std::ui
 class RowWriter {
   public:
     RowWriter(std::uint8_t* out, int width) : RowWriter(out, width >= kStreamedWidth) {}
-    RowWriter(std::uint8_t* out, bool streams) : out_(out), streams_(streams) {}
+    // `ahead`: a row of the picture that is read soon, fetched meanwhile; or null.
+    RowWriter(std::uint8_t* out, bool streams, const std::uint8_t* ahead = nullptr)
+        : out_(out), ahead_(ahead), streams_(streams) {}
     ~RowWriter() {
         if (streams_) {
             hwy::FlushStream();
@@ -34,6 +38,9 @@ class RowWriter {
     HWY_INLINE void Write(RowBytes pixels, std::size_t at) const {
         namespace hn = hwy::HWY_NAMESPACE;
         const hn::ScalableTag<std::uint8_t> bytes;
+        if (ahead_ != nullptr) {
+            FetchAhead(ahead_ + at);
+        }
         if (streams_) {
             hn::Stream(pixels, bytes, out_ + at);
         } else {
@@ -45,6 +52,7 @@ class RowWriter {
     static constexpr int kStreamedWidth = 2048;
 
     std::uint8_t* out_;
+    const std::uint8_t* ahead_;
     bool streams_;
 };
 

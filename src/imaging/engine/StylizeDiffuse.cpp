@@ -43,7 +43,8 @@ PixelArray Scattered(const PixelArray& source, int radius, double percent) {
         for (int y = first; y < end; ++y) {
             simd::ChooseSources(scatter, y, sources.data());
             TakePixels(pixels, sources.data(), result.Width(), row.data());
-            CopyRow(row.data(), row.size(), streams, rows + y * result.Stride());
+            const int ahead = std::min(y + scatter.radius + kRowsAhead, scatter.lastRow);
+            CopyRow(row.data(), row.size(), streams, rows + y * result.Stride(), source.Row(ahead));
         }
     });
     return result;

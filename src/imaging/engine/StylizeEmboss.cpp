@@ -156,6 +156,7 @@ PixelArray Emboss(const PixelArray& source, double degrees, int height, double a
         (static_cast<int>(std::ceil(std::abs(shiftX))) + kTaps + kVector - 1) / kVector * kVector;
     const bool streams = IsStreamed(result);
     constexpr int kStripWidth = 8192; // mostly whole rows, which the processor fetches ahead
+    const int rowsAhead = std::max(lightDown.first, shadeDown.first) + kTaps + kRowsAhead;
     ForEachStrip(BoundsOf(source), kStripWidth, [&](const TileArea& area) {
         LumaRing luma(source, area.left - reach, area.width + 2 * reach);
         ShiftedRows light(luma, area.left, area.width, lightAcross, lightDown);
@@ -164,7 +165,8 @@ PixelArray Emboss(const PixelArray& source, double degrees, int height, double a
         for (int y = area.top; y < area.top + area.height; ++y) {
             simd::MakeRelief({light.At(y), shade.At(y), light.Weights(), shade.Weights(), gain,
                               source.Row(y) + offset, rows + y * result.Stride() + offset, area.width,
-                              streams});
+                              streams,
+                              source.Row(std::clamp(y + rowsAhead, 0, source.Height() - 1)) + offset});
         }
     });
     return result;

@@ -140,8 +140,8 @@ PixelArray WholeBlocks(const PixelArray& source, int size) {
             const int height = std::min(size, source.Height() - top);
             FillBlockRow(source, size, top, height, sums, blocks.data());
             for (int y = top; y < top + height; ++y) {
-                const int next = std::min(y + height, source.Height() - 1);
-                CopyRow(blocks.data(), blocks.size(), streams, rows + y * result.Stride(), source.Row(next));
+                const int ahead = std::min(y + height, source.Height() - 1);
+                CopyRow(blocks.data(), blocks.size(), streams, rows + y * result.Stride(), source.Row(ahead));
             }
         }
     });

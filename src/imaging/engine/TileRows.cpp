@@ -60,15 +60,15 @@ void AddBytes(const std::uint8_t* HWY_RESTRICT row, std::size_t count, std::uint
 }
 
 void CopyRow(const std::uint8_t* HWY_RESTRICT in, std::size_t size, bool streams,
-             std::uint8_t* HWY_RESTRICT out, const std::uint8_t* next) {
+             std::uint8_t* HWY_RESTRICT out, const std::uint8_t* ahead) {
     namespace hn = hwy::HWY_NAMESPACE;
     const hn::ScalableTag<std::uint8_t> bytes;
     const std::size_t lanes = hn::Lanes(bytes);
     std::size_t i = 0;
     if (streams && reinterpret_cast<std::uintptr_t>(out) % lanes == 0) {
         for (; i + lanes <= size; i += lanes) {
-            if (next != nullptr) {
-                FetchAhead(next + i);
+            if (ahead != nullptr) {
+                FetchAhead(ahead + i);
             }
             hn::Stream(hn::LoadU(bytes, in + i), bytes, out + i);
         }
@@ -159,8 +159,8 @@ void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums) {
 }
 
 void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out,
-             const std::uint8_t* next) {
-    HWY_DYNAMIC_DISPATCH(CopyRow)(in, size, streams, out, next);
+             const std::uint8_t* ahead) {
+    HWY_DYNAMIC_DISPATCH(CopyRow)(in, size, streams, out, ahead);
 }
 
 void AddToMean(const std::uint8_t* row, int count, bool hasAlpha, std::int32_t* whole) {

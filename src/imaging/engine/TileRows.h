@@ -20,9 +20,9 @@ void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t
 void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums);
 
 // Copies into a result, past the cache where it is told to, and fetches a row of the picture that is read
-// next (or null) meanwhile.
+// soon (or null) meanwhile.
 void CopyRow(const std::uint8_t* in, std::size_t size, bool streams, std::uint8_t* out,
-             const std::uint8_t* next = nullptr);
+             const std::uint8_t* ahead = nullptr);
 
 // One step of a running mean over rows of `count` components: out = (whole + tip (before + entering))
 // perLength, then `entering` is added to `whole` and `leaving` taken off.
