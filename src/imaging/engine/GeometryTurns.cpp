@@ -32,9 +32,11 @@ PixelArray Turned(const PixelArray& source, const std::uint8_t* start, std::ptrd
     const auto turnTile = [=](int left, int right, int top, int bottom) {
         const bool isUpwards = alongColumn < 0; // then the tile begins with its last row
         const int first = isUpwards ? bottom - 1 : top;
-        simd::Transpose({start + left * alongRow + first * alongColumn, alongRow,
-                         rows + first * stride + left * kPixelBytes, isUpwards ? -stride : stride,
-                         right - left, bottom - top, streams});
+        const std::uint8_t* const from = start + left * alongRow + first * alongColumn;
+        const std::uint8_t* const ahead =
+            right + kTileWidth <= width ? from + kTileWidth * alongRow : nullptr;
+        simd::Transpose({from, alongRow, rows + first * stride + left * kPixelBytes,
+                         isUpwards ? -stride : stride, right - left, bottom - top, streams, ahead});
     };
     const int tileRows = (height + kTileHeight - 1) / kTileHeight;
     ForEachBand(tileRows, 2 * kTileHeight * result.RowBytes(), [&](int first, int end) {

@@ -16,6 +16,7 @@ struct TurnTile {
     int height;
     bool
         streams; // past the cache; `to` and `toStep` are then multiples of 16, and EndStreaming() must follow
+    const std::uint8_t* ahead = nullptr; // where the next tile is read from, fetched meanwhile; or null
 };
 
 // MirrorRow: `out`, a row of a PixelArray, becomes the `width` pixels at `in` from the last to the first.

@@ -23,6 +23,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr std::ptrdiff_t kPixelBytes = 4;
 constexpr int kSide = 4;
+constexpr int kLinePixels = kSide * kSide; // of a line of the cache
 constexpr hn::FixedTag<std::uint8_t, kSide * kPixelBytes> kBytes;
 constexpr hn::FixedTag<std::uint32_t, kSide> kPixels;
 constexpr hn::FixedTag<std::uint64_t, kSide / 2> kPairs;
@@ -57,6 +58,11 @@ template <bool kStreams>
 void TransposeSquares(const TurnTile& tile, int width, int height) {
     for (int y = 0; y < height; y += kSide) {
         for (int x = 0; x < width; x += kSide) {
+            if (tile.ahead !=
+                nullptr) { // each square fetches a line: four, one below another, their four rows
+                const int row = x + y / kSide % kSide;
+                FetchAhead(tile.ahead + row * tile.fromStep + y / kLinePixels * kLinePixels * kPixelBytes);
+            }
             TransposeSquare<kStreams>(tile.from + x * tile.fromStep + y * kPixelBytes, tile.fromStep,
                                       tile.to + y * tile.toStep + x * kPixelBytes, tile.toStep);
         }
