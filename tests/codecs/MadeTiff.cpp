@@ -80,10 +80,9 @@ std::uint64_t SampleBits(const TiffRecipe& recipe, int level) {
     }
     const std::uint64_t largest = UINT64_MAX >> (64 - recipe.bits);
     const auto part = static_cast<std::uint64_t>(level);
-    const std::uint64_t value = recipe.bits <= 8 || index ? part & largest
-                                : recipe.bits == 64       ? largest / 255 * part
-                                                          : (part * largest + 127) / 255;
-    return recipe.format == SAMPLEFORMAT_INT ? value ^ std::uint64_t{1} << (recipe.bits - 1) : value;
+    return recipe.bits <= 8 || index ? part & largest
+           : recipe.bits == 64       ? largest / 255 * part
+                                     : (part * largest + 127) / 255;
 }
 
 // Samples of 16, 32 and 64 bits in the machine's order, 24 bits and others as the file has them.

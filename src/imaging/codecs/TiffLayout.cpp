@@ -52,16 +52,17 @@ Value Field(TIFF* handle, std::uint32_t tag, Value fallback = {}) {
     return TIFFGetFieldDefaulted(handle, tag, &value) != 0 ? value : fallback;
 }
 
-TiffNumber NumberKind(TIFF* handle, int bits) {
+// Pictures whose samples are declared signed are shown as if they were not: that is what they hold when
+// programs for pictures wrote them, and how those read them.
+bool HasFloats(TIFF* handle, int bits) {
     switch (Field<std::uint16_t>(handle, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT)) {
         case SAMPLEFORMAT_UINT:
-        case SAMPLEFORMAT_VOID:
-            return TiffNumber::Unsigned;
         case SAMPLEFORMAT_INT:
-            return TiffNumber::Signed;
+        case SAMPLEFORMAT_VOID:
+            return false;
         case SAMPLEFORMAT_IEEEFP:
             if (bits == 16 || bits == 24 || bits == 32 || bits == 64) {
-                return TiffNumber::Float;
+                return true;
             }
             break;
         default:
@@ -76,7 +77,7 @@ void ReadSamples(TIFF* handle, TiffLayout& layout) {
     if (layout.bits < 1 || layout.bits > 64 || layout.samples < 1 || layout.samples > kMostSamples) {
         Refuse("TIFF files with samples of this size are not supported.");
     }
-    layout.number = NumberKind(handle, layout.bits);
+    layout.floats = HasFloats(handle, layout.bits);
     double lowest = 0;
     double highest = 0;
     if (TIFFGetField(handle, TIFFTAG_SMINSAMPLEVALUE, &lowest) != 0 &&
@@ -117,11 +118,8 @@ void ReadColour(TIFF* handle, TiffLayout& layout) {
     const bool lab = layout.colour == TiffColour::Lab || layout.colour == TiffColour::IccLab;
     if ((lab && layout.bits != 8 && layout.bits != 16) ||
         (layout.colour == TiffColour::Palette && layout.bits > 16) ||
-        ((lab || layout.colour == TiffColour::Palette) && layout.number == TiffNumber::Float)) {
+        ((lab || layout.colour == TiffColour::Palette) && layout.floats)) {
         Refuse("TIFF files with samples of this size in this kind of colour are not supported.");
-    }
-    if (lab || layout.colour == TiffColour::Palette) {
-        layout.number = TiffNumber::Unsigned; // the signs of a* and b* are part of the kind of colour
     }
     if (layout.colour == TiffColour::Cmyk &&
         Field<std::uint16_t>(handle, TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK &&

@@ -12,8 +12,6 @@
 
 namespace pictorel::codecs {
 
-enum class TiffNumber { Unsigned, Signed, Float };
-
 enum class TiffColour { Grey, Rgb, Palette, Cmyk, Lab, IccLab };
 
 enum class TiffAlpha {
@@ -29,10 +27,10 @@ struct TiffLayout {
     int orientation = 1;
     std::uint16_t compression = 1;
 
-    int bits = 1;    // a sample
-    int samples = 1; // a pixel, in the file
-    TiffNumber number = TiffNumber::Unsigned;
-    double lowest = 0; // of floating-point samples
+    int bits = 1;        // a sample
+    int samples = 1;     // a pixel, in the file
+    bool floats = false; // whether samples are floating-point numbers
+    double lowest = 0;   // of those
     double highest = 1;
 
     TiffColour colour = TiffColour::Grey;

@@ -110,11 +110,6 @@ double LoadFloat(const std::uint8_t* at, int bytes) noexcept {
     }
 }
 
-// The lowest signed number becomes 0.
-std::uint64_t SignMask(const TiffLayout& layout) noexcept {
-    return layout.number == TiffNumber::Signed ? std::uint64_t{1} << (layout.bits - 1) : 0;
-}
-
 // What the samples of a whole number of bytes look like decides the reader.
 void ReadWords(const TiffLayout& /*layout*/, const std::uint8_t* row, std::uint16_t* out, int count,
                int step) {
@@ -126,9 +121,8 @@ void ReadWords(const TiffLayout& /*layout*/, const std::uint8_t* row, std::uint1
 void ReadIntegers(const TiffLayout& layout, const std::uint8_t* row, std::uint16_t* out, int count,
                   int step) {
     const int bytes = layout.bits / 8;
-    const std::uint64_t mask = SignMask(layout);
     for (int i = 0; i < count; ++i, row += bytes, out += step) {
-        *out = To16(LoadInteger(row, bytes) ^ mask, layout.bits);
+        *out = To16(LoadInteger(row, bytes), layout.bits);
     }
 }
 
@@ -141,10 +135,9 @@ void ReadFloats(const TiffLayout& layout, const std::uint8_t* row, std::uint16_t
 
 void ReadBits(const TiffLayout& layout, const std::uint8_t* row, std::uint16_t* out, int count, int step) {
     BitReader bits(row);
-    const std::uint64_t mask = SignMask(layout);
     const bool index = layout.colour == TiffColour::Palette;
     for (int i = 0; i < count; ++i, out += step) {
-        const std::uint64_t value = bits.Next(layout.bits) ^ mask;
+        const std::uint64_t value = bits.Next(layout.bits);
         *out = index ? static_cast<std::uint16_t>(value) : To16(value, layout.bits);
     }
 }
@@ -156,16 +149,14 @@ TiffSamples::Reader TiffSamples::ReaderFor(const TiffLayout& layout) {
     if (!whole) {
         return ReadBits;
     }
-    if (layout.number == TiffNumber::Float) {
+    if (layout.floats) {
         return ReadFloats;
     }
-    return layout.bits == 16 && layout.number == TiffNumber::Unsigned ? ReadWords : ReadIntegers;
+    return layout.bits == 16 ? ReadWords : ReadIntegers;
 }
 
 TiffSamples::TiffSamples(const TiffLayout& layout)
-    : layout_(layout),
-      narrow_(layout.bits <= 8 && layout.number == TiffNumber::Unsigned),
-      reader_(ReaderFor(layout)) {}
+    : layout_(layout), narrow_(layout.bits <= 8), reader_(ReaderFor(layout)) {}
 
 void TiffSamples::Unpack(const std::uint8_t* row, std::uint8_t* out, int count, int step) const {
     if (layout_.bits == 8) {
