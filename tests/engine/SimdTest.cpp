@@ -425,7 +425,17 @@ TEST(Simd, FixedPointRowsEqualPlainLoops) {
             expectSame(scalar::SumRowsFixed, simd::SumRowsFixed, byteRows, kCount, std::int16_t{});
             expectSame(scalar::SumPremultipliedRows, simd::SumPremultipliedRows, premultipliedRows, kCount,
                        std::int16_t{});
-            expectSame(scalar::SumSumsFixed, simd::SumSumsFixed, sumRows, kCount - 4, std::uint8_t{});
+            PixelArray plain(kCount / 4, 1);
+            for (const bool streams : {false, true}) {
+                PixelArray vectors(kCount / 4, 1);
+                scalar::SumSumsFixed(sumRows, taps, weights.Bits(), kCount - 4, streams,
+                                     plain.WritableRows());
+                simd::SumSumsFixed(sumRows, taps, weights.Bits(), kCount - 4, streams,
+                                   vectors.WritableRows());
+                EXPECT_TRUE(SamePixels(Crop(vectors, 0, 0, {kCount / 4 - 1, 1}),
+                                       Crop(plain, 0, 0, {kCount / 4 - 1, 1})))
+                    << target << " " << lengths.from << " to " << lengths.to;
+            }
         });
     }
     ForEachTarget([&](const char* target) {

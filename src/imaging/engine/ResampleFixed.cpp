@@ -4,6 +4,7 @@
 #include "imaging/engine/ResampleFixed.h"
 
 #include "imaging/ForEachBand.h"
+#include "imaging/engine/Streaming.h"
 
 #include <algorithm>
 
@@ -136,6 +137,7 @@ class EnlargedBand {
           columns_(columns),
           sourceStride_(RoundedUp(source.Width() * kComponents, kRowBlock) + kRowBlock),
           stride_(columns.Length() * kComponents),
+          streams_(IsStreamed(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(rows.Length()))),
           paired_(static_cast<std::size_t>(sourceStride_) * kGroup) {
         int mostTaps = 0;
         for (int row = 0; row < rows.Length(); ++row) {
@@ -152,7 +154,7 @@ class EnlargedBand {
             for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
                 lines_.push_back(Widened(std::min(taps.first + i, source_.Height() - 1)));
             }
-            simd::SumSumsFixed(lines_, taps.weights, rows_.Bits(), static_cast<int>(stride_), to);
+            simd::SumSumsFixed(lines_, taps.weights, rows_.Bits(), static_cast<int>(stride_), streams_, to);
         }
     }
 
@@ -186,6 +188,7 @@ class EnlargedBand {
     const FixedWeights& columns_;
     std::ptrdiff_t sourceStride_;
     std::ptrdiff_t stride_;
+    bool streams_;
     std::vector<std::int16_t> paired_;
     std::vector<std::int16_t> ring_;
     std::vector<int> heldGroups_; // which is in which place
@@ -218,7 +221,7 @@ PixelArray ResampleFixed(const PixelArray& source, const AxisWeights& columns, c
     }
     if (rows.Length() > source.Height()) {
         return MadeInBands<EnlargedBand>(source, {columns, Use::Columns, kMostColumnBits},
-                                         {rows, Use::Rows, kMostColumnBits});
+                                         {rows, Use::Rows, kRoundedBits});
     }
     return MadeInBands<OpaqueBand>(source, {columns, Use::Columns, kMostColumnBits},
                                    {rows, Use::Rows, kMostRowBits});

@@ -52,6 +52,7 @@ inline constexpr int kMostRowBits = 22;    // sums of bytes stay below 2^31
 inline constexpr int kMostColumnBits = 16; // and so do those of what the rows were summed to
 inline constexpr int kMostWideBits = 15;   // and those of premultiplied components
 inline constexpr int kSumFraction = 6;     // bits of a sum of bytes below 1
+inline constexpr int kRoundedBits = 15;    // that are left out of products of sums
 
 // Premultiplied components are colour times alpha and alpha times 255, less this. Their sums over rows are
 // kept in halves, less half of this, which leaves room for what overshoots.
@@ -72,7 +73,9 @@ struct PairedRows {
 //     are readable that far) sums go to `to`, paired.
 // SumColumnsFixed: result rows of columns.Length() pixels, from as many paired ones.
 // SumColumnsToSums: the same, not yet rounded to bytes.
-// SumSumsFixed: pixels from rows that were made so.
+// SumSumsFixed: pixels from rows that were made so, past the cache where `streams`. Weights have up to 15
+//     bits, and each product is rounded to 2^-kSumFraction, so that all of it stays in 16 bits; `to` begins
+//     on a 64-byte boundary.
 // Premultiply: `count` components (a multiple of 32).
 // SumPremultipliedRows: as SumRowsFixed, of premultiplied rows.
 // SumPremultipliedColumns: result rows of that.
@@ -84,7 +87,7 @@ void SumColumnsFixed(const PairedRows& from, const FixedWeights& columns, std::u
 void SumColumnsToSums(const PairedRows& from, const FixedWeights& columns, std::int16_t* to,
                       std::ptrdiff_t toStride);
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
-                  int components, std::uint8_t* to);
+                  int components, bool streams, std::uint8_t* to);
 void Premultiply(const std::uint8_t* pixels, int count, std::int16_t* to);
 void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights,
                           int bits, int components, std::int16_t* to);
@@ -99,7 +102,7 @@ void SumColumnsFixed(const PairedRows& from, const FixedWeights& columns, std::u
 void SumColumnsToSums(const PairedRows& from, const FixedWeights& columns, std::int16_t* to,
                       std::ptrdiff_t toStride);
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
-                  int components, std::uint8_t* to);
+                  int components, bool streams, std::uint8_t* to);
 void Premultiply(const std::uint8_t* pixels, int count, std::int16_t* to);
 void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights,
                           int bits, int components, std::int16_t* to);

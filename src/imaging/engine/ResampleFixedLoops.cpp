@@ -120,9 +120,14 @@ void SumRowsFixed(std::span<const std::uint8_t* const> rows, std::span<const std
 }
 
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
-                  int components, std::uint8_t* to) {
+                  int components, bool /*streams*/, std::uint8_t* to) {
+    const int fraction = bits + kSumFraction - kRoundedBits;
     for (int c = 0; c < components; ++c) {
-        to[c] = ClampToByte(SumOfRows(rows, weights, c, bits + kSumFraction));
+        int sum = 1 << (fraction - 1);
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            sum += (rows[i][c] * weights[i] + (1 << (kRoundedBits - 1))) >> kRoundedBits;
+        }
+        to[c] = ClampToByte(sum >> fraction);
     }
 }
 

@@ -8,6 +8,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/ResampleFixedSimd.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -175,10 +176,10 @@ HWY_INLINE void SumWideRows(std::span<const std::int16_t* const> rows, std::span
     }
 }
 
-// The same for all whole vectors of `components`; returns where the rest begins.
+// The same for all vectors of `components`.
 template <class Store>
-HWY_INLINE int SumAllWideRows(std::span<const std::int16_t* const> rows,
-                              std::span<const std::int16_t> weights, int components, const Store& store) {
+HWY_INLINE void SumAllWideRows(std::span<const std::int16_t* const> rows,
+                               std::span<const std::int16_t> weights, int components, const Store& store) {
     constexpr int kTogether = 4;
     const int lanes = static_cast<int>(hn::Lanes(Shorts()));
     int c = 0;
@@ -188,7 +189,6 @@ HWY_INLINE int SumAllWideRows(std::span<const std::int16_t* const> rows,
     for (; c + lanes <= components; c += lanes) {
         SumWideRows<1>(rows, weights, c, store);
     }
-    return c;
 }
 
 void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights,
@@ -198,20 +198,54 @@ void SumPremultipliedRows(std::span<const std::int16_t* const> rows, std::span<c
     });
 }
 
+// Pixels of 2 kPairs vectors of components, summed in 16 bits, are given to store(offset, bytes).
+template <int kPairs, class Store>
+HWY_INLINE void SumProducts(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights,
+                            int fraction, int offset, const Store& store) {
+    const Shorts shorts;
+    const hn::Half<Bytes> half;
+    const auto lanes = static_cast<std::ptrdiff_t>(hn::Lanes(shorts));
+    ShortVector sums[2 * kPairs];
+    for (ShortVector& sum : sums) {
+        sum = hn::Set(shorts, static_cast<std::int16_t>(1 << (fraction - 1)));
+    }
+    for (std::size_t i = 0; i < weights.size(); ++i) {
+        const auto weight = hn::Set(shorts, weights[i]);
+        const std::int16_t* const row = rows[i] + offset;
+        for (int k = 0; k < 2 * kPairs; ++k) {
+            sums[k] = hn::Add(sums[k], hn::MulFixedPoint15(hn::LoadU(shorts, row + k * lanes), weight));
+        }
+    }
+    const auto pixels = [=](ShortVector sum)
+                            HWY_ATTR { return hn::DemoteTo(half, hn::ShiftRightSame(sum, fraction)); };
+    for (int k = 0; k < kPairs; ++k) {
+        store(offset + 2 * k * static_cast<int>(lanes),
+              hn::Combine(Bytes(), pixels(sums[2 * k + 1]), pixels(sums[2 * k])));
+    }
+}
+
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
-                  int components, std::uint8_t* to) {
-    const hn::Half<Bytes> bytes;
-    const int shift = bits + kSumFraction;
-    const int done = SumAllWideRows(rows, weights, components, [=](int c, const WideSums& sums) HWY_ATTR {
-        const auto sum =
-            hn::ReorderDemote2To(Shorts(), Reduced(sums.lower, shift), Reduced(sums.upper, shift));
-        hn::StoreU(hn::DemoteTo(bytes, sum), bytes, to + c);
-    });
+                  int components, bool streams, std::uint8_t* to) {
+    const Bytes bytes;
+    const int fraction = bits + kSumFraction - kRoundedBits;
+    const auto store = [=](int offset, ByteVector pixels) HWY_ATTR {
+        streams ? hn::Stream(pixels, bytes, to + offset) : hn::Store(pixels, bytes, to + offset);
+    };
+    constexpr int kPairs = 4;
+    const int one = static_cast<int>(hn::Lanes(bytes));
+    int c = 0;
+    for (; c + kPairs * one <= components; c += kPairs * one) {
+        SumProducts<kPairs>(rows, weights, fraction, c, store);
+    }
+    for (; c + one <= components; c += one) {
+        SumProducts<1>(rows, weights, fraction, c, store);
+    }
+    hwy::FlushStream();
     std::vector<const std::int16_t*> rest(rows.begin(), rows.end());
     for (const std::int16_t*& row : rest) {
-        row += done;
+        row += c;
     }
-    scalar::SumSumsFixed(rest, weights, bits, components - done, to + done);
+    scalar::SumSumsFixed(rest, weights, bits, components - c, streams, to + c);
 }
 
 void Premultiply(const std::uint8_t* pixels, int count, std::int16_t* to) {
@@ -367,8 +401,8 @@ void SumColumnsToSums(const PairedRows& from, const FixedWeights& columns, std::
 }
 
 void SumSumsFixed(std::span<const std::int16_t* const> rows, std::span<const std::int16_t> weights, int bits,
-                  int components, std::uint8_t* to) {
-    HWY_DYNAMIC_DISPATCH(SumSumsFixed)(rows, weights, bits, components, to);
+                  int components, bool streams, std::uint8_t* to) {
+    HWY_DYNAMIC_DISPATCH(SumSumsFixed)(rows, weights, bits, components, streams, to);
 }
 
 void Premultiply(const std::uint8_t* pixels, int count, std::int16_t* to) {

@@ -12,8 +12,12 @@ namespace pictorel::engine {
 // reading its lines first. A smaller one (a preview's copy) is read right away and must stay.
 inline constexpr std::size_t kStreamedBytes = std::size_t{8} << 20;
 
+inline bool IsStreamed(std::size_t resultBytes) noexcept {
+    return resultBytes > kStreamedBytes;
+}
+
 inline bool IsStreamed(const PixelArray& result) noexcept {
-    return result.RowBytes() * static_cast<std::size_t>(result.Height()) > kStreamedBytes;
+    return IsStreamed(result.RowBytes() * static_cast<std::size_t>(result.Height()));
 }
 
 // Asks for the cache line at `pixels`, which is read soon, into the second-level cache. Processors fetch
