@@ -51,6 +51,18 @@ TEST(RoundTrip, GivesTheSamePixelsAtAnyResolution) {
     }
 }
 
+// A sheet of metres, whose length in units an inch is far from a whole number.
+TEST(RoundTrip, GivesTheSamePixelsOnAVeryLongSheet) {
+    for (const Codec& codec : MetafileCodecs()) {
+        PixelArray picture = MakePicture(1, 31336);
+        Metadata details;
+        details.dotsPerInchX = 7.38462;
+        details.dotsPerInchY = 96;
+        picture.SetDetails(details);
+        EXPECT_TRUE(SamePixels(picture, Read(codec.write(picture, {})))) << codec.name;
+    }
+}
+
 TEST(RoundTrip, LaysTransparencyOverWhite) {
     PixelArray picture = MakePicture(2, 1, true);
     std::uint8_t* const pixels = picture.WritableRows();

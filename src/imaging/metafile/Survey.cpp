@@ -8,7 +8,8 @@ namespace pictorel::metafile {
 void Survey::Note(const QRectF& area) {
     constexpr double kPerNote = 100;
     Spend(kPerNote);
-    const QRectF reached = area & QRectF(Bounds());
+    constexpr double kFurthest = 1 << 22; // the longest sheet, of one unit an inch
+    const QRectF reached = area & QRectF(-kFurthest, -kFurthest, 2 * kFurthest, 2 * kFurthest);
     extents_ = extents_.isNull() ? reached : extents_ | reached;
 }
 
