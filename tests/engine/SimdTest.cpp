@@ -4,6 +4,7 @@
 #include "imaging/engine/DiffuseRows.h"
 #include "imaging/engine/EmbossRows.h"
 #include "imaging/engine/EndCounts.h"
+#include "imaging/engine/Filters.h"
 #include "imaging/engine/MotionRows.h"
 #include "imaging/engine/NoiseRows.h"
 #include "imaging/engine/PointRows.h"
@@ -20,6 +21,7 @@
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <optional>
 
 namespace pictorel::engine::test {
 namespace {
@@ -606,19 +608,32 @@ TEST(Simd, SumsOfPairsEqualPlainLoops) {
     std::vector<WeightedPair> pairs;
     for (int left = 65536; left > 0;) {
         const int weight = std::min<int>(left, static_cast<int>(generator() % 9000) + 1);
-        pairs.push_back({in.data() + generator() % 2000, in.data() + generator() % 2000,
-                         static_cast<std::int16_t>(weight)});
+        pairs.push_back({static_cast<std::ptrdiff_t>(generator() % 1000), static_cast<std::int16_t>(weight)});
         left -= weight;
     }
     ForEachTarget([&](const char* target) {
         for (const std::size_t count : {4U, 20U, 68U, 400U}) {
             std::vector<WideComponent> plain(count);
             std::vector<WideComponent> vectors(count);
-            scalar::SumPairs(pairs, count, plain.data());
-            simd::SumPairs(pairs, count, vectors.data());
+            scalar::SumPairs(in.data() + 1000, pairs, count, plain.data());
+            simd::SumPairs(in.data() + 1000, pairs, count, vectors.data());
             EXPECT_EQ(vectors, plain) << target << " count " << count;
         }
     });
+}
+
+TEST(Simd, SlantedMotionIsTheSameOnEveryProcessor) {
+    for (const int width : {1, 15, 64, 131, 643}) {
+        for (const Alpha alpha : {Alpha::None, Alpha::Random}) {
+            const PixelArray source = Random({width, 70}, alpha);
+            std::optional<PixelArray> first;
+            ForEachTarget([&](const char* target) {
+                const PixelArray result = MotionBlur(source, 30, 12.5);
+                EXPECT_TRUE(SamePixels(result, first.value_or(result))) << target << " width " << width;
+                first = result;
+            });
+        }
+    }
 }
 
 TEST(Simd, EmbossingEqualsPlainLoops) {

@@ -4,9 +4,11 @@
 #include "imaging/engine/MotionRows.h"
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/Streaming.h"
+#include "imaging/engine/TileRows.h"
 #include "imaging/engine/Tiles.h"
 #include "imaging/engine/TurnTile.h"
 
+#include <array>
 #include <cmath>
 #include <map>
 #include <numbers>
@@ -159,41 +161,85 @@ std::vector<Tap> TapsOf(const Line& line, double degrees) {
     return taps;
 }
 
+// What a line crosses stays in the cache: of a tile in the second one, of a strip of it in the first.
+constexpr int kTileWidth = 512;
+constexpr int kTileHeight = 64;
+constexpr int kStripWidth = 128;
+
 struct LineScratch {
+    std::vector<std::uint8_t> pixels;
     std::vector<WideComponent> tile;
-    std::vector<WideComponent> row;
-    std::vector<WeightedPair> pairs;
+    std::array<WideComponent, std::size_t{kStripWidth} * kComponents> row;
+};
+
+class LineBlur {
+  public:
+    LineBlur(const PixelArray& source, const std::vector<Tap>& taps)
+        : source_(source), components_(source.HasAlpha() ? kComponents : 3) {
+        for (const Tap& tap : taps) {
+            margins_ = {std::max(margins_.x, std::abs(tap.x)), std::max(margins_.y, std::abs(tap.y))};
+        }
+        rowLength_ = static_cast<std::ptrdiff_t>(kTileWidth + 2 * margins_.x) * components_;
+        for (const Tap& tap : taps) {
+            pairs_.push_back({tap.y * rowLength_ + tap.x * components_, tap.weight});
+        }
+    }
+
+    void Blur(const TileArea& area, std::uint8_t* rows, LineScratch& scratch) const {
+        Load(area, scratch);
+        for (int x = 0; x < area.width; x += kStripWidth) {
+            const int width = std::min(kStripWidth, area.width - x);
+            for (int y = 0; y < area.height; ++y) {
+                const WideComponent* const centre =
+                    scratch.tile.data() + (y + margins_.y) * rowLength_ + (x + margins_.x) * components_;
+                simd::SumPairs(centre, pairs_, static_cast<std::size_t>(width * components_),
+                               scratch.row.data());
+                std::uint8_t* const out = rows + (area.top + y) * source_.Stride() +
+                                          static_cast<std::ptrdiff_t>(area.left + x) * kComponents;
+                source_.HasAlpha() ? NarrowRow(scratch.row.data(), width, out)
+                                   : NarrowColours(scratch.row.data(), width, out);
+            }
+        }
+    }
+
+  private:
+    void Load(const TileArea& area, LineScratch& scratch) const {
+        const int width = area.width + 2 * margins_.x;
+        const int height = area.height + 2 * margins_.y;
+        scratch.pixels.resize(static_cast<std::size_t>(width) * kComponents);
+        scratch.tile.resize(static_cast<std::size_t>(rowLength_ * height));
+        for (int y = 0; y < height; ++y) {
+            LoadTile(source_, {area.left, area.top - margins_.y + y, area.width, 1}, {margins_.x, 0},
+                     scratch.pixels.data());
+            WideComponent* const row = scratch.tile.data() + y * rowLength_;
+            source_.HasAlpha() ? WidenRow(scratch.pixels.data(), width, row)
+                               : WidenColours(scratch.pixels.data(), width, row);
+        }
+    }
+
+    const PixelArray& source_;
+    std::ptrdiff_t components_; // of opaque pixels only the colours
+    Margins margins_{0, 0};
+    std::ptrdiff_t rowLength_;
+    std::vector<WeightedPair> pairs_;
 };
 
 PixelArray BlurAlong(const PixelArray& source, const std::vector<Tap>& taps) {
-    Margins margins{0, 0};
-    for (const Tap& tap : taps) {
-        margins = {std::max(margins.x, std::abs(tap.x)), std::max(margins.y, std::abs(tap.y))};
-    }
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
-    ForEachTile<LineScratch>(
-        source.Width(), source.Height(), [&](const TileArea& area, LineScratch& scratch) {
-            const std::ptrdiff_t rowLength =
-                static_cast<std::ptrdiff_t>(area.width + 2 * margins.x) * kComponents;
-            scratch.tile.resize(static_cast<std::size_t>(rowLength * (area.height + 2 * margins.y)));
-            scratch.row.resize(static_cast<std::size_t>(area.width) * kComponents);
-            LoadWideTile(source, area, margins, scratch.tile.data());
-            for (int y = 0; y < area.height; ++y) {
-                scratch.pairs.clear();
-                const WideComponent* const centre = scratch.tile.data() + (y + margins.y) * rowLength +
-                                                    static_cast<std::ptrdiff_t>(margins.x) * kComponents;
-                for (const Tap& tap : taps) {
-                    const std::ptrdiff_t way =
-                        tap.y * rowLength + static_cast<std::ptrdiff_t>(tap.x) * kComponents;
-                    scratch.pairs.push_back({centre + way, centre - way, tap.weight});
-                }
-                simd::SumPairs(scratch.pairs, scratch.row.size(), scratch.row.data());
-                NarrowRow(scratch.row.data(), area.width, source.HasAlpha(),
-                          rows + (area.top + y) * result.Stride() +
-                              static_cast<std::ptrdiff_t>(area.left) * kComponents);
+    const LineBlur blur(source, taps);
+    const int tileRows = (source.Height() + kTileHeight - 1) / kTileHeight;
+    ForEachBand(tileRows, 2 * kTileHeight * source.RowBytes(), [&](int first, int end) {
+        LineScratch scratch;
+        for (int top = first * kTileHeight; top < std::min(end * kTileHeight, source.Height());
+             top += kTileHeight) {
+            for (int left = 0; left < source.Width(); left += kTileWidth) {
+                blur.Blur({left, top, std::min(kTileWidth, source.Width() - left),
+                           std::min(kTileHeight, source.Height() - top)},
+                          rows, scratch);
             }
-        });
+        }
+    });
     return result;
 }
 

@@ -78,11 +78,12 @@ void SlideAlong(const RowAlong& row, const FixedLine& line) {
     }
 }
 
-void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums) {
-    for (std::size_t i = 0; i < count; ++i) {
+void SumPairs(const WideComponent* centre, const std::vector<WeightedPair>& pairs, std::size_t count,
+              WideComponent* sums) {
+    for (std::size_t i = 0; i < count; ++i, ++centre) {
         int sum = 2;
         for (const WeightedPair& pair : pairs) {
-            sum += Product(pair.one[i] + pair.other[i], pair.weight);
+            sum += Product(centre[pair.way] + centre[-pair.way], pair.weight);
         }
         sums[i] = static_cast<WideComponent>(sum / 4);
     }

@@ -62,20 +62,22 @@ struct FixedLine {
     std::int16_t tipShare;
 };
 
-// Two rows that lie opposite to each other, and the weight both have, in 1/131072.
+// Two rows that lie opposite to each other, `way` components before and behind a row, and the weight both
+// have, in 1/131072.
 struct WeightedPair {
-    const WideComponent* one;
-    const WideComponent* other;
+    std::ptrdiff_t way;
     std::int16_t weight;
 };
 
-// Slide blurs a stack of opaque rows, SlideAlong one of them. SumPairs gives the sum of the rows times their
-// weights, each product rounded to a quarter of a wide component; the weights of all pairs add up to 65536.
+// Slide blurs a stack of opaque rows, SlideAlong one of them. SumPairs gives the sum of the rows around
+// `centre` times their weights, each product rounded to a quarter of a wide component; the weights of all
+// pairs add up to 65536.
 namespace scalar {
 
 void Slide(const Stack& stack, const FixedLine& line);
 void SlideAlong(const RowAlong& row, const FixedLine& line);
-void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums);
+void SumPairs(const WideComponent* centre, const std::vector<WeightedPair>& pairs, std::size_t count,
+              WideComponent* sums);
 
 } // namespace scalar
 
@@ -83,7 +85,8 @@ namespace simd {
 
 void Slide(const Stack& stack, const FixedLine& line);
 void SlideAlong(const RowAlong& row, const FixedLine& line);
-void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums);
+void SumPairs(const WideComponent* centre, const std::vector<WeightedPair>& pairs, std::size_t count,
+              WideComponent* sums);
 
 } // namespace simd
 

@@ -182,7 +182,8 @@ void SlideAlong(const RowAlong& row, const FixedLine& line) {
 }
 
 template <std::size_t kVectors>
-HWY_INLINE void SumVectors(const std::vector<WeightedPair>& pairs, std::size_t i, WideComponent* sums) {
+HWY_INLINE void SumVectors(const WideComponent* centre, const std::vector<WeightedPair>& pairs,
+                           WideComponent* sums) {
     const Wides wides;
     const std::size_t lanes = hn::Lanes(wides);
     WideVector sum[kVectors];
@@ -192,32 +193,33 @@ HWY_INLINE void SumVectors(const std::vector<WeightedPair>& pairs, std::size_t i
     for (const WeightedPair& pair : pairs) {
         const auto weight = hn::Set(wides, pair.weight);
         for (std::size_t v = 0; v < kVectors; ++v) {
-            const auto both = hn::Add(hn::LoadU(wides, pair.one + i + v * lanes),
-                                      hn::LoadU(wides, pair.other + i + v * lanes));
+            const WideComponent* const from = centre + v * lanes;
+            const auto both = hn::Add(hn::LoadU(wides, from + pair.way), hn::LoadU(wides, from - pair.way));
             sum[v] = hn::Add(sum[v], hn::MulFixedPoint15(both, weight));
         }
     }
     for (std::size_t v = 0; v < kVectors; ++v) {
         // Only now it fits into 15 bits.
         const auto quarter = hn::ShiftRight<2>(hn::BitCast(Unsigned(), sum[v]));
-        hn::StoreU(hn::BitCast(wides, quarter), wides, sums + i + v * lanes);
+        hn::StoreU(hn::BitCast(wides, quarter), wides, sums + v * lanes);
     }
 }
 
-void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums) {
+void SumPairs(const WideComponent* centre, const std::vector<WeightedPair>& pairs, std::size_t count,
+              WideComponent* sums) {
     constexpr std::size_t kVectors = 4;
     const std::size_t lanes = hn::Lanes(Wides());
     if (count < lanes) {
-        scalar::SumPairs(pairs, count, sums);
+        scalar::SumPairs(centre, pairs, count, sums);
         return;
     }
     std::size_t i = 0;
     for (; i + kVectors * lanes <= count; i += kVectors * lanes) {
-        SumVectors<kVectors>(pairs, i, sums);
+        SumVectors<kVectors>(centre + i, pairs, sums + i);
     }
     for (; i < count; i += lanes) {
         i = std::min(i, count - lanes); // what is written twice is the same twice
-        SumVectors<1>(pairs, i, sums);
+        SumVectors<1>(centre + i, pairs, sums + i);
     }
 }
 
@@ -241,8 +243,9 @@ void SlideAlong(const RowAlong& row, const FixedLine& line) {
     HWY_DYNAMIC_DISPATCH(SlideAlong)(row, line);
 }
 
-void SumPairs(const std::vector<WeightedPair>& pairs, std::size_t count, WideComponent* sums) {
-    HWY_DYNAMIC_DISPATCH(SumPairs)(pairs, count, sums);
+void SumPairs(const WideComponent* centre, const std::vector<WeightedPair>& pairs, std::size_t count,
+              WideComponent* sums) {
+    HWY_DYNAMIC_DISPATCH(SumPairs)(centre, pairs, count, sums);
 }
 
 } // namespace pictorel::engine::simd

@@ -18,15 +18,10 @@ HWY_BEFORE_NAMESPACE();
 namespace pictorel::engine::HWY_NAMESPACE {
 
 constexpr int kComponents = PixelArray::kComponents;
+constexpr int kWideBits = 6;
+static_assert(1 << kWideBits == kWideUnit);
 
-void WidenRow(const std::uint8_t* HWY_RESTRICT in, int width, bool hasAlpha,
-              WideComponent* HWY_RESTRICT wide) {
-    if (!hasAlpha) {
-        for (int i = 0; i < width * kComponents; ++i) {
-            wide[i] = static_cast<WideComponent>(in[i] * kWideUnit);
-        }
-        return;
-    }
+void WidenRow(const std::uint8_t* HWY_RESTRICT in, int width, WideComponent* HWY_RESTRICT wide) {
     for (int i = 0; i < width * kComponents; i += kComponents) {
         const int alpha = in[i + 3] * kWideUnit;
         for (int k = 0; k < 3; ++k) {
@@ -36,20 +31,48 @@ void WidenRow(const std::uint8_t* HWY_RESTRICT in, int width, bool hasAlpha,
     }
 }
 
-void NarrowRow(const WideComponent* HWY_RESTRICT wide, int width, bool hasAlpha,
-               std::uint8_t* HWY_RESTRICT out) {
-    if (!hasAlpha) {
-        for (int i = 0; i < width * kComponents; ++i) {
-            out[i] = static_cast<std::uint8_t>((static_cast<unsigned>(wide[i]) + kWideUnit / 2) / kWideUnit);
-        }
-        return;
-    }
+void NarrowRow(const WideComponent* HWY_RESTRICT wide, int width, std::uint8_t* HWY_RESTRICT out) {
     for (int i = 0; i < width * kComponents; i += kComponents) {
         const float perAlpha = 255.0F / static_cast<float>(std::max<int>(wide[i + 3], 1));
         for (int k = 0; k < 3; ++k) {
             out[i + k] = RoundToByte(static_cast<float>(wide[i + k]) * perAlpha);
         }
         out[i + 3] = static_cast<std::uint8_t>((wide[i + 3] + kWideUnit / 2) / kWideUnit);
+    }
+}
+
+void WidenColours(const std::uint8_t* HWY_RESTRICT in, int width, WideComponent* HWY_RESTRICT wide) {
+    for (int x = 0; x < width; ++x) {
+        for (int k = 0; k < 3; ++k) {
+            wide[3 * x + k] = static_cast<WideComponent>(in[kComponents * x + k] * kWideUnit);
+        }
+    }
+}
+
+void NarrowColours(const WideComponent* HWY_RESTRICT wide, int width, std::uint8_t* HWY_RESTRICT out) {
+    namespace hn = hwy::HWY_NAMESPACE; // the compiler finds no good vectors for groups of three
+    const hn::CappedTag<WideComponent, 16> wides;
+    const hn::Rebind<std::uint8_t, decltype(wides)> bytes;
+    const int lanes = static_cast<int>(hn::Lanes(wides));
+    const auto narrow = [&](auto component) HWY_ATTR {
+        const auto half = hn::Set(wides, kWideUnit / 2);
+        return hn::DemoteTo(bytes, hn::ShiftRight<kWideBits>(hn::Add(component, half)));
+    };
+    int x = 0;
+    for (; x + lanes <= width; x += lanes) {
+        auto blue = hn::Zero(wides);
+        auto green = blue;
+        auto red = blue;
+        hn::LoadInterleaved3(wides, wide + 3 * x, blue, green, red);
+        hn::StoreInterleaved4(narrow(blue), narrow(green), narrow(red), hn::Set(bytes, 255), bytes,
+                              out + kComponents * x);
+    }
+    for (; x < width; ++x) {
+        for (int k = 0; k < 3; ++k) {
+            out[kComponents * x + k] =
+                static_cast<std::uint8_t>((wide[3 * x + k] + kWideUnit / 2) / kWideUnit);
+        }
+        out[kComponents * x + 3] = 255;
     }
 }
 
@@ -141,17 +164,27 @@ namespace pictorel::engine {
 
 HWY_EXPORT(WidenRow);
 HWY_EXPORT(NarrowRow);
+HWY_EXPORT(WidenColours);
+HWY_EXPORT(NarrowColours);
 HWY_EXPORT(AddBytes);
 HWY_EXPORT(CopyRow);
 HWY_EXPORT(AddToMean);
 HWY_EXPORT(SlideRow);
 
-void WidenRow(const std::uint8_t* in, int width, bool hasAlpha, WideComponent* wide) {
-    HWY_DYNAMIC_DISPATCH(WidenRow)(in, width, hasAlpha, wide);
+void WidenRow(const std::uint8_t* in, int width, WideComponent* wide) {
+    HWY_DYNAMIC_DISPATCH(WidenRow)(in, width, wide);
 }
 
-void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t* out) {
-    HWY_DYNAMIC_DISPATCH(NarrowRow)(wide, width, hasAlpha, out);
+void NarrowRow(const WideComponent* wide, int width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(NarrowRow)(wide, width, out);
+}
+
+void WidenColours(const std::uint8_t* in, int width, WideComponent* wide) {
+    HWY_DYNAMIC_DISPATCH(WidenColours)(in, width, wide);
+}
+
+void NarrowColours(const WideComponent* wide, int width, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(NarrowColours)(wide, width, out);
 }
 
 void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums) {

@@ -12,9 +12,13 @@ namespace pictorel::engine {
 using WideComponent = std::int16_t;
 inline constexpr int kWideUnit = 64;
 
-// 8-bit pixels to wide ones and back; the rows do not overlap.
-void WidenRow(const std::uint8_t* in, int width, bool hasAlpha, WideComponent* wide);
-void NarrowRow(const WideComponent* wide, int width, bool hasAlpha, std::uint8_t* out);
+// 8-bit pixels with alpha to wide ones and back; the rows do not overlap.
+void WidenRow(const std::uint8_t* in, int width, WideComponent* wide);
+void NarrowRow(const WideComponent* wide, int width, std::uint8_t* out);
+
+// The same of opaque pixels' colours alone: three wide components a pixel.
+void WidenColours(const std::uint8_t* in, int width, WideComponent* wide);
+void NarrowColours(const WideComponent* wide, int width, std::uint8_t* out);
 
 // sums[i] += row[i].
 void AddBytes(const std::uint8_t* row, std::size_t count, std::uint16_t* sums);

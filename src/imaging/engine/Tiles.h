@@ -4,7 +4,6 @@
 
 #include "imaging/ForEachBand.h"
 #include "imaging/PixelArray.h"
-#include "imaging/engine/TileRows.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -26,7 +25,6 @@ struct Margins {
 
 // Copies the area with `margins` on all four sides into rows of (area.width + 2 margins.x) pixels without
 // gaps; beyond its border the picture is continued by its edge pixels.
-void LoadWideTile(const PixelArray& source, const TileArea& area, Margins margins, WideComponent* tile);
 void LoadTile(const PixelArray& source, const TileArea& area, Margins margins, std::uint8_t* tile);
 
 // Calls body(area, scratch) for areas that cover a picture of this size once, on all cores; `scratch` is a
