@@ -24,50 +24,57 @@ using scalar::ConvolveToPixels;
 namespace hn = hwy::HWY_NAMESPACE;
 
 // Taps next to each other in a row lie across cache lines, which costs the longest vectors more than they
-// save.
-using Fines = hn::CappedTag<Fine, 16>;
-using Signed = hn::RebindToSigned<Fines>;
-using Bytes = hn::Repartition<std::uint8_t, Fines>;
-using FineVector = hn::Vec<Fines>;
+// save; taps one below the other do not.
+using Beside = hn::CappedTag<Fine, 16>;
+using Below = hn::CappedTag<Fine, kFineStep>;
+template <class D>
+using BytesOf = hn::Repartition<std::uint8_t, D>;
+template <class D>
+using SignedOf = hn::RebindToSigned<D>;
 
 constexpr int kByteBits = 8;
 
 // A kernel in registers. Round says how products are rounded.
-template <std::size_t kRadius, class Round>
+template <class D, std::size_t kRadius, class Round>
 struct Weights {
     HWY_INLINE explicit Weights(const HalfKernel& kernel) {
         for (std::size_t k = 0; k <= kRadius; ++k) {
-            weights[k] = hn::Set(Fines(), static_cast<Fine>(kernel[k] * Round::kPerWeight));
+            weights[k] = hn::Set(D(), static_cast<Fine>(kernel[k] * Round::kPerWeight));
         }
+    }
+
+    HWY_INLINE hn::Vec<D> Product(hn::Vec<D> value, std::size_t k) const {
+        return Round::Product(D(), value, weights[k]);
     }
 
     // The sum of the weighted taps, at(k) for k from 0.
     template <class Tap>
-    HWY_INLINE FineVector Sum(const Tap& at) const {
-        auto sum = Round::Product(at(kRadius), weights[0]);
+    HWY_INLINE hn::Vec<D> Sum(const Tap& at) const {
+        auto sum = Product(at(kRadius), 0);
         HWY_UNROLL(16)
         for (std::size_t k = 1; k <= kRadius; ++k) {
             const auto average = hn::AverageRound(at(kRadius - k), at(kRadius + k));
-            sum = hn::Add(sum, Round::Product(average, weights[k]));
+            sum = hn::Add(sum, Product(average, k));
         }
         return sum;
     }
 
-    FineVector weights[kRadius + 1];
+    hn::Vec<D> weights[kRadius + 1];
 };
 
 struct ToNearest {
     static constexpr int kPerWeight = 1;
-    static HWY_INLINE FineVector Product(FineVector value, FineVector weight) {
-        const Signed wides;
-        return hn::BitCast(Fines(),
-                           hn::MulFixedPoint15(hn::BitCast(wides, value), hn::BitCast(wides, weight)));
+    template <class D>
+    static HWY_INLINE hn::Vec<D> Product(D fines, hn::Vec<D> value, hn::Vec<D> weight) {
+        const SignedOf<D> wides;
+        return hn::BitCast(fines, hn::MulFixedPoint15(hn::BitCast(wides, value), hn::BitCast(wides, weight)));
     }
 };
 
 struct Downwards {
     static constexpr int kPerWeight = 2;
-    static HWY_INLINE FineVector Product(FineVector value, FineVector weight) {
+    template <class D>
+    static HWY_INLINE hn::Vec<D> Product(D /*fines*/, hn::Vec<D> value, hn::Vec<D> weight) {
         return hn::MulHigh(value, weight);
     }
 };
@@ -75,8 +82,8 @@ struct Downwards {
 template <std::size_t kRadius>
 struct Down {
     static void Run(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
-        const Fines fines;
-        const Weights<kRadius, ToNearest> weights(kernel);
+        const Beside fines;
+        const Weights<Beside, kRadius, ToNearest> weights(kernel);
         const Fine* rows[2 * kRadius + 1];
         std::copy_n(taps, 2 * kRadius + 1, rows);
         for (std::size_t i = 0; i < count; i += hn::Lanes(fines)) {
@@ -86,21 +93,39 @@ struct Down {
     }
 };
 
+// GCC loads a vector again for every use of it, and loads across cache lines are what a row's time goes to.
+template <class V>
+HWY_INLINE void KeepInRegister([[maybe_unused]] V& vector) {
+#if HWY_COMPILER_GCC_ACTUAL && HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
+    asm("" : "+v"(vector.raw));
+#endif
+}
+
 template <std::size_t kRadius>
 struct Across {
     static void Run(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
-        const Fines fines;
-        const Bytes bytes;
-        const Weights<kRadius, Downwards> weights(kernel);
+        const Beside fines;
+        const BytesOf<Beside> bytes;
+        const Weights<Beside, kRadius, Downwards> weights(kernel);
         const auto neighbours = hn::Set(fines, static_cast<Fine>(kRadius));
         Fine* const odd = out + HalfLength(width);
         for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(width); i += hn::Lanes(fines)) {
-            const auto both = [&](std::size_t k) HWY_ATTR {
-                return hn::BitCast(fines, hn::LoadU(bytes, in + 2 * i + k * PixelArray::kComponents));
+            const auto tap = [&](std::size_t k) HWY_ATTR {
+                auto both = hn::BitCast(fines, hn::LoadU(bytes, in + 2 * i + k * PixelArray::kComponents));
+                KeepInRegister(both);
+                return both;
             };
-            const auto lower = [&](std::size_t k) HWY_ATTR { return hn::ShiftLeft<kByteBits>(both(k)); };
-            const auto sum = weights.Sum(lower);
-            const auto sumOfBoth = hn::Add(weights.Sum(both), neighbours);
+            const auto lower = [](auto both) HWY_ATTR { return hn::ShiftLeft<kByteBits>(both); };
+            const auto centre = tap(kRadius);
+            auto sum = weights.Product(lower(centre), 0);
+            auto sumOfBoth = hn::Add(weights.Product(centre, 0), neighbours);
+            HWY_UNROLL(16)
+            for (std::size_t k = 1; k <= kRadius; ++k) {
+                const auto before = tap(kRadius - k);
+                const auto behind = tap(kRadius + k);
+                sum = hn::Add(sum, weights.Product(hn::AverageRound(lower(before), lower(behind)), k));
+                sumOfBoth = hn::Add(sumOfBoth, weights.Product(hn::AverageRound(before, behind), k));
+            }
             hn::Store(hn::Add(sum, neighbours), fines, out + i);
             hn::Store(hn::Sub(sumOfBoth, hn::ShiftRight<kByteBits>(sum)), fines, odd + i);
         }
@@ -108,20 +133,21 @@ struct Across {
 };
 
 // The lower and the upper bytes of pairs, from fine components without their fractions.
-HWY_INLINE hn::Vec<Bytes> Joined(FineVector lower, FineVector upper) {
-    const auto whole = hn::Set(Fines(), 0xFF00);
-    return hn::BitCast(Bytes(), hn::Or(hn::ShiftRight<kByteBits>(lower), hn::And(upper, whole)));
+HWY_INLINE hn::Vec<BytesOf<Below>> Joined(hn::Vec<Below> lower, hn::Vec<Below> upper) {
+    const auto whole = hn::Set(Below(), 0xFF00);
+    return hn::BitCast(BytesOf<Below>(), hn::Or(hn::ShiftRight<kByteBits>(lower), hn::And(upper, whole)));
 }
 
 // Sharpens components that lie in the upper bytes, as scalar::Sharpened. Gives levels.
-HWY_INLINE FineVector Sharpened(FineVector original, FineVector blurred, hn::Vec<Signed> share) {
-    const Signed wides;
-    const auto halved = [&](FineVector v) HWY_ATTR { return hn::BitCast(wides, hn::ShiftRight<1>(v)); };
+HWY_INLINE hn::Vec<Below> Sharpened(hn::Vec<Below> original, hn::Vec<Below> blurred,
+                                    hn::Vec<SignedOf<Below>> share) {
+    const SignedOf<Below> wides;
+    const auto halved = [&](hn::Vec<Below> v) HWY_ATTR { return hn::BitCast(wides, hn::ShiftRight<1>(v)); };
     const auto added = hn::MulFixedPoint15(hn::Sub(halved(original), halved(blurred)), share);
     const auto level = hn::BitCast(wides, hn::ShiftRight<3>(original));
     const auto sum = hn::SaturatedAdd(hn::Add(level, hn::Set(wides, 16)), added);
     const auto clamped = hn::Min(hn::Max(hn::ShiftRight<5>(sum), hn::Zero(wides)), hn::Set(wides, 255));
-    return hn::BitCast(Fines(), clamped);
+    return hn::BitCast(Below(), clamped);
 }
 
 template <std::size_t kRadius>
@@ -133,14 +159,14 @@ struct ToPixels {
     // The target is copied, since for the compiler pixels may lie anywhere, even over it.
     template <bool kStreams>
     static void Finish(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget target) {
-        const Fines fines;
-        const Bytes bytes;
-        const Weights<kRadius, Downwards> weights(kernel);
+        const Below fines;
+        const BytesOf<Below> bytes;
+        const Weights<Below, kRadius, Downwards> weights(kernel);
         const Fine* rows[2 * kRadius + 1];
         std::copy_n(taps, 2 * kRadius + 1, rows);
         const std::size_t half = HalfLength(target.width);
         const auto rounding = hn::Set(fines, 128 + 1);
-        const auto share = hn::Set(Signed(), target.share);
+        const auto share = hn::Set(SignedOf<Below>(), target.share);
         for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(target.width); i += hn::Lanes(fines)) {
             const auto lowerTap = [&](std::size_t k) HWY_ATTR { return hn::Load(fines, rows[k] + i); };
             const auto upperTap = [&](std::size_t k) HWY_ATTR { return hn::Load(fines, rows[k] + half + i); };
