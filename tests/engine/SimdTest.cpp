@@ -528,14 +528,19 @@ TEST(Simd, PyramidEqualsPlainLoops) {
     constexpr std::size_t kRoom = 1024;
     const FineRow fines = RandomFines(5 * kRoom, 5);
     std::array<const Fine*, 5> rows{};
+    std::array<const std::uint8_t*, 5> pixels{};
     for (std::size_t k = 0; k < rows.size(); ++k) {
         rows[k] = fines.data() + k * kRoom;
+        pixels[k] = reinterpret_cast<const std::uint8_t*>(rows[k]) + k; // not on whole vectors
     }
     ForEachTarget([&](const char* target) {
         const std::string what(target);
         for (const int width : kFineWidths) {
             ExpectSameRows(width, what + ", halving down", [&](bool isPlain, Fine* out) {
                 (isPlain ? scalar::HalveDown : simd::HalveDown)(rows.data(), FineLength(width), out);
+            });
+            ExpectSameRows(width, what + ", halving pixels down", [&](bool isPlain, Fine* out) {
+                (isPlain ? scalar::HalveDownOpaque : simd::HalveDownOpaque)(pixels.data(), width, out);
             });
             ExpectSameRows(width, what + ", halving across", [&](bool isPlain, Fine* out) {
                 (isPlain ? scalar::HalveAcross : simd::HalveAcross)(fines.data(), width, out);

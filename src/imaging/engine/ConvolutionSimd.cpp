@@ -9,6 +9,9 @@
 #define HWY_TARGET_INCLUDE "imaging/engine/ConvolutionSimd.cpp"
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
+// After foreach_target.h, which includes this file once for each kind of vectors.
+#include "imaging/engine/KeepInRegister-inl.h"
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -92,14 +95,6 @@ struct Down {
         }
     }
 };
-
-// GCC loads a vector again for every use of it, and loads across cache lines are what a row's time goes to.
-template <class V>
-HWY_INLINE void KeepInRegister([[maybe_unused]] V& vector) {
-#if HWY_COMPILER_GCC_ACTUAL && HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
-    asm("" : "+v"(vector.raw));
-#endif
-}
 
 template <std::size_t kRadius>
 struct Across {

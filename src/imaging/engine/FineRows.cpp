@@ -2,6 +2,7 @@
 #include "imaging/engine/FineRows.h"
 
 #include "imaging/BufferPool.h"
+#include "imaging/engine/PictureRows.h"
 
 #include <limits>
 #include <utility>
@@ -10,71 +11,6 @@ namespace pictorel::engine {
 namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
-
-// Calls copy(first, count, row) for the pixels of left <= x < left + width that lie inside `begin` <= x <
-// `end` and repeats the outermost ones over the rest; `perPixel` components each.
-template <class Component, class Copy>
-void LoadContinued(int begin, int end, Columns columns, int perPixel, Component* row, const Copy& copy) {
-    const int first = std::clamp(columns.left, begin, end - 1);
-    const int last = std::clamp(columns.left + columns.width - 1, begin, end - 1);
-    const int before = std::clamp(first - columns.left, 0, columns.width - 1);
-    Component* const inside = row + static_cast<std::ptrdiff_t>(before) * perPixel;
-    copy(first, last - first + 1, inside);
-    for (Component* p = row; p != inside; p += perPixel) {
-        std::copy_n(inside, perPixel, p);
-    }
-    Component* const behind = inside + static_cast<std::ptrdiff_t>(last - first + 1) * perPixel;
-    for (Component* p = behind; p < row + static_cast<std::ptrdiff_t>(columns.width) * perPixel;
-         p += perPixel) {
-        std::copy_n(behind - perPixel, perPixel, p);
-    }
-}
-
-// The processor follows rows, not strips of them: it is told what comes next.
-void FetchAhead(const std::uint8_t* from, std::ptrdiff_t size) {
-    constexpr std::ptrdiff_t kLine = 64;
-    for (std::ptrdiff_t i = 0; i < size; i += kLine) {
-        __builtin_prefetch(from + i);
-    }
-}
-
-// Pixels of a strip of a picture, readable in whole vectors.
-class PictureRows {
-  public:
-    PictureRows(const PixelArray& picture, Columns columns)
-        : picture_(picture),
-          columns_(columns),
-          liesInside_(columns.left >= 0 && columns.left + columns.width + kRoom <= picture.Width()),
-          continued_(liesInside_ ? 0 : static_cast<std::size_t>(columns.width + kRoom) * kComponents) {}
-
-    // Valid until the next call.
-    const std::uint8_t* Row(int y) {
-        const int inside = std::clamp(y, 0, picture_.Height() - 1);
-        const std::uint8_t* const row = picture_.Row(inside);
-        const auto at = [&](int x) { return row + static_cast<std::ptrdiff_t>(x) * kComponents; };
-        if (liesInside_) {
-            constexpr int kAhead = 2;
-            if (inside + kAhead < picture_.Height()) {
-                FetchAhead(at(columns_.left) + kAhead * picture_.Stride(),
-                           static_cast<std::ptrdiff_t>(columns_.width) * kComponents);
-            }
-            return at(columns_.left);
-        }
-        LoadContinued(0, picture_.Width(), columns_, kComponents, continued_.data(),
-                      [&](int first, int count, std::uint8_t* to) {
-                          std::copy_n(at(first), static_cast<std::ptrdiff_t>(count) * kComponents, to);
-                      });
-        return continued_.data();
-    }
-
-  private:
-    static constexpr int kRoom = 16; // pixels in the longest vector
-
-    const PixelArray& picture_;
-    Columns columns_;
-    bool liesInside_;
-    std::vector<std::uint8_t> continued_;
-};
 
 class WidenedRows : public FineRows {
   public:

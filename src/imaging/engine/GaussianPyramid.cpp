@@ -1,8 +1,10 @@
 // Halving and doubling for wide Gaussian blurs, see GaussianPyramid.h.
 #include "imaging/engine/GaussianPyramid.h"
 
+#include "imaging/engine/PictureRows.h"
 #include "imaging/engine/PyramidRows.h"
 
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -24,28 +26,67 @@ Columns ColumnsToHalve(Columns columns) {
     return {2 * columns.left - 2, 2 * columns.width + 4};
 }
 
-// Rows of `source` halved, which are those of ColumnsToHalve.
-class HalvedRows : public FineRows {
+constexpr int kTapsHalved = 5;
+
+int FirstTapHalved(int y) {
+    return 2 * y - kTapsHalved / 2;
+}
+
+// Rows of an opaque picture halved.
+class HalvedOpaque : public FineRows {
   public:
-    HalvedRows(std::unique_ptr<FineRows> source, Columns columns)
-        : FineRows(columns.width), row_(FineLength(source->Width())), ring_(std::move(source), kTaps) {}
+    HalvedOpaque(const PixelArray& picture, Columns columns)
+        : FineRows(columns.width),
+          width_(ColumnsToHalve(columns).width),
+          row_(FineLength(width_)),
+          rows_(picture, ColumnsToHalve(columns), kTapsHalved) {}
 
     void Make(int y, Fine* row) override {
-        simd::HalveDown(ring_.Rows(2 * y - 2), row_.size(), row_.data());
+        std::array<const std::uint8_t*, kTapsHalved> taps;
+        for (int k = 0; k < kTapsHalved; ++k) {
+            taps[k] = rows_.Row(FirstTapHalved(y) + k);
+        }
+        simd::HalveDownOpaque(taps.data(), width_, row_.data());
         simd::HalveAcross(row_.data(), Width(), row);
     }
 
   private:
-    static constexpr int kTaps = 5;
+    int width_; // of what is halved
+    FineRow row_;
+    PictureRows rows_;
+};
 
+// Rows of `source` halved, which are those of ColumnsToHalve.
+class HalvedRows : public FineRows {
+  public:
+    HalvedRows(std::unique_ptr<FineRows> source, Columns columns)
+        : FineRows(columns.width), row_(FineLength(source->Width())), ring_(std::move(source), kTapsHalved) {}
+
+    void Make(int y, Fine* row) override {
+        simd::HalveDown(ring_.Rows(FirstTapHalved(y)), row_.size(), row_.data());
+        simd::HalveAcross(row_.data(), Width(), row);
+    }
+
+  private:
     FineRow row_;
     FineRing ring_;
 };
 
+std::unique_ptr<FineRows> HalvedOnce(const PixelArray& source, Columns columns) {
+    if (source.HasAlpha()) {
+        return std::make_unique<HalvedRows>(RowsOf(source, ColumnsToHalve(columns)), columns);
+    }
+    return std::make_unique<HalvedOpaque>(source, columns);
+}
+
+std::unique_ptr<FineRows> HalvedOnce(const FinePlane& source, Columns columns) {
+    return std::make_unique<HalvedRows>(RowsOf(source, ColumnsToHalve(columns)), columns);
+}
+
 template <class Source>
 std::unique_ptr<FineRows> MakeHalvedRows(const Source& source, int times, Columns columns) {
-    if (times == 0) {
-        return RowsOf(source, columns);
+    if (times == 1) {
+        return HalvedOnce(source, columns);
     }
     return std::make_unique<HalvedRows>(MakeHalvedRows(source, times - 1, ColumnsToHalve(columns)), columns);
 }

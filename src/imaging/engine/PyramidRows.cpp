@@ -37,6 +37,13 @@ void HalveDown(const Fine* const* rows, std::size_t count, Fine* out) {
     }
 }
 
+void HalveDownOpaque(const std::uint8_t* const* rows, int width, Fine* out) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(width) * PixelArray::kComponents; ++i) {
+        const auto tap = [&](int k) { return static_cast<Fine>(rows[k][i] * kFineUnit); };
+        out[i / 2 + i % 2 * HalfLength(width)] = Halved(tap(0), tap(1), tap(2), tap(3), tap(4));
+    }
+}
+
 void HalveAcross(const Fine* in, int width, Fine* out) {
     ForBothHalves(in, 2 * width + 4, out, width, [&](const Fine* from, Fine* to) {
         for (std::size_t i = 0; i < static_cast<std::size_t>(width) * kPerPixel; ++i) {

@@ -1,10 +1,15 @@
 // The loops that halve and double rows of pixels in vectors, see PyramidRows.h.
 #include "imaging/engine/PyramidRows.h"
 
+#include <algorithm>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "imaging/engine/PyramidRowsSimd.cpp"
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
+// After foreach_target.h, which includes this file once for each kind of vectors.
+#include "imaging/engine/KeepInRegister-inl.h"
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -16,6 +21,7 @@ using scalar::DoubleDown;
 using scalar::DoubleDownToPixels;
 using scalar::HalveAcross;
 using scalar::HalveDown;
+using scalar::HalveDownOpaque;
 
 #else
 
@@ -23,6 +29,9 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 using Fines = hn::CappedTag<Fine, kFineStep>;
 using FineVector = hn::Vec<Fines>;
+constexpr int kFineBits = 7;
+static_assert(1 << kFineBits == kFineUnit);
+
 using Pixels = hn::Repartition<std::uint32_t, Fines>; // two components of one half row
 
 HWY_INLINE FineVector Average(FineVector a, FineVector b) {
@@ -42,6 +51,28 @@ void HalveDown(const Fine* const* rows, std::size_t count, Fine* out) {
     for (std::size_t i = 0; i < count; i += hn::Lanes(fines)) {
         const auto row = [&](int k) HWY_ATTR { return hn::Load(fines, rows[k] + i); };
         hn::Store(Halved(row(0), row(1), row(2), row(3), row(4)), fines, out + i);
+    }
+}
+
+void HalveDownOpaque(const std::uint8_t* const* rows, int width, Fine* out) {
+    const Fines fines;
+    const hn::Repartition<std::uint8_t, Fines> bytes;
+    const auto whole = hn::Set(fines, 0xFF * kFineUnit);
+    Fine* const upper = out + HalfLength(width);
+    const std::uint8_t* from[5];
+    std::copy_n(rows, 5, from);
+    for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(width); i += hn::Lanes(fines)) {
+        FineVector lowers[5];
+        FineVector uppers[5];
+        HWY_UNROLL(5)
+        for (int k = 0; k < 5; ++k) {
+            auto both = hn::BitCast(fines, hn::LoadU(bytes, from[k] + 2 * i));
+            KeepInRegister(both);
+            lowers[k] = hn::And(hn::ShiftLeft<kFineBits>(both), whole);
+            uppers[k] = hn::And(hn::ShiftRight<8 - kFineBits>(both), whole);
+        }
+        hn::Store(Halved(lowers[0], lowers[1], lowers[2], lowers[3], lowers[4]), fines, out + i);
+        hn::Store(Halved(uppers[0], uppers[1], uppers[2], uppers[3], uppers[4]), fines, upper + i);
     }
 }
 
@@ -103,8 +134,6 @@ void DoubleToPixels(const Fine* const* rows, std::size_t half, const PixelTarget
     const hn::Repartition<std::uint8_t, Fines> bytes;
     const auto rounding = hn::Set(fines, kFineUnit / 2);
     const auto whole = hn::Set(fines, 0xFF00);
-    constexpr int kFineBits = 7;
-    static_assert(1 << kFineBits == kFineUnit);
     for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(target.width); i += hn::Lanes(fines)) {
         const auto lower = hn::Add(Doubled<kIsBetween>(rows, i), rounding);
         const auto upper = hn::Add(Doubled<kIsBetween>(rows, half + i), rounding);
@@ -145,6 +174,7 @@ HWY_AFTER_NAMESPACE();
 namespace pictorel::engine::simd {
 
 HWY_EXPORT(HalveDown);
+HWY_EXPORT(HalveDownOpaque);
 HWY_EXPORT(HalveAcross);
 HWY_EXPORT(DoubleDown);
 HWY_EXPORT(DoubleDownToPixels);
@@ -152,6 +182,10 @@ HWY_EXPORT(DoubleAcross);
 
 void HalveDown(const Fine* const* rows, std::size_t count, Fine* out) {
     HWY_DYNAMIC_DISPATCH(HalveDown)(rows, count, out);
+}
+
+void HalveDownOpaque(const std::uint8_t* const* rows, int width, Fine* out) {
+    HWY_DYNAMIC_DISPATCH(HalveDownOpaque)(rows, width, out);
 }
 
 void HalveAcross(const Fine* in, int width, Fine* out) {
