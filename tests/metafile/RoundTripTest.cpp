@@ -51,15 +51,25 @@ TEST(RoundTrip, GivesTheSamePixelsAtAnyResolution) {
     }
 }
 
-// A sheet of metres, whose length in units an inch is far from a whole number.
 TEST(RoundTrip, GivesTheSamePixelsOnAVeryLongSheet) {
+    constexpr struct {
+        int width;
+        int height;
+        double dotsPerInchX;
+        double dotsPerInchY;
+    } kSheets[] = {
+        {1, 31336, 7.38462, 96},       // of metres, whose length in units an inch is far from a whole number
+        {32767, 1, 1326.49, 426147.8}, // whose pixels, counted in inches, are a hair more than the most
+    };
     for (const Codec& codec : MetafileCodecs()) {
-        PixelArray picture = MakePicture(1, 31336);
-        Metadata details;
-        details.dotsPerInchX = 7.38462;
-        details.dotsPerInchY = 96;
-        picture.SetDetails(details);
-        EXPECT_TRUE(SamePixels(picture, Read(codec.write(picture, {})))) << codec.name;
+        for (const auto& sheet : kSheets) {
+            PixelArray picture = MakePicture(sheet.width, sheet.height);
+            Metadata details;
+            details.dotsPerInchX = sheet.dotsPerInchX;
+            details.dotsPerInchY = sheet.dotsPerInchY;
+            picture.SetDetails(details);
+            EXPECT_TRUE(SamePixels(picture, Read(codec.write(picture, {})))) << codec.name << sheet.width;
+        }
     }
 }
 

@@ -87,8 +87,8 @@ void FollowBitmaps(Plan& plan, const Survey& survey, QPointF dotsPerMillimetre) 
     if (isBitmap && IsNear(survey.Extents(), plan.sheet, dotsPerMillimetre)) {
         plan.sheet = survey.Extents(); // the sheet's physical size is rounded
     }
-    const double width = plan.sheet.width() * finestX;
-    const double height = plan.sheet.height() * finestY;
+    const double width = std::round(plan.sheet.width() * finestX);
+    const double height = std::round(plan.sheet.height() * finestY);
     const double most = std::min<double>(kMostPerBitmapPixel * pixels, kMaximumPixels);
     if (width * height > most || width > kMaximumSide || height > kMaximumSide) {
         return;
