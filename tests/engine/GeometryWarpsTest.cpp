@@ -7,6 +7,7 @@
 #include <cmath>
 #include <numbers>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace pictorel::engine {
@@ -265,6 +266,24 @@ TEST(Warps, OpaqueAlphaGivesTheColoursOfNoAlpha) {
     withAlpha.SetHasAlpha(true);
     for (const auto& [name, warp] : kWarps) {
         EXPECT_LE(testing::LargestDifference(warp(opaque, 33), warp(withAlpha, 33)), 1) << name;
+    }
+}
+
+// Slightly skewed opaque pictures are made from whole rows, others from points.
+TEST(Skew, MovesRowsAsItMovesPoints) {
+    constexpr std::pair<int, int> kSizes[] = {{131, 77}, {16, 200}, {300, 3}, {2, 2}};
+    for (const auto& [width, height] : kSizes) {
+        const PixelArray rows = Speckled(width, height);
+        PixelArray points = rows;
+        points.SetHasAlpha(true);
+        for (const double degrees : {-23.0, -3.0, 0.1, 11.0, 22.0}) {
+            for (const bool vertical : {false, true}) {
+                EXPECT_LE(testing::LargestDifference(Skew(rows, vertical, degrees, kBackground),
+                                                     Skew(points, vertical, degrees, kBackground)),
+                          1)
+                    << width << " x " << height << ", " << degrees << (vertical ? " vertically" : "");
+            }
+        }
     }
 }
 

@@ -11,6 +11,7 @@
 #include "imaging/engine/PyramidRows.h"
 #include "imaging/engine/RankRows.h"
 #include "imaging/engine/ResampleFixed.h"
+#include "imaging/engine/ShiftRows.h"
 #include "imaging/engine/TurnTile.h"
 #include "imaging/engine/TwirlRows.h"
 #include "imaging/engine/ZoomRays.h"
@@ -558,6 +559,30 @@ TEST(Simd, PyramidEqualsPlainLoops) {
                         rows.data(), isBetween, HalfLength(width), {out, width, width > 15, nullptr, 0});
                 });
             }
+        }
+    });
+}
+
+TEST(Simd, ShiftedRowsEqualPlainLoops) {
+    PixelArray pixels = Random({100, 1});
+    for (int i = 40; i < 200; ++i) { // the brightest beside the darkest, in neighbours and in pairs of them
+        pixels.WritableRows()[i] = (i < 120 ? i / 4 : i / 8) % 2 == 0 ? 255 : 0;
+    }
+    ForEachTarget([&](const char* target) {
+        for (std::size_t phase = 0; phase < kCubicTable.size(); ++phase) {
+            PixelArray plain(80, 1);
+            PixelArray vectors(80, 1);
+            const auto row = [&](PixelArray& out) {
+                return ShiftedRow{pixels.Row(0) + 4,
+                                  kCubicTable[phase],
+                                  80,
+                                  out.WritableRows(),
+                                  phase % 2 == 0 ? pixels.Row(0) : nullptr,
+                                  phase % 3 == 0};
+            };
+            scalar::ShiftRow(row(plain));
+            simd::ShiftRow(row(vectors));
+            ASSERT_TRUE(SamePixels(vectors, plain)) << target << " phase " << phase;
         }
     });
 }

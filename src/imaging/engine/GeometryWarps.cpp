@@ -1,11 +1,8 @@
-// Rotation by any angle, skew, perspective and twirl, see Geometry.h. Each is its inverse map: for a point of
+// Rotation by any angle, perspective and twirl, see Geometry.h. Each is its inverse map: for a point of
 // the result, where it comes from. Points are taken from the centre of the canvas, y downwards.
 //
 // Rotation by a, counter-clockwise on the screen: the source of (x, y) is (x cos a - y sin a,
 // x sin a + y cos a).
-//
-// Skew by d is the shear of a drawing whose y axis points up: positive degrees move the top of the picture to
-// the right (horizontal) or its right side up (vertical).
 //
 // Perspective: the picture is a plane in the plane of the screen, seen by a pinhole at distance D before its
 // centre, D being twice the longer side. Tilted by d about the horizontal middle line, with positive degrees
@@ -22,6 +19,7 @@
 #include "imaging/engine/Geometry.h"
 #include "imaging/engine/Parameters.h"
 #include "imaging/engine/TwirlRows.h"
+#include "imaging/engine/WarpCanvas.h"
 #include "imaging/engine/WarpDriver.h"
 #include "imaging/engine/WholePixel.h"
 
@@ -35,32 +33,6 @@ namespace {
 
 constexpr int kPixelBytes = PixelArray::kComponents;
 constexpr double kManyTurns = 360e6; // any angle but infinities
-
-double Radians(double degrees) {
-    return degrees * (std::numbers::pi / 180);
-}
-
-WarpPoint CentreOf(const PixelArray& picture) {
-    return {picture.Width() / 2.0, picture.Height() / 2.0};
-}
-
-void FillPixels(std::uint8_t* to, int count, std::uint32_t background) {
-    const std::uint32_t pixel = OpaquePixel(background);
-    for (int i = 0; i < count; ++i) {
-        StorePixel(to + i * kPixelBytes, pixel);
-    }
-}
-
-PixelArray BackgroundOnly(const PixelArray& source, std::uint32_t background) {
-    PixelArray result = PixelArray::Like(source);
-    std::uint8_t* const rows = result.WritableRows();
-    ForEachBand(result.Height(), result.RowBytes(), [&](int first, int end) {
-        for (int y = first; y < end; ++y) {
-            FillPixels(rows + y * result.Stride(), result.Width(), background);
-        }
-    });
-    return result;
-}
 
 // `turned` in the middle of the source's canvas. Where the difference of the sides is odd there is no middle:
 // it lies half a pixel towards the top left, since a shift by half a pixel would blur everything.
@@ -90,21 +62,6 @@ PixelArray Centred(const PixelArray& turned, const PixelArray& source, std::uint
     return result;
 }
 
-// What the maps of this file have in common.
-struct CanvasMap {
-    static constexpr Outside kOutside = Outside::Background;
-    static constexpr bool kIsAffine = false;
-    static constexpr bool kIsEven = false;
-    static constexpr bool kIsMonotonic = true;
-
-    WarpPoint centre;
-    int width;
-
-    explicit CanvasMap(const PixelArray& source) : centre(CentreOf(source)), width(source.Width()) {}
-
-    ColumnSpan Moved(int /*row*/) const { return {0, width}; }
-};
-
 struct RotationMap : CanvasMap {
     static constexpr bool kIsAffine = true;
     static constexpr bool kIsEven = true;
@@ -122,25 +79,6 @@ struct RotationMap : CanvasMap {
     }
 
     LocalScale Scale(WarpPoint /*p*/) const { return {{cosine, sine}, {-sine, cosine}}; }
-};
-
-struct SkewMap : CanvasMap {
-    static constexpr bool kIsAffine = true;
-    static constexpr bool kIsEven = true;
-
-    double acrossPerRow;  // how far the source moves right with every row down
-    double downPerColumn; // how far the source moves down with every column to the right
-
-    SkewMap(const PixelArray& source, bool vertical, double degrees)
-        : CanvasMap(source),
-          acrossPerRow(vertical ? 0 : std::tan(Radians(degrees))),
-          downPerColumn(vertical ? std::tan(Radians(degrees)) : 0) {}
-
-    WarpPoint Source(WarpPoint p) const {
-        return {p.x + acrossPerRow * (p.y - centre.y), p.y + downPerColumn * (p.x - centre.x)};
-    }
-
-    LocalScale Scale(WarpPoint /*p*/) const { return {{1, downPerColumn}, {acrossPerRow, 1}}; }
 };
 
 struct PerspectiveMap : CanvasMap {
@@ -299,17 +237,6 @@ PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t backgr
         return Centred(QuarterTurnRight(source), source, background);
     }
     return Warp(source, RotationMap(source, positive), background);
-}
-
-PixelArray Skew(const PixelArray& source, bool vertical, double degrees, std::uint32_t background) {
-    RequireRange("the angle of the skew", degrees, -90, 90);
-    if (degrees == 0) {
-        return source;
-    }
-    if (std::abs(degrees) == 90) {
-        return BackgroundOnly(source, background);
-    }
-    return Warp(source, SkewMap(source, vertical, degrees), background);
 }
 
 PixelArray Perspective(const PixelArray& source, bool vertical, double degrees, std::uint32_t background) {

@@ -228,6 +228,10 @@ class RunWarper {
           sampler_(source, Map::kOutside, background),
           evenPattern_(PatternFor(map, {0, 0}, {0, 0})) {}
 
+    // Of an affine map.
+    bool TakesOneSample() const { return evenPattern_.count == 1; }
+    SampleBounds Inside() const { return sampler_.InsideOf(evenPattern_.border); }
+
     // `count` pixels, the first of which has its centre at `first`.
     void Make(WarpPoint first, int count, std::uint8_t* to) const {
         SampleRun run;

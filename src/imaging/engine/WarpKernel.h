@@ -23,6 +23,12 @@ inline constexpr float kLeastVisible = 255 << (kProductBits - 1);
 
 using CubicWeights = std::array<std::int16_t, kCubicTaps>;
 
+// The product of a weight and one whole, as the weights of neighbours are rounded.
+constexpr std::int32_t HalvedWeight(std::int16_t weight) {
+    static_assert(kProductShift - kWeightBits == 1);
+    return (weight + 1) >> 1;
+}
+
 // Weights of the pixels at -1, 0, 1 and 2 for a point at `phase`/kPhases between 0 and 1; they add up to
 // 2^14 exactly, so that even areas stay what they are.
 constexpr CubicWeights CubicWeightsAt(int phase) {

@@ -19,7 +19,6 @@ constexpr int kComponents = PixelArray::kComponents;
 WarpSampler::WarpSampler(const PixelArray& source, Outside outside, std::uint32_t background)
     : source_(source), outside_(outside), backgroundPixel_(OpaquePixel(background)) {}
 
-// Inside are points whose 4 x 4 neighbours exist and that the border's fading does not reach.
 SampleBounds WarpSampler::InsideOf(BorderWidth border) const {
     const auto margin = [](double width) {
         return static_cast<std::int32_t>(std::max(1.0, std::ceil(width / 2)) * kPhases);

@@ -73,6 +73,9 @@ class WarpSampler {
     // Writes run.count pixels; the run says its bounds, here and below.
     void Sample(const SampleRun& run, BorderWidth border, std::uint8_t* to) const;
 
+    // The points whose 4 x 4 neighbours exist and that the border's fading does not reach.
+    SampleBounds InsideOf(BorderWidth border) const;
+
     // From the first to the last point inside the picture; where there is none, those that lie nearest.
     ColumnSpan NearestToPicture(const SampleRun& run) const;
 
@@ -81,7 +84,6 @@ class WarpSampler {
     void FillBackground(int count, std::uint8_t* to) const;
 
   private:
-    SampleBounds InsideOf(BorderWidth border) const;
     void SampleInside(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                       std::uint8_t* to) const;
     void SampleNearBorder(std::int32_t x, std::int32_t y, BorderWidth border, std::uint8_t* to) const;
