@@ -80,9 +80,10 @@ PixelArray BlurRows(const PixelArray& source, const FixedLine& line) {
             (source.RowBytes() + std::size_t{2} * kComponents * static_cast<std::size_t>(margins.x)));
         for (int y = first; y < end; ++y) {
             LoadTile(source, {0, y, width, 1}, margins, continued.data());
-            simd::SlideAlong({continued.data() + static_cast<std::ptrdiff_t>(margins.x) * kComponents,
-                              rows + y * result.Stride(), width, streams},
-                             line);
+            simd::SlideAlong(
+                {continued.data() + static_cast<std::ptrdiff_t>(margins.x) * kComponents,
+                 rows + y * result.Stride(), width, streams, source.Row(std::min(y + kRowsAhead, end - 1))},
+                line);
         }
     });
     return result;

@@ -45,6 +45,7 @@ struct RowAlong {
     std::uint8_t* out;
     int width;
     bool streams;
+    const std::uint8_t* ahead = nullptr; // a row of the picture that is read soon, fetched meanwhile; or null
 };
 
 // A line in 16-bit arithmetic: the mean is the sum of the whole rows, shifted left by `shift` bits, times

@@ -1,5 +1,6 @@
 // The loops of motion blur in vectors, see MotionRows.h.
 #include "imaging/engine/MotionRows.h"
+#include "imaging/engine/Streaming.h"
 
 #include <array>
 
@@ -7,6 +8,9 @@
 #define HWY_TARGET_INCLUDE "imaging/engine/MotionRowsSimd.cpp"
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
+// After foreach_target.h, which includes this file once for each kind of vectors.
+#include "imaging/engine/KeepInRegister-inl.h"
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -155,22 +159,31 @@ void SlideAlongRow(const RowAlong& row, const FixedLine& line) {
                                  HWY_ATTR { return hn::OddEven(hn::Set(wides, odd), hn::Set(wides, even)); };
     SlidingSum lowerSums(alternating(first[0], first[2]));
     SlidingSum upperSums(alternating(first[1], first[3]));
-    const auto lower = [&](const std::uint8_t* from) HWY_ATTR {
-        return hn::And(hn::BitCast(wides, hn::LoadU(bytes, from)), hn::Set(wides, 255));
+    const auto load = [&](const std::uint8_t* from) HWY_ATTR {
+        auto both = hn::BitCast(unsignedWides, hn::LoadU(bytes, from));
+        KeepInRegister(both);
+        return both;
     };
-    const auto upper = [&](const std::uint8_t* from) HWY_ATTR {
-        return hn::BitCast(wides, hn::ShiftRight<8>(hn::BitCast(unsignedWides, hn::LoadU(bytes, from))));
-    };
+    const auto lower = [&](auto both)
+                           HWY_ATTR { return hn::And(hn::BitCast(wides, both), hn::Set(wides, 255)); };
+    const auto upper = [&](auto both) HWY_ATTR { return hn::BitCast(wides, hn::ShiftRight<8>(both)); };
     const MeanOf meanOf(line);
-    const auto blurred = [&](SlidingSum& sums, auto part, int i) HWY_ATTR {
-        const auto leaves = part(before + i);
-        const auto sum = sums.Next(hn::Sub(part(last + i), leaves));
-        const auto mean = meanOf(sum, hn::Add(leaves, part(last + kComponents + i)));
+    const auto blurred = [&](SlidingSum& sums, auto leaves, auto end, auto behind) HWY_ATTR {
+        const auto sum = sums.Next(hn::Sub(end, leaves));
+        const auto mean = meanOf(sum, hn::Add(leaves, behind));
         return hn::Min(mean, hn::Set(wides, 255));
     };
-    for (int i = 0; i < row.width * kComponents; i += static_cast<int>(hn::Lanes(bytes))) {
-        const auto low = blurred(lowerSums, lower, i);
-        const auto high = blurred(upperSums, upper, i);
+    const std::uint8_t* const ahead = row.ahead;
+    const int size = row.width * kComponents;
+    for (int i = 0; i < size; i += static_cast<int>(hn::Lanes(bytes))) {
+        if (ahead != nullptr) {
+            FetchAhead(ahead + i);
+        }
+        const auto leaves = load(before + i);
+        const auto end = load(last + i);
+        const auto behind = load(last + kComponents + i);
+        const auto low = blurred(lowerSums, lower(leaves), lower(end), lower(behind));
+        const auto high = blurred(upperSums, upper(leaves), upper(end), upper(behind));
         const auto pixels = hn::BitCast(bytes, hn::Or(low, hn::ShiftLeft<8>(high)));
         kStreams ? hn::Stream(pixels, bytes, row.out + i) : hn::StoreU(pixels, bytes, row.out + i);
     }
