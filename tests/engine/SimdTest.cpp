@@ -509,6 +509,10 @@ TEST(Simd, ConvolutionEqualsPlainLoops) {
                     (isPlain ? scalar::Convolve : simd::Convolve)(taps.data(), kernel, out,
                                                                   FineLength(width));
                 });
+                ExpectSameRows(width, what + ", along", [&](bool isPlain, Fine* out) {
+                    (isPlain ? scalar::ConvolveAlong : simd::ConvolveAlong)(fines.data() + 2, kernel, out,
+                                                                            FineLength(width));
+                });
                 ExpectSameRows(width, what + ", across", [&](bool isPlain, Fine* out) {
                     (isPlain ? scalar::ConvolveAcross : simd::ConvolveAcross)(pixels.Row(0) + 4, kernel,
                                                                               width, out);

@@ -110,6 +110,13 @@ void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std:
     }
 }
 
+void ConvolveAlong(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto tap = [&](std::size_t k) { return in[i + k * kFinesPerPixel]; };
+        out[i] = static_cast<Fine>(WeightedSum(kernel, kKernelUnit / 2, tap));
+    }
+}
+
 void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
     Fine* const upper = out + HalfLength(width);
     for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(width); ++i) {

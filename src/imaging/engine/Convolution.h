@@ -36,7 +36,9 @@ inline constexpr int kUsualSharpening = 4;
 
 // Both neighbours at distance k are averaged, halves up.
 //   Convolve: out[i] from taps[0][i], taps[1][i], ...: 2 kernel.size() - 1 rows of `count` components, the
-//   centre in the middle. Each product is rounded to the nearest unit. `count` is a multiple of kFineStep.
+//   centre in the middle. Each product is rounded to the nearest unit. Rows begin on whole vectors, and
+//   `count` is a multiple of kFineStep. ConvolveAlong: the same along half a fine row: tap k is in + k
+//   pixels.
 // Opaque pixels go a shorter way, in rows like fine ones whose unit is 1/256 of a level. Each product is
 // rounded down, and what that takes away is made up for at the end.
 //   ConvolveAcross: such a row of `width` pixels; the first tap of the first pixel is in[0]. Reads whole
@@ -45,6 +47,7 @@ inline constexpr int kUsualSharpening = 4;
 namespace scalar {
 
 void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count);
+void ConvolveAlong(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count);
 void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out);
 void ConvolveToPixels(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target);
 
@@ -53,6 +56,7 @@ void ConvolveToPixels(const Fine* const* taps, const HalfKernel& kernel, const P
 namespace simd {
 
 void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count);
+void ConvolveAlong(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count);
 void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out);
 void ConvolveToPixels(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target);
 

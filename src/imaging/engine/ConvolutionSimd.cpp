@@ -20,6 +20,7 @@ namespace pictorel::engine::HWY_NAMESPACE {
 
 using scalar::Convolve;
 using scalar::ConvolveAcross;
+using scalar::ConvolveAlong;
 using scalar::ConvolveToPixels;
 
 #else
@@ -85,13 +86,26 @@ struct Downwards {
 template <std::size_t kRadius>
 struct Down {
     static void Run(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
-        const Beside fines;
-        const Weights<Beside, kRadius, ToNearest> weights(kernel);
+        const Below fines;
+        const Weights<Below, kRadius, ToNearest> weights(kernel);
         const Fine* rows[2 * kRadius + 1];
         std::copy_n(taps, 2 * kRadius + 1, rows);
         for (std::size_t i = 0; i < count; i += hn::Lanes(fines)) {
-            const auto tap = [&](std::size_t k) HWY_ATTR { return hn::LoadU(fines, rows[k] + i); };
-            hn::StoreU(weights.Sum(tap), fines, out + i);
+            const auto tap = [&](std::size_t k) HWY_ATTR { return hn::Load(fines, rows[k] + i); };
+            hn::Store(weights.Sum(tap), fines, out + i);
+        }
+    }
+};
+
+template <std::size_t kRadius>
+struct Along {
+    static void Run(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count) {
+        const Beside fines;
+        const Weights<Beside, kRadius, ToNearest> weights(kernel);
+        for (std::size_t i = 0; i < count; i += hn::Lanes(fines)) {
+            const auto tap = [&](std::size_t k)
+                                 HWY_ATTR { return hn::LoadU(fines, in + i + k * kFinesPerPixel); };
+            hn::Store(weights.Sum(tap), fines, out + i);
         }
     }
 };
@@ -202,6 +216,11 @@ void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std:
     loop != nullptr ? loop(taps, kernel, out, count) : scalar::Convolve(taps, kernel, out, count);
 }
 
+void ConvolveAlong(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count) {
+    const auto loop = LoopFor<Along>(kernel);
+    loop != nullptr ? loop(in, kernel, out, count) : scalar::ConvolveAlong(in, kernel, out, count);
+}
+
 void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
     const auto loop = LoopFor<Across>(kernel);
     loop != nullptr ? loop(in, kernel, width, out) : scalar::ConvolveAcross(in, kernel, width, out);
@@ -221,11 +240,16 @@ HWY_AFTER_NAMESPACE();
 namespace pictorel::engine::simd {
 
 HWY_EXPORT(Convolve);
+HWY_EXPORT(ConvolveAlong);
 HWY_EXPORT(ConvolveAcross);
 HWY_EXPORT(ConvolveToPixels);
 
 void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(Convolve)(taps, kernel, out, count);
+}
+
+void ConvolveAlong(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(ConvolveAlong)(in, kernel, out, count);
 }
 
 void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {

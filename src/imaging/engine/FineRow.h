@@ -19,6 +19,7 @@ inline constexpr std::size_t kFineStep = 32;
 
 // A fine row has two halves of this length: first the components 0 and 2 of all pixels, then the components 1
 // and 3. Bytes are parted that way without a shuffle, and put together again.
+inline constexpr std::size_t kFinesPerPixel = PixelArray::kComponents / 2; // in a half
 constexpr std::size_t HalfLength(int width) {
     return (static_cast<std::size_t>(width) * 2 + kFineStep - 1) / kFineStep * kFineStep + 2 * kFineStep;
 }

@@ -30,7 +30,7 @@ class PlaneRows : public FineRows {
         : FineRows(columns.width), plane_(plane), columns_(columns) {}
 
     void Make(int y, Fine* row) override {
-        constexpr int kPerHalf = kComponents / 2;
+        constexpr int kPerHalf = kFinesPerPixel;
         const Bounds& bounds = plane_.Extent();
         const Fine* from = plane_.Row(std::clamp(y, bounds.top, bounds.bottom - 1));
         for (const bool isUpper : {false, true}) {
@@ -70,18 +70,14 @@ class AcrossFine : public FineRows {
         : FineRows(source->Width() - 2 * (static_cast<int>(kernel.size()) - 1)),
           kernel_(kernel),
           source_(std::move(source)),
-          row_(FineLength(source_->Width())),
-          taps_(2 * kernel.size() - 1) {}
+          row_(FineLength(source_->Width())) {}
 
     void Make(int y, Fine* row) override {
         source_->Make(y, row_.data());
         const Fine* from = row_.data();
         for (const bool isUpper : {false, true}) {
-            for (std::size_t k = 0; k < taps_.size(); ++k) {
-                taps_[k] = from + k * (kComponents / 2);
-            }
-            simd::Convolve(taps_.data(), kernel_, isUpper ? row + HalfLength(Width()) : row,
-                           HalfLength(Width()) - 2 * kFineStep);
+            simd::ConvolveAlong(from, kernel_, isUpper ? row + HalfLength(Width()) : row,
+                                HalfLength(Width()) - 2 * kFineStep);
             from += HalfLength(source_->Width());
         }
     }
@@ -90,7 +86,6 @@ class AcrossFine : public FineRows {
     const HalfKernel& kernel_;
     std::unique_ptr<FineRows> source_;
     FineRow row_;
-    std::vector<const Fine*> taps_;
 };
 
 int MarginOf(const HalfKernel& kernel) {
@@ -143,7 +138,7 @@ FinePlane MakePlane(const Bounds& bounds, const RowsOfStrip& makeRows) {
         const Fine* const upper = row.data() + HalfLength(rows->Width());
         for (int y = area.top; y < area.top + area.height; ++y) {
             rows->Make(y, row.data());
-            constexpr int kPerHalf = kComponents / 2;
+            constexpr int kPerHalf = kFinesPerPixel;
             Fine* const to = plane.Row(y) + static_cast<std::ptrdiff_t>(area.left - bounds.left) * kPerHalf;
             std::copy_n(row.data(), area.width * kPerHalf, to);
             std::copy_n(upper, area.width * kPerHalf, to + half);

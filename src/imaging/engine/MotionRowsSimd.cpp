@@ -81,15 +81,14 @@ void SlideRows(const Stack& stack, const FixedLine& line) {
         hn::StoreU(FirstSum(stack, line.whole, i), wides, sums.data() + i);
     }
     const MeanOf meanOf(line);
-    constexpr int kAhead = 2; // rows
     for (int index = 0; index < stack.count; ++index) {
         const std::uint8_t* const before = stack.Row(index - line.whole - 1);
         const std::uint8_t* const leaving = stack.Row(index - line.whole);
         const std::uint8_t* const entering = stack.Row(index + line.whole + 1);
-        const std::uint8_t* const next = stack.Row(index + line.whole + 1 + kAhead);
+        const std::uint8_t* const next = stack.Row(index + line.whole + 1 + kRowsAhead);
         std::uint8_t* const out = stack.out + index * stack.outStep;
         for (std::size_t i = 0; i < size; i += lanes) {
-            hwy::Prefetch(next + i);
+            FetchAhead(next + i);
             const auto sum = hn::LoadU(wides, sums.data() + i);
             const auto enters = LoadWidened(entering + i);
             const auto mean = hn::DemoteTo(bytes, meanOf(sum, hn::Add(LoadWidened(before + i), enters)));

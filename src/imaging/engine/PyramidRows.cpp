@@ -4,8 +4,6 @@
 namespace pictorel::engine::scalar {
 namespace {
 
-constexpr std::size_t kPerPixel = PixelArray::kComponents / 2; // in one half of a row
-
 Fine Average(Fine a, Fine b) {
     return static_cast<Fine>((a + b + 1) / 2);
 }
@@ -46,8 +44,8 @@ void HalveDownOpaque(const std::uint8_t* const* rows, int width, Fine* out) {
 
 void HalveAcross(const Fine* in, int width, Fine* out) {
     ForBothHalves(in, 2 * width + 4, out, width, [&](const Fine* from, Fine* to) {
-        for (std::size_t i = 0; i < static_cast<std::size_t>(width) * kPerPixel; ++i) {
-            const Fine* const tap = from + 2 * i - i % kPerPixel;
+        for (std::size_t i = 0; i < static_cast<std::size_t>(width) * kFinesPerPixel; ++i) {
+            const Fine* const tap = from + 2 * i - i % kFinesPerPixel;
             to[i] = Halved(tap[0], tap[2], tap[4], tap[6], tap[8]);
         }
     });
@@ -69,11 +67,11 @@ void DoubleDownToPixels(const Fine* const* rows, bool isBetween, std::size_t hal
 
 void DoubleAcross(const Fine* in, int inWidth, int width, Fine* out) {
     ForBothHalves(in, inWidth, out, 2 * width, [&](const Fine* from, Fine* to) {
-        for (std::size_t i = 0; i < static_cast<std::size_t>(width) * kPerPixel; ++i) {
-            const Fine* const tap = from + i + kPerPixel;
-            const std::size_t at = 2 * i - i % kPerPixel;
-            to[at] = OnPixel(tap[0], tap[kPerPixel], tap[2 * kPerPixel]);
-            to[at + kPerPixel] = Average(tap[kPerPixel], tap[2 * kPerPixel]);
+        for (std::size_t i = 0; i < static_cast<std::size_t>(width) * kFinesPerPixel; ++i) {
+            const Fine* const tap = from + i + kFinesPerPixel;
+            const std::size_t at = 2 * i - i % kFinesPerPixel;
+            to[at] = OnPixel(tap[0], tap[kFinesPerPixel], tap[2 * kFinesPerPixel]);
+            to[at + kFinesPerPixel] = Average(tap[kFinesPerPixel], tap[2 * kFinesPerPixel]);
         }
     });
 }
