@@ -1,6 +1,7 @@
 // The two passes of resampling in 16-bit fixed point, in vectors, see ResampleFixed.h. Products are summed
 // in pairs: two rows, two columns.
 #include "imaging/engine/ResampleFixed.h"
+#include "imaging/engine/Streaming.h"
 
 #include <cmath>
 #include <cstring>
@@ -121,7 +122,10 @@ HWY_INLINE void SumRowsBlocks(std::span<const std::uint8_t* const> rows,
             quarter = NoSum();
         }
     }
+    constexpr int kAhead = 256; // bytes; no processor follows hundreds of rows at once
     for (std::size_t i = 0; i < weights.size(); i += 2) {
+        FetchAhead(rows[i] + offset + kAhead);
+        FetchAhead(rows[i + 1] + offset + kAhead);
         const auto factors = PairOfWeights(weights.data() + i);
         for (int k = 0; k < kBlocks; ++k) {
             AddRows(sums[k], rows[i] + offset + k * block, rows[i + 1] + offset + k * block, factors);
