@@ -81,11 +81,12 @@ class AlphaBand {
             bottom_ = std::max(bottom_, taps.first + static_cast<int>(taps.weights.size()));
         }
         bottom_ = std::min(bottom_, source_.Height());
+        const int held = std::max(bottom_ - top_, 1);
         constexpr int kCacheComponents = 1 << 16;
         stripComponents_ =
-            std::clamp(kCacheComponents / (bottom_ - top_) / kRowBlock, 1, kStripComponents / kRowBlock) *
-            kRowBlock;
-        strip_.resize(std::max(strip_.size(), static_cast<std::size_t>((bottom_ - top_) * stripComponents_)));
+            std::clamp(kCacheComponents / held / kRowBlock, 1, kStripComponents / kRowBlock) * kRowBlock;
+        strip_.resize(std::max(strip_.size(),
+                               static_cast<std::size_t>(held) * static_cast<std::size_t>(stripComponents_)));
         for (int left = 0; left < components_; left += stripComponents_) {
             SumStrip(left, first, end);
         }
@@ -143,7 +144,7 @@ class EnlargedBand {
         for (int row = 0; row < rows.Length(); ++row) {
             mostTaps = std::max(mostTaps, static_cast<int>(rows[row].weights.size()));
         }
-        heldGroups_.assign(static_cast<std::size_t>((mostTaps + kGroup - 2) / kGroup + 1), -1);
+        heldGroups_.assign(static_cast<std::size_t>((mostTaps + kGroup - 2) / kGroup) + 1, -1);
         ring_.resize(heldGroups_.size() * static_cast<std::size_t>(kGroup * stride_));
     }
 
