@@ -46,7 +46,8 @@ class ColumnSums {
                 sums[c] += column[c];
             }
         }
-        const std::uint64_t pixels = static_cast<std::uint64_t>(columns) * static_cast<std::uint64_t>(rows);
+        const std::uint64_t pixels = std::max(
+            static_cast<std::uint64_t>(columns) * static_cast<std::uint64_t>(rows), std::uint64_t{1});
         const std::uint64_t weight = source_.HasAlpha() ? sums[3] : pixels;
         Colour mean{};
         for (int c = 0; c < 3; ++c) {
