@@ -1,7 +1,9 @@
 // The kernels with vector instructions give what their scalar references give, for every instruction set that
 // this processor has and on lengths that are no multiple of any vector.
 #include "engine/WarpTestPictures.h"
+#include "imaging/engine/LevelRuns.h"
 #include "imaging/engine/ResampleSeparable.h"
+#include "imaging/engine/WarpLoops.h"
 #include "imaging/engine/WarpSampler.h"
 
 #include <hwy/highway.h>
@@ -81,6 +83,28 @@ TEST(BicubicKernels, EqualTheReference) {
                 }
             });
         }
+    }
+}
+
+TEST(LevelRuns, EqualTheirReferenceAndAreNearTheCommonOne) {
+    for (const PixelArray& picture : {Speckled(37, 23), HardEdges(37, 23, false)}) {
+        ForEachTarget([&] {
+            for (const int count : {1, 2, 3, 7, 17, 63, kRunLength}) {
+                SampleRun run = ScatteredPoints(picture, count, 11U * count);
+                std::fill(run.y.begin(), run.y.end(), run.y[0]);
+                run.bounds = BoundsOf(run);
+                std::vector<std::uint8_t> common(4 * static_cast<std::size_t>(count) + 1, 77);
+                std::vector<std::uint8_t> expected = common;
+                std::vector<std::uint8_t> actual = common;
+                SampleOpaqueReference(picture.Row(0), picture.Stride(), run, common.data());
+                scalar::SampleLevel(picture.Row(0), picture.Stride(), run, expected.data());
+                simd::SampleLevel(picture.Row(0), picture.Stride(), run, actual.data());
+                ASSERT_EQ(actual, expected) << count << " points";
+                for (std::size_t i = 0; i < common.size(); ++i) {
+                    ASSERT_NEAR(expected[i], common[i], 1) << count << " points";
+                }
+            }
+        });
     }
 }
 

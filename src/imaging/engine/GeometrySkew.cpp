@@ -17,6 +17,7 @@ constexpr int kComponents = PixelArray::kComponents;
 struct SkewMap : CanvasMap {
     static constexpr bool kIsAffine = true;
     static constexpr bool kIsEven = true;
+    static constexpr bool kIsLevel = true;
 
     double acrossPerRow; // how far the source moves right with every row down
 
@@ -70,8 +71,9 @@ class RowSkew {
     }
 
     void MakeRuns(int y, ColumnSpan columns, std::uint8_t* to) const {
-        for (int x = columns.first; x < columns.end; x += kRunLength) {
-            warper_.Make({x + 0.5, y + 0.5}, std::min(kRunLength, columns.end - x),
+        constexpr int kPiece = 64; // mostly nothing but background
+        for (int x = columns.first; x < columns.end; x += kPiece) {
+            warper_.Make({x + 0.5, y + 0.5}, std::min(kPiece, columns.end - x),
                          to + static_cast<std::ptrdiff_t>(x) * kComponents);
         }
     }

@@ -81,7 +81,11 @@ struct RotationMap : CanvasMap {
     LocalScale Scale(WarpPoint /*p*/) const { return {{cosine, sine}, {-sine, cosine}}; }
 };
 
+// About the horizontal middle line.
 struct PerspectiveMap : CanvasMap {
+    static constexpr bool kIsEven = true;
+    static constexpr bool kIsLevel = true;
+
     double distance;
     double distanceCosine;
     double sine;
@@ -92,69 +96,25 @@ struct PerspectiveMap : CanvasMap {
           distanceCosine(distance * std::cos(Radians(degrees))),
           sine(std::sin(Radians(degrees))) {}
 
-    // Across and along the tilted direction, from the centre.
-    WarpPoint Plane(double across, double along) const {
-        const double q = distanceCosine + along * sine;
+    WarpPoint Source(WarpPoint p) const {
+        const double x = p.x - centre.x;
+        const double y = p.y - centre.y;
+        const double q = distanceCosine + y * sine;
         if (q <= 0) {
             // As far away as just before the horizon, in the same direction: so a run of points that crosses
             // it is seen to lie outside the picture on one side.
             constexpr double kNowhere = 1e9;
-            return {std::copysign(kNowhere, across), std::copysign(kNowhere, along)};
+            return {centre.x + std::copysign(kNowhere, x), centre.y + std::copysign(kNowhere, y)};
         }
-        return {across * distanceCosine / q, along * distance / q};
+        return {centre.x + x * distanceCosine / q, centre.y + y * distance / q};
     }
 
-    // The derivatives of that, across first and along second. At the horizon the plane is nowhere.
-    LocalScale PlaneScale(double across, double along) const {
-        constexpr double kNearHorizon = 1e-6;
-        const double perQ = 1 / std::max(distanceCosine + along * sine, kNearHorizon);
-        const double shrink = distanceCosine * perQ;
-        return {{shrink, 0}, {-across * shrink * sine * perQ, distance * shrink * perQ}};
-    }
-};
-
-struct VerticalPerspectiveMap : PerspectiveMap {
-    static constexpr bool kIsEven = true;
-
-    using PerspectiveMap::PerspectiveMap;
-
-    WarpPoint Source(WarpPoint p) const {
-        const WarpPoint plane = Plane(p.x - centre.x, p.y - centre.y);
-        return {centre.x + plane.x, centre.y + plane.y};
-    }
-
-    LocalScale Scale(WarpPoint p) const { return PlaneScale(p.x - centre.x, p.y - centre.y); }
-};
-
-struct HorizontalPerspectiveMap : PerspectiveMap {
-    using PerspectiveMap::PerspectiveMap;
-
-    WarpPoint Source(WarpPoint p) const {
-        const WarpPoint plane = Plane(p.y - centre.y, p.x - centre.x);
-        return {centre.x + plane.y, centre.y + plane.x};
-    }
-
-    // The same for many points that lie before the horizon: both coordinates are quotients of what grows
-    // evenly, from the centre of the top left pixel and in the unit of samples.
-    bool LocateRun(WarpPoint first, SampleRun& run) const {
-        const double along = first.x - centre.x;
-        const double across = first.y - centre.y;
-        const LinearSpacing q{distanceCosine + along * sine, sine};
-        if (q.first <= 0 || q.first + q.perPoint * (kRunLength - 1) <= 0) {
-            return false;
-        }
-        const auto numerator = [&](double origin, double scaled, double perPoint) {
-            return LinearSpacing{(origin * q.first + scaled) * kPhases,
-                                 (origin * q.perPoint + perPoint) * kPhases};
-        };
-        LocateQuotients(numerator(centre.x - 0.5, along * distance, distance),
-                        numerator(centre.y - 0.5, across * distanceCosine, 0), q, run.x.data(), run.y.data());
-        return true;
-    }
-
+    // At the horizon the plane is nowhere.
     LocalScale Scale(WarpPoint p) const {
-        const auto [across, along] = PlaneScale(p.y - centre.y, p.x - centre.x);
-        return {{along.y, along.x}, {across.y, across.x}};
+        constexpr double kNearHorizon = 1e-6;
+        const double perQ = 1 / std::max(distanceCosine + (p.y - centre.y) * sine, kNearHorizon);
+        const double shrink = distanceCosine * perQ;
+        return {{shrink, 0}, {-(p.x - centre.x) * shrink * sine * perQ, distance * shrink * perQ}};
     }
 };
 
@@ -248,9 +208,11 @@ PixelArray Perspective(const PixelArray& source, bool vertical, double degrees, 
         return BackgroundOnly(source, background);
     }
     if (vertical) {
-        return Warp(source, VerticalPerspectiveMap(source, degrees), background);
+        return Warp(source, PerspectiveMap(source, degrees), background);
     }
-    return Warp(source, HorizontalPerspectiveMap(source, degrees), background);
+    // Turning twice costs little beside what mixing rows saves.
+    const PixelArray turned = QuarterTurnRight(source);
+    return QuarterTurnLeft(Warp(turned, PerspectiveMap(turned, degrees), background));
 }
 
 PixelArray Twirl(const PixelArray& source, double degrees, std::uint32_t background) {

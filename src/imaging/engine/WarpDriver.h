@@ -36,6 +36,7 @@ struct LocalScale {
 //   kOutside                         what is seen where the source is outside the picture,
 //   kIsAffine                        whether every pixel is moved by the same linear map,
 //   kIsEven                          whether the points of a row come from evenly spaced ones,
+//   kIsLevel                         whether all points of a row come from points of one row,
 //   kIsMonotonic                     whether coordinates only grow or only shrink along a row,
 // and, if that is faster, bool LocateRun(WarpPoint first, SampleRun&), which fills in run.count points if it
 // can.
@@ -71,6 +72,16 @@ inline Stretch StretchOf(const LocalScale& scale) {
     const double turning = Length(a.x + b.y, a.y - b.x) / 2;
     const double mirroring = Length(a.x - b.y, a.y + b.x) / 2;
     return {turning + mirroring, std::abs(turning - mirroring)};
+}
+
+// Whether the largest factor is at most `limit`: the larger eigenvalue of the matrix times its transpose,
+// whose sum and product are known without a root.
+inline bool StretchesAtMost(double limit, const LocalScale& scale) {
+    const auto& [a, b] = scale;
+    const double determinant = a.x * b.y - a.y * b.x;
+    const double sum = SquareOfLength(a.x, a.y) + SquareOfLength(b.x, b.y);
+    const double square = limit * limit;
+    return sum <= 2 * square && square * (sum - square) <= determinant * determinant;
 }
 
 // Part of a pixel's side over which samples are spread, for a side whose length in the source has this
@@ -168,11 +179,10 @@ inline std::int32_t ToSamplePosition(double position, int size) {
 // Evenly spaced points from the first to the last. Single precision does: it counts from the first one.
 inline EvenSpacing SpacingOf(double first, double last, int count) {
     const double step = count > 1 ? (last - first) * kPhases / (count - 1) : 0;
-    const double bias = std::ceil(std::abs(step)) * kRunLength; // keeps what is truncated positive
+    const double bias = (std::abs(step) + 1) * kRunLength; // keeps what is truncated positive
     const double start = (first - 0.5) * kPhases + 0.5 - bias;
-    const double base = std::floor(start);
-    return {static_cast<std::int32_t>(base), static_cast<float>(start - base + bias),
-            static_cast<float>(step)};
+    const auto base = static_cast<std::int32_t>(start);
+    return {base, static_cast<float>(start - base + bias), static_cast<float>(step)};
 }
 
 // Of points of which the first and the last are the outermost.
@@ -199,8 +209,8 @@ void LocatePoints(const Map& map, const PixelArray& source, WarpPoint first, Sam
         const WarpPoint from = map.Source(first);
         const WarpPoint to = map.Source({first.x + (run.count - 1), first.y});
         if (IsNear(from) && IsNear(to)) {
-            LocateEvenly(SpacingOf(from.x, to.x, run.count), run.x.data());
-            LocateEvenly(SpacingOf(from.y, to.y, run.count), run.y.data());
+            LocateEvenly(SpacingOf(from.x, to.x, run.count), run.count, run.x.data());
+            LocateEvenly(SpacingOf(from.y, to.y, run.count), run.count, run.y.data());
             return;
         }
     }
@@ -214,6 +224,7 @@ void LocatePoints(const Map& map, const PixelArray& source, WarpPoint first, Sam
 template <class Map>
 void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count, SampleRun& run) {
     run.count = count;
+    run.isLevel = Map::kIsLevel;
     LocatePoints(map, source, first, run);
     run.bounds = Map::kIsMonotonic ? BoundsOfEnds(run) : BoundsOf(run);
 }
@@ -236,6 +247,10 @@ class RunWarper {
     void Make(WarpPoint first, int count, std::uint8_t* to) const {
         SampleRun run;
         Locate(map_, source_, first, count, run);
+        if (!Map::kIsAffine && sampler_.IsDeepInside(run) && TakesOneSample(first, count)) {
+            sampler_.Sample(run, {}, to); // what most runs are: without what a pattern costs
+            return;
+        }
         const SamplePattern pattern = Map::kIsAffine ? evenPattern_ : PatternForRun(first, run);
         if (sampler_.IsBackground(run, pattern.pixelReach)) {
             sampler_.FillBackground(count, to);
@@ -254,6 +269,15 @@ class RunWarper {
     static constexpr int kManySamples = 12;
     static constexpr int kShortRun = 16;
 
+    // At the ends of a run and in its middle.
+    bool TakesOneSample(WarpPoint first, int count) const {
+        const double half = (count - 1) / 2.0;
+        const auto isEnough = [&](double offset) {
+            return StretchesAtMost(kLargestStep, map_.Scale({first.x + offset, first.y}));
+        };
+        return isEnough(0) && isEnough(half) && isEnough(2 * half);
+    }
+
     // Perspective reduces without limit towards its horizon: only what is seen of the picture decides.
     SamplePattern PatternForRun(WarpPoint first, const SampleRun& run) const {
         const ColumnSpan seen = sampler_.NearestToPicture(run);
@@ -262,16 +286,15 @@ class RunWarper {
 
     void MakeFromPattern(const SamplePattern& pattern, WarpPoint first, int count, std::uint8_t* to) const {
         SampleRun run;
-        std::array<std::int32_t, kRunNumbers> sums{};
-        std::array<std::uint8_t, kRunNumbers> samples{};
+        std::array<std::int32_t, std::size_t{kRunLength} * PixelArray::kComponents> sums{};
+        std::array<std::uint8_t, std::size_t{kRunLength} * PixelArray::kComponents> samples{};
         for (int i = 0; i < pattern.count; ++i) {
             const WarpPoint offset = pattern.Offset(i);
             Locate(map_, source_, {first.x + offset.x, first.y + offset.y}, count, run);
             sampler_.Sample(run, pattern.border, samples.data());
-            AddSamples(samples.data(), source_.HasAlpha(), sums.data());
+            AddSamples(samples.data(), count, source_.HasAlpha(), sums.data());
         }
-        MeanOfSamples(sums.data(), pattern.count, source_.HasAlpha(), samples.data());
-        std::copy_n(samples.data(), count * PixelArray::kComponents, to);
+        MeanOfSamples(sums.data(), count, pattern.count, source_.HasAlpha(), to);
     }
 
     const PixelArray& source_;
@@ -305,11 +328,13 @@ PixelArray Warp(const PixelArray& source, const Map& map, std::uint32_t backgrou
             }
         }
     };
+    // The scale of other maps changes along a row, even of a small picture.
+    const int runLength = Map::kIsAffine ? kRunLength : std::clamp(result.Width() / 8, 32, kRunLength);
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int firstRow, int endRow) {
         for (int top = firstRow; top < endRow; top += warp::kTileHeight) {
             const int bottom = std::min(top + warp::kTileHeight, endRow);
-            for (int left = 0; left < result.Width(); left += kRunLength) {
-                warpTile(left, std::min(left + kRunLength, result.Width()), top, bottom);
+            for (int left = 0; left < result.Width(); left += runLength) {
+                warpTile(left, std::min(left + runLength, result.Width()), top, bottom);
             }
             for (int y = top; y < bottom; ++y) {
                 warp::CopyUnmoved(source, y, map.Moved(y), pixels + y * result.Stride());

@@ -8,9 +8,7 @@
 
 namespace pictorel::engine {
 
-inline constexpr int kRunNumbers = kRunLength * PixelArray::kComponents;
-
-// Of the points that the run counts. The other loops go over whole runs of kRunLength points.
+// Of the points that the run counts.
 SampleBounds BoundsOf(const SampleRun& run);
 
 // Truncated `base` + `offset` + i `step`; the last two must not add up to less than 0.
@@ -19,21 +17,12 @@ struct EvenSpacing {
     float offset;
     float step;
 };
-void LocateEvenly(EvenSpacing spacing, std::int32_t* to);
+void LocateEvenly(EvenSpacing spacing, int count, std::int32_t* to);
 
-// x / denominator and y / denominator, rounded and limited to +-kFarthest, each of which grows evenly.
-struct LinearSpacing {
-    double first;
-    double perPoint;
-};
-inline constexpr double kFarthest = 1 << 30;
-void LocateQuotients(LinearSpacing x, LinearSpacing y, LinearSpacing denominator, std::int32_t* toX,
-                     std::int32_t* toY);
-
-// sums += pixels, colours times alpha where there is alpha.
-void AddSamples(const std::uint8_t* pixels, bool hasAlpha, std::int32_t* sums);
+// sums += pixels, of `count` pixels, colours times alpha where there is alpha.
+void AddSamples(const std::uint8_t* pixels, int count, bool hasAlpha, std::int32_t* sums);
 
 // Pixels from the sums of so many samples.
-void MeanOfSamples(const std::int32_t* sums, int samples, bool hasAlpha, std::uint8_t* pixels);
+void MeanOfSamples(const std::int32_t* sums, int count, int samples, bool hasAlpha, std::uint8_t* pixels);
 
 } // namespace pictorel::engine

@@ -1,6 +1,7 @@
 // Bicubic sampling with an antialiased border, see WarpSampler.h.
 #include "imaging/engine/WarpSampler.h"
 
+#include "imaging/engine/LevelRuns.h"
 #include "imaging/engine/Rounding.h"
 #include "imaging/engine/WarpKernel.h"
 #include "imaging/engine/WholePixel.h"
@@ -14,10 +15,18 @@ namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
 
+bool Contains(const SampleBounds& outer, const SampleBounds& inner) {
+    return inner.left >= outer.left && inner.right <= outer.right && inner.top >= outer.top &&
+           inner.bottom <= outer.bottom;
+}
+
 } // namespace
 
 WarpSampler::WarpSampler(const PixelArray& source, Outside outside, std::uint32_t background)
-    : source_(source), outside_(outside), backgroundPixel_(OpaquePixel(background)) {}
+    : source_(source),
+      outside_(outside),
+      backgroundPixel_(OpaquePixel(background)),
+      deepInside_(InsideOf({6, 6})) {}
 
 SampleBounds WarpSampler::InsideOf(BorderWidth border) const {
     const auto margin = [](double width) {
@@ -25,6 +34,10 @@ SampleBounds WarpSampler::InsideOf(BorderWidth border) const {
     };
     return {margin(border.x), (source_.Width() - 1) * kPhases - margin(border.x) - 1, margin(border.y),
             (source_.Height() - 1) * kPhases - margin(border.y) - 1};
+}
+
+bool WarpSampler::IsDeepInside(const SampleRun& run) const {
+    return Contains(deepInside_, run.bounds);
 }
 
 bool WarpSampler::IsBackground(const SampleRun& run, BorderWidth border) const {
@@ -71,13 +84,11 @@ void WarpSampler::FillBackground(int count, std::uint8_t* to) const {
 void WarpSampler::Sample(const SampleRun& run, BorderWidth border, std::uint8_t* to) const {
     const SampleBounds safe = InsideOf(border);
     const SampleBounds& all = run.bounds;
-    if (all.left >= safe.left && all.right <= safe.right && all.top >= safe.top &&
-        all.bottom <= safe.bottom) {
+    if (Contains(safe, all)) {
         // The next run of the row, as far from this as this is long.
         const std::int32_t across = run.x[run.count - 1] - run.x[0];
         const std::int32_t down = run.y[run.count - 1] - run.y[0];
-        if (all.left + across >= safe.left && all.right + across <= safe.right &&
-            all.top + down >= safe.top && all.bottom + down <= safe.bottom) {
+        if (Contains(safe, {all.left + across, all.right + across, all.top + down, all.bottom + down})) {
             FetchAhead(source_.Row(0), source_.Stride(), run, across, down);
         }
         SampleInside(source_.Row(0), source_.Stride(), run, to);
@@ -105,6 +116,8 @@ void WarpSampler::SampleInside(const std::uint8_t* pixels, std::ptrdiff_t stride
                                std::uint8_t* to) const {
     if (source_.HasAlpha()) {
         SampleWithAlpha(pixels, stride, run, to);
+    } else if (run.isLevel && IsNarrow(run.bounds)) {
+        simd::SampleLevel(pixels, stride, run, to);
     } else {
         SampleOpaque(pixels, stride, run, to);
     }

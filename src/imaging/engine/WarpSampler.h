@@ -12,7 +12,7 @@ namespace pictorel::engine {
 // Points of the source are given as distances from the centre of its top left pixel, in 1/1024 pixel.
 inline constexpr int kPhaseBits = 10;
 inline constexpr int kPhases = 1 << kPhaseBits;
-inline constexpr int kRunLength = 64; // pixels of a row that are sampled in one go
+inline constexpr int kRunLength = 256; // pixels of a row that are sampled in one go
 
 // Columns from `first` up to but not including `end`.
 struct ColumnSpan {
@@ -26,7 +26,8 @@ struct SampleBounds {
 };
 
 struct SampleRun {
-    int count = 0; // at most kRunLength
+    int count = 0;        // at most kRunLength
+    bool isLevel = false; // whether all points have the same y
     SampleBounds bounds{};
     std::array<std::int32_t, kRunLength> x{};
     std::array<std::int32_t, kRunLength> y{};
@@ -79,6 +80,9 @@ class WarpSampler {
     // From the first to the last point inside the picture; where there is none, those that lie nearest.
     ColumnSpan NearestToPicture(const SampleRun& run) const;
 
+    // Whether no border that fades over up to six source pixels reaches any point.
+    bool IsDeepInside(const SampleRun& run) const;
+
     // Whether all points lie so far outside that only background is seen of them.
     bool IsBackground(const SampleRun& run, BorderWidth border) const;
     void FillBackground(int count, std::uint8_t* to) const;
@@ -93,6 +97,7 @@ class WarpSampler {
     const PixelArray& source_;
     Outside outside_;
     std::uint32_t backgroundPixel_;
+    SampleBounds deepInside_;
 };
 
 } // namespace pictorel::engine
