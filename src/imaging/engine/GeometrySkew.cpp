@@ -48,9 +48,9 @@ class RowSkew {
                 return source_.Row(row) +
                        static_cast<std::ptrdiff_t>(span.first + (shift >> kPhaseBits) - 1) * kComponents;
             };
-            simd::ShiftRow({from(y), kCubicTable[static_cast<std::size_t>(shift & (kPhases - 1))],
-                            span.end - span.first, to + static_cast<std::ptrdiff_t>(span.first) * kComponents,
-                            from(ahead), streams});
+            simd::ShiftRow({from(y), WeightsAt(shift), span.end - span.first,
+                            to + static_cast<std::ptrdiff_t>(span.first) * kComponents, from(ahead),
+                            streams});
         }
         MakeRuns(y, {span.end, source_.Width()}, to);
     }

@@ -10,11 +10,6 @@ namespace pictorel::engine::scalar {
 namespace {
 
 constexpr int kComponents = PixelArray::kComponents;
-constexpr std::int32_t kPhaseMask = kPhases - 1;
-
-const CubicWeights& WeightsAt(std::int32_t position) {
-    return kCubicTable[static_cast<std::size_t>(position & kPhaseMask)];
-}
 
 int Product(int value, int weight) {
     return (value * weight + (1 << 14)) >> 15;

@@ -26,10 +26,6 @@ constexpr std::ptrdiff_t kComponents = PixelArray::kComponents;
 using Shorts = hn::CappedTag<std::int16_t, kCubicTaps * kComponents>;
 using TwoPixels = hn::FixedTag<std::int16_t, 2 * kComponents>;
 
-const CubicWeights& WeightsAt(std::int32_t position) {
-    return kCubicTable[static_cast<std::size_t>(position & (kPhases - 1))];
-}
-
 // `count` components, at least those of four pixels.
 void MixRows(const std::uint8_t* first, std::ptrdiff_t stride, const CubicWeights& down, std::ptrdiff_t count,
              std::int16_t* mixed) {

@@ -59,4 +59,9 @@ alignas(64) inline constexpr std::array<CubicWeights, kPhases> kCubicTable = Mak
 static_assert(kCubicTable[0] == CubicWeights{0, 1 << kWeightBits, 0, 0});
 static_assert(kCubicTable[kPhases / 2] == CubicWeights{-1024, 9216, 9216, -1024});
 
+// Along one axis, for a point at that position in 1/kPhases.
+inline const CubicWeights& WeightsAt(std::int32_t position) {
+    return kCubicTable[static_cast<std::size_t>(position & (kPhases - 1))];
+}
+
 } // namespace pictorel::engine

@@ -20,9 +20,7 @@ Neighbourhood NeighbourhoodOf(const std::uint8_t* pixels, std::ptrdiff_t stride,
                               std::int32_t y) {
     const std::ptrdiff_t left = (x >> kPhaseBits) - 1;
     const std::ptrdiff_t top = (y >> kPhaseBits) - 1;
-    constexpr int kPhaseMask = kPhases - 1;
-    return {pixels + top * stride + left * kComponents, kCubicTable[static_cast<std::size_t>(x & kPhaseMask)],
-            kCubicTable[static_cast<std::size_t>(y & kPhaseMask)]};
+    return {pixels + top * stride + left * kComponents, WeightsAt(x), WeightsAt(y)};
 }
 
 // The products of the weights, rounded.

@@ -53,10 +53,6 @@ const std::uint8_t* TopLeftOf(const std::uint8_t* pixels, std::ptrdiff_t stride,
     return pixels + ((y >> kPhaseBits) - 1) * stride + ((x >> kPhaseBits) - 1) * kPixelBytes;
 }
 
-const CubicWeights& WeightsOf(std::int32_t position) {
-    return kCubicTable[static_cast<std::size_t>(position & (kPhases - 1))];
-}
-
 // Neighbours of a point, kRows rows of them in a vector.
 template <int kRows>
 HWY_INLINE auto LoadRows(const std::uint8_t* first, std::ptrdiff_t stride) {
@@ -173,8 +169,8 @@ template <bool kHasAlpha>
 HWY_INLINE void Interpolate(const std::uint8_t* pixels, std::ptrdiff_t stride, const std::int32_t* x,
                             const std::int32_t* y, std::uint8_t* to) {
     const auto sumsOf = [=](int i) HWY_ATTR {
-        return BlockSums<kHasAlpha>(TopLeftOf(pixels, stride, x[i], y[i]), stride, WeightsOf(x[i]),
-                                    WeightsOf(y[i]));
+        return BlockSums<kHasAlpha>(TopLeftOf(pixels, stride, x[i], y[i]), stride, WeightsAt(x[i]),
+                                    WeightsAt(y[i]));
     };
     Ints sums = sumsOf(0);
     if constexpr (kBlocks == 2) {
