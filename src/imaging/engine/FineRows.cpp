@@ -10,8 +10,6 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
-
 class WidenedRows : public FineRows {
   public:
     WidenedRows(const PixelArray& picture, Columns columns)
