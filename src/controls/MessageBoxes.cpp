@@ -1,12 +1,15 @@
 // The modal message boxes on the screen, see MessageBoxes.h.
 #include "controls/MessageBoxes.h"
 
+#include "controls/MessageMark.h"
+
+#include <QLabel>
 #include <QMessageBox>
 
 namespace pictorel {
 namespace {
 
-QMessageBox::Icon IconOf(MessageIcon icon) {
+QMessageBox::Icon KindOf(MessageIcon icon) {
     switch (icon) {
         case MessageIcon::Critical:
             return QMessageBox::Critical;
@@ -18,19 +21,27 @@ QMessageBox::Icon IconOf(MessageIcon icon) {
     return QMessageBox::Question;
 }
 
+int Ask(QWidget* owner, const QString& text, const QString& title, MessageIcon icon,
+        QMessageBox::StandardButtons buttons) {
+    QMessageBox box(KindOf(icon), title, text, buttons, owner);
+    // Into the label, not by setIconPixmap(): that would take from the box what kind it is, which desktops
+    // tell by a sound and screen readers by words.
+    if (auto* const label = box.findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"))) {
+        label->setPixmap(MessageMark(icon, box.devicePixelRatioF()));
+    }
+    box.setTextFormat(Qt::PlainText);
+    return box.exec();
+}
+
 } // namespace
 
 void MessageBoxes::Show(const QString& text, const QString& title, MessageIcon icon) {
-    QMessageBox box(IconOf(icon), title, text, QMessageBox::Ok, owner_);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    Ask(owner_, text, title, icon, QMessageBox::Ok);
 }
 
 MessageAnswer MessageBoxes::AskYesNoCancel(const QString& text, const QString& title) {
-    QMessageBox box(QMessageBox::Question, title, text,
-                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, owner_);
-    box.setTextFormat(Qt::PlainText);
-    switch (box.exec()) {
+    switch (Ask(owner_, text, title, MessageIcon::Question,
+                QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel)) {
         case QMessageBox::Yes:
             return MessageAnswer::Yes;
         case QMessageBox::No:
