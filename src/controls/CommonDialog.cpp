@@ -4,7 +4,9 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QRegularExpression>
+#include <QTreeView>
 
 namespace pictorel {
 namespace {
@@ -49,6 +51,15 @@ QString ExtensionOf(const FilterEntry& entry) {
     return entry.patterns.isEmpty() ? QString() : QFileInfo(entry.patterns.first()).suffix();
 }
 
+// Sizes and dates in full, the rest of the width for the names.
+void GiveColumnsTheirWidth(QFileDialog& dialog) {
+    if (const auto* const list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        list->header()->setStretchLastSection(false);
+        list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
 } // namespace
 
 void CommonDialog::ShowOpen() {
@@ -68,6 +79,7 @@ void CommonDialog::ShowSave() {
 }
 
 void CommonDialog::Run(QFileDialog& dialog, bool saving) {
+    GiveColumnsTheirWidth(dialog);
     const auto entries = ParseFilter(Filter);
     const QStringList filters = NameFilters(entries);
     dialog.setNameFilters(filters);
