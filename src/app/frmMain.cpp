@@ -25,7 +25,6 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 
 namespace pictorel {
 namespace {
@@ -127,8 +126,7 @@ void frmMain::MakeImagingObjects() {
     imageConvert_ = std::make_unique<FileConverter>(*document_.ImageCodec, memory, pyramids);
     imageTransform_ = std::make_unique<WorkingPicture>();
     imageTwain_ = std::make_unique<ScannerProcess>(ApplicationFolder() + QStringLiteral("/pictorel_scanner"));
-    imagePaint_ = std::make_unique<PicturePrinter>(
-        this, [this] { return QFileInfo(document_.OpenDialogFolder).completeBaseName(); });
+    imagePaint_ = std::make_unique<PicturePrinter>(this, [this] { return document_.PictureName; });
     document_.Transforms.Set(kSlot, *imageTransform_);
     document_.Views.Set(kSlot, view);
     imageTransform_->SetBackgroundColour(document_.Views(kSlot).BackgroundColour());

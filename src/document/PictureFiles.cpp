@@ -7,6 +7,8 @@
 #include "platform/Numbers.h"
 #include "platform/PumpEvents.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <utility>
 
@@ -89,6 +91,9 @@ bool PictureFiles::OpenImageDialog(PictureSlot slot, CommonDialog& dialog) {
 bool PictureFiles::OpenImageFile(PictureSlot slot, const QString& fileName) {
     const bool loaded = LoadImageFile(slot, fileName);
     document_.OpenDialogFolder = fileName;
+    if (loaded) {
+        document_.PictureName = QFileInfo(fileName).fileName();
+    }
     return loaded;
 }
 
@@ -105,6 +110,9 @@ bool PictureFiles::SaveImageDialog(PictureSlot slot, CommonDialog& dialog) {
         const bool saved = SaveImageFile(slot, fileName, document_.FileSystem.ExtensionOf(fileName));
         PumpEvents();
         document_.SaveDialogFolder = fileName;
+        if (saved) {
+            document_.PictureName = QFileInfo(fileName).fileName();
+        }
         return saved;
     } catch (const std::exception& error) {
         ShowError(QString::fromUtf8(error.what()), applicationTitle_);

@@ -116,6 +116,7 @@ void ScanCommand::TakePage() {
     CarryOn([] { PumpEvents(); }, [&] { loaded = files_.LoadImageFile(kSlot, fileName); });
     Finish();
     if (loaded) {
+        document_.PictureName = QObject::tr("Scan");
         fileCommands_.ShowAsFreshlyOpened();
     } else {
         refuse();

@@ -148,6 +148,28 @@ TEST_F(Printing, CancellingPrintsNothingAndSaysNothing) {
     EXPECT_FALSE(editor.Document().ImageModified(0));
 }
 
+TEST_F(Printing, ThePageIsNamedAfterTheOpenPicture) {
+    QFile noPicture(editor.Path("letter.png"));
+    ASSERT_TRUE(noPicture.open(QIODevice::WriteOnly));
+    noPicture.write("no picture at all");
+    noPicture.close();
+    const auto titleOfPage = [this] {
+        WillPrintTo(editor.Path("out.pdf"));
+        editor.Click("Cmd_Panel", 4);
+        QProcess ask;
+        ask.start(QStringLiteral("pdfinfo"), {editor.Path("out.pdf")});
+        EXPECT_TRUE(ask.waitForFinished());
+        const QStringList lines = QString::fromUtf8(ask.readAllStandardOutput()).split(u'\n');
+        return lines.filter(QStringLiteral("Title:")).join(u' ').section(u':', 1).trimmed();
+    };
+
+    editor.Open(editor.MakeFile("lake.png", MakeScene(40, 30)));
+    editor.Open(noPicture.fileName());
+    EXPECT_EQ(titleOfPage(), "lake.png") << "not after the file that could not be opened";
+    editor.Save(editor.Path("shore.jpg"));
+    EXPECT_EQ(titleOfPage(), "shore.jpg");
+}
+
 TEST_F(Printing, APageThatCannotBeWrittenIsReported) {
     editor.Open(editor.MakeFile("a.png", MakeScene(40, 30)));
     for (const QString& target : {QStringLiteral("/dev/full"), QStringLiteral("/proc/none.pdf")}) {
