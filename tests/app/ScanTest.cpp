@@ -3,6 +3,7 @@
 #include "scanner/TestScanner.h"
 
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -20,11 +21,29 @@ bool TakesCommands(Editor& editor) {
     return editor.Get<ContainerPanel>("Resizer_Main").IsEnabled();
 }
 
-// Presses Scan and waits for its end.
+// Sees whether a widget is disabled, however shortly.
+class DisabledWatch : public QObject {
+  public:
+    explicit DisabledWatch(QWidget& widget) { widget.installEventFilter(this); }
+    bool WasDisabled() const { return wasDisabled_; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::EnabledChange && !static_cast<QWidget*>(watched)->isEnabled()) {
+            wasDisabled_ = true;
+        }
+        return false;
+    }
+
+  private:
+    bool wasDisabled_ = false;
+};
+
+// Presses Scan and waits for its end, which may come while the button is still being pressed.
 void Scan(Editor& editor) {
+    const DisabledWatch watch(editor.Get<ContainerPanel>("Resizer_Main"));
     editor.Click("Cmd_Panel", kScan);
-    EXPECT_FALSE(TakesCommands(editor));
     EXPECT_TRUE(editor.WaitUntil([&] { return TakesCommands(editor); }, 20000));
+    EXPECT_TRUE(watch.WasDisabled());
     QTest::qWait(20); // a message comes right after
 }
 
