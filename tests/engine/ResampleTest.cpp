@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <ostream>
 
 namespace pictorel::engine {
 namespace {
@@ -56,6 +57,10 @@ Pixel ReferencePixel(const PixelArray& source, int width, int height, int x, int
 struct Sizes {
     int fromWidth, fromHeight, toWidth, toHeight;
 };
+
+void PrintTo(const Sizes& s, std::ostream* out) {
+    *out << s.fromWidth << " x " << s.fromHeight << " to " << s.toWidth << " x " << s.toHeight;
+}
 
 class ResizeOf : public ::testing::TestWithParam<Sizes> {};
 

@@ -7,6 +7,7 @@
 #include <QByteArray>
 
 #include <iterator>
+#include <ostream>
 #include <tuple>
 
 namespace pictorel::metafile {
@@ -23,6 +24,10 @@ struct Judge {
     const char* name;
     const char* toSvg;
 };
+
+void PrintTo(const Judge& judge, std::ostream* out) {
+    *out << judge.name;
+}
 
 constexpr Judge kJudges[] = {
     {"inkscape", "inkscape --export-type=svg -o judged.svg"},
@@ -44,10 +49,12 @@ ByteBuffer PictureInside(const std::filesystem::path& drawing) {
     return {bytes.begin(), bytes.end()};
 }
 
-class OtherPrograms : public ::testing::TestWithParam<std::tuple<Judge, codecs::Codec>> {};
+// A judge, and which of MetafileCodecs().
+class OtherPrograms : public ::testing::TestWithParam<std::tuple<Judge, std::size_t>> {};
 
 TEST_P(OtherPrograms, FindTheSamePixels) {
-    const auto& [judge, codec] = GetParam();
+    const auto& [judge, format] = GetParam();
+    const codecs::Codec& codec = MetafileCodecs()[format];
     const JudgeFolder folder;
     if (folder.Run(std::string("command -v ") + judge.name) != 0) {
         GTEST_SKIP() << judge.name << " is not installed";
@@ -66,10 +73,10 @@ TEST_P(OtherPrograms, FindTheSamePixels) {
 
 INSTANTIATE_TEST_SUITE_P(Metafiles, OtherPrograms,
                          ::testing::Combine(::testing::ValuesIn(kJudges),
-                                            ::testing::Values(MetafileCodecs()[0], MetafileCodecs()[1])),
+                                            ::testing::Range(std::size_t{0}, MetafileCodecs().size())),
                          [](const auto& parameter) {
                              return std::string(std::get<0>(parameter.param).name) +
-                                    std::string(std::get<1>(parameter.param).extension);
+                                    std::string(MetafileCodecs()[std::get<1>(parameter.param)].extension);
                          });
 
 } // namespace
