@@ -25,8 +25,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numbers>
-#include <utility>
 
 namespace pictorel::engine {
 namespace {
