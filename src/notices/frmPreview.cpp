@@ -62,9 +62,8 @@ frmPreview::~frmPreview() = default;
 void frmPreview::Load() {
     const PreviewPlacement placement = placement_();
     const PreviewSize& size = SizeFor(placement.pictureWidth, placement.pictureHeight);
-    window_ = std::make_unique<QWidget>(&owner_, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint |
-                                                     Qt::MSWindowsFixedSizeDialogHint |
-                                                     Qt::WindowDoesNotAcceptFocus);
+    window_.reset(new QWidget(&owner_, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint |
+                                           Qt::MSWindowsFixedSizeDialogHint | Qt::WindowDoesNotAcceptFocus));
     window_->setObjectName(QStringLiteral("frmPreview"));
     window_->setWindowTitle(QStringLiteral("Preview"));
     window_->setAttribute(Qt::WA_ShowWithoutActivating);

@@ -35,9 +35,18 @@ class frmPreview : public PreviewWindow {
   private:
     void Load();
 
+    // A slider gives up while an event is handed from the main window to each of its children, of which the
+    // preview window is one: it must not be gone when its turn comes.
+    struct GoesLater {
+        void operator()(QWidget* window) const {
+            window->hide();
+            window->deleteLater();
+        }
+    };
+
     QWidget& owner_;
     std::function<PreviewPlacement()> placement_;
-    std::unique_ptr<QWidget> window_;
+    std::unique_ptr<QWidget, GoesLater> window_;
     PictureView* view_ = nullptr; // lives in window_
 };
 
