@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace pictorel {
@@ -12,18 +14,6 @@ namespace {
 constexpr int kSide = 40;
 constexpr double kStroke = 2.5;
 constexpr QPointF kMiddle(kSide / 2.0, kSide / 2.0);
-
-QColor ColourOf(MessageIcon icon) {
-    switch (icon) {
-        case MessageIcon::Critical:
-            return {0xff, 0x6b, 0x6b};
-        case MessageIcon::Exclamation:
-            return {0xff, 0xb4, 0x54};
-        case MessageIcon::Question:
-            break;
-    }
-    return {0x56, 0xcc, 0xf2};
-}
 
 void DrawCross(QPainter& painter) {
     painter.drawLine(QPointF(15, 15), QPointF(25, 25));
@@ -49,28 +39,30 @@ void DrawQuestion(QPainter& painter) {
     DrawDot(painter);
 }
 
+struct Mark {
+    MessageIcon icon;
+    QRgb colour; // those of the drawn icons
+    void (*draw)(QPainter& painter);
+};
+
+constexpr std::array<Mark, 3> kMarks{{{MessageIcon::Critical, 0xFFFF6B6B, DrawCross},
+                                      {MessageIcon::Exclamation, 0xFFFFB454, DrawExclamation},
+                                      {MessageIcon::Question, 0xFF56CCF2, DrawQuestion}}};
+
 } // namespace
 
 QPixmap MessageMark(MessageIcon icon, double devicePixelRatio) {
+    const auto* const shown =
+        std::find_if(kMarks.begin(), kMarks.end(), [&](const Mark& m) { return m.icon == icon; });
     const int side = static_cast<int>(std::lround(kSide * devicePixelRatio));
     QPixmap mark(side, side);
     mark.setDevicePixelRatio(devicePixelRatio);
     mark.fill(Qt::transparent);
     QPainter painter(&mark);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(ColourOf(icon), kStroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(QColor(shown->colour), kStroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawEllipse(kMiddle, 17, 17);
-    switch (icon) {
-        case MessageIcon::Critical:
-            DrawCross(painter);
-            break;
-        case MessageIcon::Exclamation:
-            DrawExclamation(painter);
-            break;
-        case MessageIcon::Question:
-            DrawQuestion(painter);
-            break;
-    }
+    shown->draw(painter);
     return mark;
 }
 

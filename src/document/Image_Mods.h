@@ -67,7 +67,7 @@ struct Image_Mods {
     SlotTable<bool> ImageModified;       // changed since it was opened, scanned or saved
     QString OpenDialogFolder;            // where the dialogs begin: a folder, or the file chosen last
     QString SaveDialogFolder;
-    QString PictureName;         // of the open picture: its file's, without the folder
+    QString PictureName; // the open picture's file without its folder, or what a scanned page is called
     bool LivePreviewMode = true; // False only while a slider commit runs its operation
 
     SlotObjects<ImageTransform> Transforms; // ImageTransform(slot): the working picture
