@@ -1,12 +1,12 @@
 // The operations of the engine that benches time, with their amounts.
 #pragma once
 
-#include "imaging/engine/Filters.h"
-#include "imaging/engine/Geometry.h"
-#include "imaging/engine/HistogramOperations.h"
-#include "imaging/engine/PointOperations.h"
-#include "imaging/engine/Resample.h"
-#include "imaging/engine/Stylize.h"
+#include "picture/engine/Filters.h"
+#include "picture/engine/Geometry.h"
+#include "picture/engine/HistogramOperations.h"
+#include "picture/engine/PointOperations.h"
+#include "picture/engine/Resample.h"
+#include "picture/engine/Stylize.h"
 
 #include <cstdint>
 

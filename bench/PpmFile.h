@@ -1,7 +1,7 @@
 // Pictures for the benchmarks.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <string>
 

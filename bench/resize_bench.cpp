@@ -2,9 +2,9 @@
 // resamplers. Usage: resize_bench PICTURE.ppm WIDTH HEIGHT [FOLDER]. FOLDER gets the picture as source.bgra;
 // where it holds results.tsv (name, milliseconds, file of WIDTH x HEIGHT BGRA pixels), each line is judged
 // and compared.
-#include "imaging/PixelArray.h"
-#include "imaging/engine/Resample.h"
 #include "measure/StructuralSimilarity.h"
+#include "picture/PixelArray.h"
+#include "picture/engine/Resample.h"
 
 #include <algorithm>
 #include <chrono>

@@ -3,7 +3,7 @@
 #include "BenchWindow.h"
 #include "app/PictureViewControl.h"
 #include "controls/Slider.h"
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <QApplication>
 #include <QMouseEvent>

@@ -1,7 +1,7 @@
 // Reads a file as one format and, where that succeeds, writes it back: what a lossless format gives back has
 // to be the same picture.
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/Codec.h"
+#include "picture/ImagingError.h"
 #ifdef PICTOREL_WITH_METAFILES
 #include "imaging/metafile/Metafile.h"
 #endif

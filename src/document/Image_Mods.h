@@ -5,7 +5,7 @@
 #include "imaging/ImageTransform.h"
 #include "imaging/ImageUtility.h"
 #include "imaging/ImageView.h"
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 #include "platform/FileSystem.h"
 #include "platform/Folders.h"
 

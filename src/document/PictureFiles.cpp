@@ -2,7 +2,7 @@
 #include "document/PictureFiles.h"
 
 #include "document/SaveFormats.h"
-#include "imaging/ImagingError.h"
+#include "picture/ImagingError.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 #include "platform/PumpEvents.h"

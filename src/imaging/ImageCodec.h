@@ -1,7 +1,7 @@
 // Picture files: reading one of any known format, writing one in each of eleven.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
 // Printing one picture.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <cstdint>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "imaging/ImageView.h"
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <cstdint>
 

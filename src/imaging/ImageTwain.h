@@ -1,7 +1,7 @@
 // Acquiring a page from a scanner.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <cstdint>
 #include <functional>

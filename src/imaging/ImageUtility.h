@@ -1,7 +1,7 @@
 // The size of a picture in an array.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <cstdint>
 

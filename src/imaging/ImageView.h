@@ -1,7 +1,7 @@
 // The picture display: what the editor asks of a zoomable view of one picture.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,7 +1,7 @@
 // The Resize page, see ResizePanel.h.
 #include "resize/ResizePanel.h"
 
-#include "imaging/Limits.h"
+#include "picture/Limits.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 #include "platform/PumpEvents.h"

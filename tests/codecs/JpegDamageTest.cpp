@@ -1,9 +1,9 @@
 // JPEG files that are cut off, damaged or made to do harm: a picture or a clear error, never more.
 #include "codecs/MadeExif.h"
 #include "codecs/MadeJpeg.h"
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/JpegCodec.h"
 #include "imaging/codecs/JpegSegments.h"
+#include "picture/ImagingError.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include "codecs/MadeExif.h"
 #include "codecs/MadeJpeg.h"
 #include "codecs/MadeProfiles.h"
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/JpegCodec.h"
+#include "picture/ImagingError.h"
 
 #include <gtest/gtest.h>
 

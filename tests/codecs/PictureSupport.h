@@ -1,8 +1,8 @@
 // Small pictures, files built byte by byte, and pictures spelled out as text, for the tests of the formats.
 #pragma once
 
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/Codec.h"
+#include "picture/ImagingError.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The picture view as its owner and the person at it use it.
 #include "desktop/TestPictures.h"
-#include "imaging/ImagingError.h"
 #include "imaging/desktop/PictureView.h"
+#include "picture/ImagingError.h"
 
 #include <QApplication>
 #include <QMouseEvent>

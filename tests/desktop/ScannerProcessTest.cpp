@@ -1,6 +1,6 @@
 // The scanner behind its program: a page, closing at every moment, and programs that misbehave.
-#include "imaging/ImagingError.h"
 #include "imaging/desktop/ScannerProcess.h"
+#include "picture/ImagingError.h"
 #include "scanner/TestScanner.h"
 
 #include <QCoreApplication>

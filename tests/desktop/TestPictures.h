@@ -1,8 +1,8 @@
 // Pictures for the tests of the view.
 #pragma once
 
-#include "imaging/PixelArray.h"
-#include "imaging/PixelMath.h"
+#include "picture/PixelArray.h"
+#include "picture/PixelMath.h"
 
 #include <random>
 

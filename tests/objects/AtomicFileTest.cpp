@@ -1,8 +1,8 @@
 // Reading whole files, and replacing them so that nothing is lost half-way.
-#include "imaging/ImagingError.h"
 #include "imaging/objects/AtomicFile.h"
 #include "objects/FileSizeLimit.h"
 #include "objects/TemporaryFolder.h"
+#include "picture/ImagingError.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

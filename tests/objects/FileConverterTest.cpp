@@ -1,9 +1,9 @@
 // Converting a picture file to another size.
-#include "engine/TestPictures.h"
-#include "imaging/ImagingError.h"
 #include "imaging/objects/FileConverter.h"
 #include "imaging/objects/PictureFileCodec.h"
 #include "objects/TemporaryFolder.h"
+#include "picture/ImagingError.h"
+#include "picture/engine/TestPictures.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // Picture files on a real disk: by content, refused cleanly, saved whole; and the thrift of working files.
-#include "engine/TestPictures.h"
-#include "imaging/ImagingError.h"
-#include "imaging/MadeDetails.h"
 #include "imaging/objects/PictureFileCodec.h"
 #include "objects/FileSizeLimit.h"
 #include "objects/TemporaryFolder.h"
+#include "picture/ImagingError.h"
+#include "picture/MadeDetails.h"
+#include "picture/engine/TestPictures.h"
 
 #include <gtest/gtest.h>
 

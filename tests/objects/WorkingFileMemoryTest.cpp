@@ -1,9 +1,9 @@
 // Which picture is known to be in which working file, and when that knowledge ends.
-#include "engine/TestPictures.h"
-#include "imaging/MadeDetails.h"
 #include "imaging/objects/FinerCopies.h"
 #include "imaging/objects/WorkingFileMemory.h"
 #include "objects/TemporaryFolder.h"
+#include "picture/MadeDetails.h"
+#include "picture/engine/TestPictures.h"
 
 #include <gtest/gtest.h>
 

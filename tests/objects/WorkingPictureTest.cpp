@@ -1,11 +1,11 @@
 // The working picture: units, directions and channels of the calls, and what an error leaves.
-#include "engine/TestPictures.h"
-#include "imaging/ImagingError.h"
-#include "imaging/engine/Filters.h"
-#include "imaging/engine/PointOperations.h"
-#include "imaging/engine/Resample.h"
 #include "imaging/objects/FinerCopies.h"
 #include "imaging/objects/WorkingPicture.h"
+#include "picture/ImagingError.h"
+#include "picture/engine/Filters.h"
+#include "picture/engine/PointOperations.h"
+#include "picture/engine/Resample.h"
+#include "picture/engine/TestPictures.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // What holds for all operations and all sliders alike, from the table down to the pixels.
-#include "engine/TestPictures.h"
-#include "imaging/ImagingError.h"
-#include "imaging/MadeDetails.h"
 #include "imaging/objects/WorkingPicture.h"
 #include "operations/OperationTable.h"
 #include "operations/SliderCatalogue.h"
+#include "picture/ImagingError.h"
+#include "picture/MadeDetails.h"
+#include "picture/engine/TestPictures.h"
 
 #include <gtest/gtest.h>
 

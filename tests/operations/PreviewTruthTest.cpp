@@ -1,9 +1,9 @@
 // Whether previews show what letting the slider go will do: rows that averages over the picture would get
 // wrong, of pictures larger and smaller than the copies that previews start from.
-#include "engine/TestPictures.h"
 #include "measure/PreviewTruth.h"
 #include "measure/StructuralSimilarity.h"
 #include "operations/SliderCatalogue.h"
+#include "picture/engine/TestPictures.h"
 
 #include <gtest/gtest.h>
 

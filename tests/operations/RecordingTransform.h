@@ -2,7 +2,7 @@
 #pragma once
 
 #include "imaging/ImageTransform.h"
-#include "imaging/ImagingError.h"
+#include "picture/ImagingError.h"
 
 #include <sstream>
 #include <string>

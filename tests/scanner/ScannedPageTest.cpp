@@ -1,6 +1,6 @@
 // Pictures from the frames that scanners send: bands, depths, padding, and frames that make no picture.
-#include "imaging/ImagingError.h"
 #include "imaging/scanner/ScannedPage.h"
+#include "picture/ImagingError.h"
 
 #include <gtest/gtest.h>
 

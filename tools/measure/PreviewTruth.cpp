@@ -1,11 +1,11 @@
 // How true a slider's preview is, see PreviewTruth.h.
 #include "measure/PreviewTruth.h"
 
-#include "imaging/engine/Resample.h"
 #include "imaging/objects/WorkingPicture.h"
 #include "measure/StructuralSimilarity.h"
 #include "operations/OperationTable.h"
 #include "operations/SliderCatalogue.h"
+#include "picture/engine/Resample.h"
 #include "resize/ResizeArithmetic.h"
 
 #include <stdlib.h>

@@ -1,7 +1,7 @@
 // How true a slider's preview is: what it shows, beside what letting go will make of the picture.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 #include "imaging/objects/FileConverter.h"
 #include "imaging/objects/PictureFileCodec.h"
 

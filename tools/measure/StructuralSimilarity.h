@@ -1,7 +1,7 @@
 // How alike two pictures look.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 namespace pictorel::measure {
 

@@ -1,7 +1,6 @@
 // Windows and OS/2 bitmaps, see Bmp.h.
 #include "imaging/codecs/Bmp.h"
 
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/BmpHeader.h"
 #include "imaging/codecs/BmpHuffman.h"
 #include "imaging/codecs/BmpRunLengths.h"
@@ -9,6 +8,7 @@
 #include "imaging/codecs/ColourProfile.h"
 #include "imaging/codecs/FileMemory.h"
 #include "imaging/codecs/PixelSupport.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <bit>

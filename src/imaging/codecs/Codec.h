@@ -1,7 +1,7 @@
 // The table of picture formats: how each is recognised, read and written.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <cstdint>
 #include <functional>

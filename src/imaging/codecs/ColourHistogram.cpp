@@ -1,7 +1,7 @@
 // How often the colours of a picture occur, see ColourHistogram.h.
 #include "imaging/codecs/ColourHistogram.h"
 
-#include "imaging/ForEachBand.h"
+#include "picture/ForEachBand.h"
 
 #include <mutex>
 

@@ -1,7 +1,7 @@
 // How often the colours of a picture occur.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <array>
 #include <cstdint>

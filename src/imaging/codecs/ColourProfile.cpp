@@ -1,7 +1,7 @@
 // Colour management through Little CMS, see ColourProfile.h.
 #include "imaging/codecs/ColourProfile.h"
 
-#include "imaging/ForEachBand.h"
+#include "picture/ForEachBand.h"
 
 #include <lcms2.h>
 

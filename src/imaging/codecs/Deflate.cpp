@@ -1,9 +1,9 @@
 // Deflating the filtered rows of a picture, see Deflate.h.
 #include "imaging/codecs/Deflate.h"
 
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/RunDeflate.h"
+#include "picture/ImagingError.h"
 
 #include <zlib.h>
 

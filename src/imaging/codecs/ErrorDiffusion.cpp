@@ -1,8 +1,8 @@
 // Error diffusion, see ErrorDiffusion.h.
 #include "imaging/codecs/ErrorDiffusion.h"
 
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/NearestSearch.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,8 +1,8 @@
 // Gives each pixel of a picture one colour of a palette.
 #pragma once
 
-#include "imaging/PixelArray.h"
 #include "imaging/codecs/PaletteChoice.h"
+#include "picture/PixelArray.h"
 
 #include <cstdint>
 #include <vector>

@@ -3,7 +3,7 @@
 // stays as it was.
 #include "imaging/codecs/Exif.h"
 
-#include "imaging/ForEachBand.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // Writing GIF files through giflib, see Gif.h.
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/Gif.h"
 #include "imaging/codecs/IndexedPicture.h"
+#include "picture/ImagingError.h"
 
 #include <gif_lib.h>
 

@@ -1,8 +1,8 @@
 // The colours of JPEG 2000 pictures, see J2kColouring.h.
 #include "imaging/codecs/J2kColouring.h"
 
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/PixelSupport.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,10 @@
 // Writing JPEG 2000 files, see J2k.h.
-#include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/J2k.h"
 #include "imaging/codecs/J2kLibrary.h"
 #include "imaging/codecs/Jp2Boxes.h"
 #include "imaging/codecs/PixelSupport.h"
+#include "picture/ForEachBand.h"
+#include "picture/ImagingError.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,6 @@
 // Reads and writes JPEG files, see JpegCodec.h.
 #include "imaging/codecs/JpegCodec.h"
 
-#include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/ColourProfile.h"
 #include "imaging/codecs/Exif.h"
 #include "imaging/codecs/JpegDecoder.h"
@@ -10,6 +8,8 @@
 #include "imaging/codecs/JpegMend.h"
 #include "imaging/codecs/JpegRestartStrips.h"
 #include "imaging/codecs/JpegWorkingBlock.h"
+#include "picture/ForEachBand.h"
+#include "picture/ImagingError.h"
 
 #include <algorithm>
 #include <array>

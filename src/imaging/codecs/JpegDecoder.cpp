@@ -1,10 +1,10 @@
 // Decodes JPEG data through libjpeg, see JpegDecoder.h.
 #include "imaging/codecs/JpegDecoder.h"
 
-#include "imaging/Limits.h"
 #include "imaging/codecs/JpegLibrary.h"
 #include "imaging/codecs/JpegPlanes.h"
 #include "imaging/codecs/JpegSegments.h"
+#include "picture/Limits.h"
 
 #include <algorithm>
 #include <array>

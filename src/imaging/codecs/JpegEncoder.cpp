@@ -1,10 +1,10 @@
 // Encodes pictures through libjpeg in strips, see JpegEncoder.h.
 #include "imaging/codecs/JpegEncoder.h"
 
-#include "imaging/BufferPool.h"
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/JpegLibrary.h"
 #include "imaging/codecs/JpegWorkingTables.h"
+#include "picture/BufferPool.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 // Included by the .cpp files that call the library, and by nothing else.
 #pragma once
 
-#include "imaging/ImagingError.h"
+#include "picture/ImagingError.h"
 
 #include <csetjmp>
 #include <cstddef>

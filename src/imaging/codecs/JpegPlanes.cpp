@@ -1,8 +1,8 @@
 // Enlarges oddly sampled JPEG components, see JpegPlanes.h.
 #include "imaging/codecs/JpegPlanes.h"
 
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/JpegLibrary.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <cmath>

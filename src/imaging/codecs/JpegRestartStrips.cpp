@@ -1,7 +1,7 @@
 // Cuts the scan of a JPEG file at its restart markers, see JpegRestartStrips.h.
 #include "imaging/codecs/JpegRestartStrips.h"
 
-#include "imaging/ForEachBand.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <array>

@@ -5,8 +5,8 @@
 //   32-bit rows per alpha band, 0 where alpha means nothing; then per band 32-bit length and a zlib stream.
 #include "imaging/codecs/JpegWorkingBlock.h"
 
-#include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
+#include "picture/ForEachBand.h"
+#include "picture/ImagingError.h"
 
 #include <zlib.h>
 

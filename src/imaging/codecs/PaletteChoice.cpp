@@ -1,8 +1,8 @@
 // The few colours that serve a picture best, see PaletteChoice.h.
 #include "imaging/codecs/PaletteChoice.h"
 
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/NearestSearch.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 // What several formats ask of a picture, see PixelSupport.h.
 #include "imaging/codecs/PixelSupport.h"
 
-#include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
-#include "imaging/Limits.h"
+#include "picture/ForEachBand.h"
+#include "picture/ImagingError.h"
+#include "picture/Limits.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 // Inflates and unfilters plain PNG pixels, see PngPlainPixels.h.
 #include "imaging/codecs/PngPlainPixels.h"
 
-#include "imaging/BufferPool.h"
 #include "imaging/codecs/PngChunks.h"
+#include "picture/BufferPool.h"
 
 #include <libdeflate.h>
 

@@ -1,7 +1,4 @@
 // Reading PNG files through libpng, see Png.h.
-#include "imaging/BufferPool.h"
-#include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/CalibratedProfile.h"
 #include "imaging/codecs/ColourProfile.h"
@@ -11,6 +8,9 @@
 #include "imaging/codecs/PngChunks.h"
 #include "imaging/codecs/PngPlainPixels.h"
 #include "imaging/codecs/Xmp.h"
+#include "picture/BufferPool.h"
+#include "picture/ForEachBand.h"
+#include "picture/ImagingError.h"
 
 #include <png.h>
 

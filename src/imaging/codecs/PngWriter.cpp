@@ -1,12 +1,12 @@
 // Writing PNG files, see Png.h: libpng makes the chunks, the pixels are deflated in bands on all cores.
-#include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/Deflate.h"
 #include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/Png.h"
 #include "imaging/codecs/PngFilters.h"
+#include "picture/ForEachBand.h"
+#include "picture/ImagingError.h"
 
 #include <png.h>
 #include <zlib.h>

@@ -1,10 +1,10 @@
 // Sun raster pictures, see Ras.h.
 #include "imaging/codecs/Ras.h"
 
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/FileMemory.h"
 #include "imaging/codecs/PixelSupport.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 // Rows packed in bands, see RowBands.h.
 #include "imaging/codecs/RowBands.h"
 
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/FileMemory.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <numeric>

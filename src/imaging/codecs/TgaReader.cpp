@@ -1,9 +1,9 @@
 // Reading Targa files, see Tga.h.
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/Tga.h"
 #include "imaging/codecs/TgaHeader.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,6 @@
 // Reads and writes TIFF files, see Tiff.h.
 #include "imaging/codecs/Tiff.h"
 
-#include "imaging/ImagingError.h"
-#include "imaging/Limits.h"
 #include "imaging/codecs/ColourProfile.h"
 #include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
@@ -13,6 +11,8 @@
 #include "imaging/codecs/TiffRepair.h"
 #include "imaging/codecs/TiffStructure.h"
 #include "imaging/codecs/Xmp.h"
+#include "picture/ImagingError.h"
+#include "picture/Limits.h"
 
 #include <tiffio.h>
 

@@ -1,12 +1,12 @@
 // Decodes TIFF pages, see TiffDecoder.h.
 #include "imaging/codecs/TiffDecoder.h"
 
-#include "imaging/BufferPool.h"
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/TiffBlocks.h"
 #include "imaging/codecs/TiffColouring.h"
 #include "imaging/codecs/TiffSamples.h"
+#include "picture/BufferPool.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <atomic>

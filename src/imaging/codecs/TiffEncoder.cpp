@@ -2,15 +2,15 @@
 // on one core only and cannot carry an EXIF block as it is.
 #include "imaging/codecs/TiffEncoder.h"
 
-#include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
-#include "imaging/Limits.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/Exif.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/codecs/RunDeflate.h"
 #include "imaging/codecs/TiffMetadata.h"
 #include "imaging/codecs/TiffStructure.h"
+#include "picture/ForEachBand.h"
+#include "picture/ImagingError.h"
+#include "picture/Limits.h"
 
 #include <zlib.h>
 

@@ -1,8 +1,8 @@
 // Reads and checks the layout of TIFF pages, see TiffLayout.h.
 #include "imaging/codecs/TiffLayout.h"
 
-#include "imaging/Limits.h"
 #include "imaging/codecs/PixelSupport.h"
+#include "picture/Limits.h"
 
 #include <tiffio.h>
 

@@ -1,8 +1,8 @@
 // Prints pictures, see PicturePrinter.h.
 #include "imaging/desktop/PicturePrinter.h"
 
-#include "imaging/ImagingError.h"
 #include "imaging/desktop/PagePlacement.h"
+#include "picture/ImagingError.h"
 
 #include <QCheckBox>
 #include <QFile>

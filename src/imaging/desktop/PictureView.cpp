@@ -1,9 +1,9 @@
 // The widget that shows one picture, see PictureView.h.
 #include "imaging/desktop/PictureView.h"
 
-#include "imaging/ForEachBand.h"
-#include "imaging/ImagingError.h"
 #include "imaging/desktop/ZoomLadder.h"
+#include "picture/ForEachBand.h"
+#include "picture/ImagingError.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 // The scanner behind the scanner program, see ScannerProcess.h.
 #include "imaging/desktop/ScannerProcess.h"
 
-#include "imaging/ImagingError.h"
 #include "imaging/scanner/ScannerLines.h"
+#include "picture/ImagingError.h"
 
 #include <QDir>
 #include <sys/types.h>

@@ -1,7 +1,7 @@
 // The row loops of the view's filters, compiled for each vector unit and chosen at run time, see
 // ViewFilters.h.
-#include "imaging/PixelMath.h"
 #include "imaging/desktop/ViewFilters.h"
+#include "picture/PixelMath.h"
 
 #include <algorithm>
 

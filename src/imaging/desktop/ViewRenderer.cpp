@@ -1,9 +1,9 @@
 // Draws what a view shows of a picture, see ViewRenderer.h.
 #include "imaging/desktop/ViewRenderer.h"
 
-#include "imaging/ForEachBand.h"
-#include "imaging/PixelMath.h"
 #include "imaging/desktop/ViewFilters.h"
+#include "picture/ForEachBand.h"
+#include "picture/PixelMath.h"
 
 #include <algorithm>
 #include <array>

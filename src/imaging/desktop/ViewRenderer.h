@@ -2,8 +2,8 @@
 #pragma once
 
 #include "imaging/ImageView.h"
-#include "imaging/PicturePyramid.h"
 #include "imaging/desktop/ViewAxis.h"
+#include "picture/PicturePyramid.h"
 
 #include <cstddef>
 #include <cstdint>

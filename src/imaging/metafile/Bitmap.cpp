@@ -1,10 +1,10 @@
 // A bitmap inside a metafile, see Bitmap.h.
 #include "imaging/metafile/Bitmap.h"
 
-#include "imaging/ImagingError.h"
 #include "imaging/codecs/Bmp.h"
 #include "imaging/codecs/ByteReader.h"
 #include "imaging/codecs/PixelSupport.h"
+#include "picture/ImagingError.h"
 
 #include <cstdlib>
 #include <cstring>

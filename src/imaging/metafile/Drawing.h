@@ -1,8 +1,8 @@
 // A metafile of either kind ready to be played, and the picture that playing it gives.
 #pragma once
 
-#include "imaging/PixelArray.h"
 #include "imaging/metafile/DeviceContext.h"
+#include "picture/PixelArray.h"
 
 #include <QSizeF>
 

@@ -1,9 +1,9 @@
 // The canvas that a metafile is drawn on, see PaintedSurface.h.
 #include "imaging/metafile/PaintedSurface.h"
 
-#include "imaging/ForEachBand.h"
 #include "imaging/codecs/PixelSupport.h"
 #include "imaging/metafile/StrokeWork.h"
+#include "picture/ForEachBand.h"
 
 #include <algorithm>
 #include <utility>

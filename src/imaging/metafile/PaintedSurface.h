@@ -1,8 +1,8 @@
 // The canvas that a metafile is drawn on: white paper, several of its pixels to a pixel of the picture.
 #pragma once
 
-#include "imaging/PixelArray.h"
 #include "imaging/metafile/Surface.h"
+#include "picture/PixelArray.h"
 
 #include <QPainter>
 

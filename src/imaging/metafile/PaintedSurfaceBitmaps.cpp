@@ -1,7 +1,7 @@
 // The canvas that a metafile is drawn on: bitmaps, see PaintedSurface.h.
-#include "imaging/ImagingError.h"
 #include "imaging/metafile/PaintedSurface.h"
 #include "imaging/metafile/PlacedBitmap.h"
+#include "picture/ImagingError.h"
 
 namespace pictorel::metafile {
 namespace {

@@ -1,7 +1,7 @@
 // Reading and replacing whole files, see AtomicFile.h.
 #include "imaging/objects/AtomicFile.h"
 
-#include "imaging/ImagingError.h"
+#include "picture/ImagingError.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

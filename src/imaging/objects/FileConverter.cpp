@@ -1,8 +1,8 @@
 // Converts a picture file into a JPEG of another size, see FileConverter.h.
 #include "imaging/objects/FileConverter.h"
 
-#include "imaging/ImagingError.h"
 #include "imaging/objects/FinerCopies.h"
+#include "picture/ImagingError.h"
 
 #include <utility>
 

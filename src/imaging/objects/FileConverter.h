@@ -3,8 +3,8 @@
 
 #include "imaging/ImageCodec.h"
 #include "imaging/ImageConvert.h"
-#include "imaging/PicturePyramid.h"
 #include "imaging/objects/WorkingFileMemory.h"
+#include "picture/PicturePyramid.h"
 
 #include <memory>
 

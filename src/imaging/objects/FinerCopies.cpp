@@ -1,7 +1,7 @@
 // Finer copies of a picture, see FinerCopies.h.
 #include "imaging/objects/FinerCopies.h"
 
-#include "imaging/engine/Resample.h"
+#include "picture/engine/Resample.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // Finer copies of the picture that a reduced copy was made from, for previews that 250 pixels cannot tell.
 #pragma once
 
-#include "imaging/PicturePyramid.h"
+#include "picture/PicturePyramid.h"
 
 namespace pictorel {
 

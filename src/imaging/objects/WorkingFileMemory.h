@@ -2,7 +2,7 @@
 // and what the reduced copy was made from.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <memory>
 #include <optional>

@@ -1,14 +1,14 @@
 // The working picture, see WorkingPicture.h.
 #include "imaging/objects/WorkingPicture.h"
 
-#include "imaging/ImagingError.h"
-#include "imaging/engine/Filters.h"
-#include "imaging/engine/Geometry.h"
-#include "imaging/engine/HistogramOperations.h"
-#include "imaging/engine/PointOperations.h"
-#include "imaging/engine/Resample.h"
-#include "imaging/engine/Stylize.h"
 #include "imaging/objects/FinerCopies.h"
+#include "picture/ImagingError.h"
+#include "picture/engine/Filters.h"
+#include "picture/engine/Geometry.h"
+#include "picture/engine/HistogramOperations.h"
+#include "picture/engine/PointOperations.h"
+#include "picture/engine/Resample.h"
+#include "picture/engine/Stylize.h"
 
 namespace pictorel {
 namespace {

@@ -1,10 +1,10 @@
 // Scanners through the SANE library, see SaneDevice.h.
 #include "imaging/scanner/SaneDevice.h"
 
-#include "imaging/ImagingError.h"
-#include "imaging/Limits.h"
 #include "imaging/scanner/SaneOptions.h"
 #include "imaging/scanner/ScannedPage.h"
+#include "picture/ImagingError.h"
+#include "picture/Limits.h"
 
 #include <algorithm>
 #include <array>

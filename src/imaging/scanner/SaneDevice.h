@@ -1,7 +1,7 @@
 // Scanners through the SANE library: which there are, and one page of one of them.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <functional>
 #include <stdexcept>

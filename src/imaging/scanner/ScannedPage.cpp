@@ -1,7 +1,7 @@
 // The picture of a scanned page, see ScannedPage.h.
 #include "imaging/scanner/ScannedPage.h"
 
-#include "imaging/ImagingError.h"
+#include "picture/ImagingError.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // Puts together the picture of a scanned page from the frames in which scanners send it.
 #pragma once
 
-#include "imaging/PixelArray.h"
+#include "picture/PixelArray.h"
 
 #include <cstdint>
 #include <vector>

@@ -1,0 +1,76 @@
+// A picture in memory: a shared, copy-on-write buffer of 8-bit blue, green, red, alpha pixels.
+#pragma once
+
+#include "picture/Limits.h"
+#include "picture/Metadata.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace pictorel {
+
+class FinerCopies;
+
+// A value: copying costs nothing, and writing to a shared array first makes it one's own. Dimension 1 are the
+// four components of a pixel in the order blue, green, red, alpha (not premultiplied; 255 opaque), dimension
+// 2 runs across the width, dimension 3 down the height. Rows start on 64-byte boundaries; what lies between
+// the end of a row's pixels and the next row is undefined. Alpha is 255 everywhere unless HasAlpha().
+class PixelArray {
+  public:
+    static constexpr int kComponents = 4;
+
+    PixelArray() = default; // empty: 0 x 0
+
+    // Pixels are undefined until written. Throws ImagingError (TooLarge, OutOfMemory).
+    PixelArray(int width, int height);
+
+    // As above, with the alpha meaning, metadata and reduction of `source`, for an operation's result.
+    static PixelArray Like(const PixelArray& source, int width, int height);
+    static PixelArray Like(const PixelArray& source) { return Like(source, source.width_, source.height_); }
+
+    bool IsEmpty() const noexcept { return width_ == 0; }
+    int Width() const noexcept { return width_; }
+    int Height() const noexcept { return height_; }
+    std::ptrdiff_t Stride() const noexcept { return stride_; } // bytes from row to row
+    std::size_t RowBytes() const noexcept { return static_cast<std::size_t>(width_) * kComponents; }
+
+    const std::uint8_t* Row(int y) const noexcept { return buffer_.get() + y * stride_; }
+
+    // Row 0 of pixels that are this array's own; other rows follow at Stride(). Copies first when shared, so
+    // take it once, before a loop.
+    std::uint8_t* WritableRows();
+
+    bool SharesPixelsWith(const PixelArray& other) const noexcept {
+        return buffer_ && buffer_ == other.buffer_;
+    }
+
+    // Whether the fourth component means anything: the "second plane" of the imaging interfaces.
+    bool HasAlpha() const noexcept { return hasAlpha_; }
+    void SetHasAlpha(bool hasAlpha) noexcept { hasAlpha_ = hasAlpha; }
+
+    // Width of this array / width of the part of the picture that it shows: 1 for a picture, less for a
+    // reduced copy (more for the copy of a part that is smaller than it). Spatial parameters (radii, lengths,
+    // block sizes) are pixels of the picture and are multiplied by it.
+    double Reduction() const noexcept { return reduction_; }
+    void SetReduction(double reduction) noexcept { reduction_ = reduction; }
+
+    // What a reduced copy was made from, while that is the open picture; null for other arrays.
+    std::shared_ptr<const FinerCopies> Finer() const noexcept { return finer_.lock(); }
+    void SetFiner(const std::shared_ptr<const FinerCopies>& finer) noexcept { finer_ = finer; }
+
+    const Metadata& Details() const noexcept;
+    void SetDetails(Metadata details);
+
+  private:
+    std::shared_ptr<std::uint8_t> buffer_;
+    std::shared_ptr<const Metadata> details_;
+    std::weak_ptr<const FinerCopies> finer_;
+    std::ptrdiff_t stride_ = 0;
+    int width_ = 0;
+    int height_ = 0;
+    double reduction_ = 1.0;
+    bool hasAlpha_ = false;
+};
+
+} // namespace pictorel

@@ -1,0 +1,264 @@
+// Convolution with a symmetric kernel in vectors, see Convolution.h.
+#include "picture/engine/kernels/blur/Convolution.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "picture/engine/kernels/blur/ConvolutionSimd.cpp"
+#include <hwy/cache_control.h>
+#include <hwy/foreach_target.h>
+// After foreach_target.h, which includes this file once for each kind of vectors.
+#include "picture/engine/kernels/base/KeepInRegister-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace pictorel::engine::HWY_NAMESPACE {
+#if HWY_TARGET == HWY_SCALAR
+
+using scalar::Convolve;
+using scalar::ConvolveAcross;
+using scalar::ConvolveAlong;
+using scalar::ConvolveToPixels;
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Taps next to each other in a row lie across cache lines, which costs the longest vectors more than they
+// save; taps one below the other do not.
+using Beside = hn::CappedTag<Fine, 16>;
+using Below = hn::CappedTag<Fine, kFineStep>;
+template <class D>
+using BytesOf = hn::Repartition<std::uint8_t, D>;
+template <class D>
+using SignedOf = hn::RebindToSigned<D>;
+
+constexpr int kByteBits = 8;
+
+// A kernel in registers. Round says how products are rounded.
+template <class D, std::size_t kRadius, class Round>
+struct Weights {
+    HWY_INLINE explicit Weights(const HalfKernel& kernel) {
+        for (std::size_t k = 0; k <= kRadius; ++k) {
+            weights[k] = hn::Set(D(), static_cast<Fine>(kernel[k] * Round::kPerWeight));
+        }
+    }
+
+    HWY_INLINE hn::Vec<D> Product(hn::Vec<D> value, std::size_t k) const {
+        return Round::Product(D(), value, weights[k]);
+    }
+
+    // The sum of the weighted taps, at(k) for k from 0.
+    template <class Tap>
+    HWY_INLINE hn::Vec<D> Sum(const Tap& at) const {
+        auto sum = Product(at(kRadius), 0);
+        HWY_UNROLL(16)
+        for (std::size_t k = 1; k <= kRadius; ++k) {
+            const auto average = hn::AverageRound(at(kRadius - k), at(kRadius + k));
+            sum = hn::Add(sum, Product(average, k));
+        }
+        return sum;
+    }
+
+    hn::Vec<D> weights[kRadius + 1];
+};
+
+struct ToNearest {
+    static constexpr int kPerWeight = 1;
+    template <class D>
+    static HWY_INLINE hn::Vec<D> Product(D fines, hn::Vec<D> value, hn::Vec<D> weight) {
+        const SignedOf<D> wides;
+        return hn::BitCast(fines, hn::MulFixedPoint15(hn::BitCast(wides, value), hn::BitCast(wides, weight)));
+    }
+};
+
+struct Downwards {
+    static constexpr int kPerWeight = 2;
+    template <class D>
+    static HWY_INLINE hn::Vec<D> Product(D /*fines*/, hn::Vec<D> value, hn::Vec<D> weight) {
+        return hn::MulHigh(value, weight);
+    }
+};
+
+template <std::size_t kRadius>
+struct Down {
+    static void Run(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
+        const Below fines;
+        const Weights<Below, kRadius, ToNearest> weights(kernel);
+        const Fine* rows[2 * kRadius + 1];
+        std::copy_n(taps, 2 * kRadius + 1, rows);
+        for (std::size_t i = 0; i < count; i += hn::Lanes(fines)) {
+            const auto tap = [&](std::size_t k) HWY_ATTR { return hn::Load(fines, rows[k] + i); };
+            hn::Store(weights.Sum(tap), fines, out + i);
+        }
+    }
+};
+
+template <std::size_t kRadius>
+struct Along {
+    static void Run(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count) {
+        const Beside fines;
+        const Weights<Beside, kRadius, ToNearest> weights(kernel);
+        for (std::size_t i = 0; i < count; i += hn::Lanes(fines)) {
+            const auto tap = [&](std::size_t k)
+                                 HWY_ATTR { return hn::LoadU(fines, in + i + k * kFinesPerPixel); };
+            hn::Store(weights.Sum(tap), fines, out + i);
+        }
+    }
+};
+
+template <std::size_t kRadius>
+struct Across {
+    static void Run(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
+        const Beside fines;
+        const BytesOf<Beside> bytes;
+        const Weights<Beside, kRadius, Downwards> weights(kernel);
+        const auto neighbours = hn::Set(fines, static_cast<Fine>(kRadius));
+        Fine* const odd = out + HalfLength(width);
+        for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(width); i += hn::Lanes(fines)) {
+            const auto tap = [&](std::size_t k) HWY_ATTR {
+                auto both = hn::BitCast(fines, hn::LoadU(bytes, in + 2 * i + k * PixelArray::kComponents));
+                KeepInRegister(both);
+                return both;
+            };
+            const auto lower = [](auto both) HWY_ATTR { return hn::ShiftLeft<kByteBits>(both); };
+            const auto centre = tap(kRadius);
+            auto sum = weights.Product(lower(centre), 0);
+            auto sumOfBoth = hn::Add(weights.Product(centre, 0), neighbours);
+            HWY_UNROLL(16)
+            for (std::size_t k = 1; k <= kRadius; ++k) {
+                const auto before = tap(kRadius - k);
+                const auto behind = tap(kRadius + k);
+                sum = hn::Add(sum, weights.Product(hn::AverageRound(lower(before), lower(behind)), k));
+                sumOfBoth = hn::Add(sumOfBoth, weights.Product(hn::AverageRound(before, behind), k));
+            }
+            hn::Store(hn::Add(sum, neighbours), fines, out + i);
+            hn::Store(hn::Sub(sumOfBoth, hn::ShiftRight<kByteBits>(sum)), fines, odd + i);
+        }
+    }
+};
+
+// The lower and the upper bytes of pairs, from fine components without their fractions.
+HWY_INLINE hn::Vec<BytesOf<Below>> Joined(hn::Vec<Below> lower, hn::Vec<Below> upper) {
+    const auto whole = hn::Set(Below(), 0xFF00);
+    return hn::BitCast(BytesOf<Below>(), hn::Or(hn::ShiftRight<kByteBits>(lower), hn::And(upper, whole)));
+}
+
+// Sharpens components that lie in the upper bytes, as scalar::Sharpened. Gives levels.
+HWY_INLINE hn::Vec<Below> Sharpened(hn::Vec<Below> original, hn::Vec<Below> blurred,
+                                    hn::Vec<SignedOf<Below>> share) {
+    const SignedOf<Below> wides;
+    const auto halved = [&](hn::Vec<Below> v) HWY_ATTR { return hn::BitCast(wides, hn::ShiftRight<1>(v)); };
+    const auto added = hn::MulFixedPoint15(hn::Sub(halved(original), halved(blurred)), share);
+    const auto level = hn::BitCast(wides, hn::ShiftRight<3>(original));
+    const auto sum = hn::SaturatedAdd(hn::Add(level, hn::Set(wides, 16)), added);
+    const auto clamped = hn::Min(hn::Max(hn::ShiftRight<5>(sum), hn::Zero(wides)), hn::Set(wides, 255));
+    return hn::BitCast(Below(), clamped);
+}
+
+template <std::size_t kRadius>
+struct ToPixels {
+    static void Run(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target) {
+        target.streams ? Finish<true>(taps, kernel, target) : Finish<false>(taps, kernel, target);
+    }
+
+    // The target is copied, since for the compiler pixels may lie anywhere, even over it.
+    template <bool kStreams>
+    static void Finish(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget target) {
+        const Below fines;
+        const BytesOf<Below> bytes;
+        const Weights<Below, kRadius, Downwards> weights(kernel);
+        const Fine* rows[2 * kRadius + 1];
+        std::copy_n(taps, 2 * kRadius + 1, rows);
+        const std::size_t half = HalfLength(target.width);
+        const auto rounding = hn::Set(fines, 128 + 1);
+        const auto share = hn::Set(SignedOf<Below>(), target.share);
+        for (std::size_t i = 0; i < 2 * static_cast<std::size_t>(target.width); i += hn::Lanes(fines)) {
+            const auto lowerTap = [&](std::size_t k) HWY_ATTR { return hn::Load(fines, rows[k] + i); };
+            const auto upperTap = [&](std::size_t k) HWY_ATTR { return hn::Load(fines, rows[k] + half + i); };
+            const auto lower = weights.Sum(lowerTap);
+            const auto upper = weights.Sum(upperTap);
+            auto pixels = hn::Zero(bytes);
+            if (target.share == 0) {
+                pixels = Joined(hn::Add(lower, rounding), hn::Add(upper, rounding));
+            } else {
+                const auto one = hn::Set(fines, 1);
+                const auto original = hn::BitCast(fines, hn::LoadU(bytes, target.original + 2 * i));
+                const auto sharpLower =
+                    Sharpened(hn::ShiftLeft<kByteBits>(original), hn::Add(lower, one), share);
+                const auto sharpUpper =
+                    Sharpened(hn::And(original, hn::Set(fines, 0xFF00)), hn::Add(upper, one), share);
+                pixels = hn::BitCast(bytes, hn::Or(sharpLower, hn::ShiftLeft<kByteBits>(sharpUpper)));
+            }
+            kStreams ? hn::Stream(pixels, bytes, target.pixels + 2 * i)
+                     : hn::Store(pixels, bytes, target.pixels + 2 * i);
+        }
+    }
+};
+
+template <template <std::size_t> class Loop, std::size_t... kRadii>
+constexpr auto MakeLoops(std::index_sequence<kRadii...> /*radii*/) {
+    return std::array{&Loop<kRadii>::Run...};
+}
+
+// The loop for a kernel of this size; null for an unusual one.
+template <template <std::size_t> class Loop>
+auto LoopFor(const HalfKernel& kernel) {
+    static constexpr auto kLoops = MakeLoops<Loop>(std::make_index_sequence<kUsualTaps>());
+    return kernel.size() <= kLoops.size() ? kLoops[kernel.size() - 1] : nullptr;
+}
+
+void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
+    const auto loop = LoopFor<Down>(kernel);
+    loop != nullptr ? loop(taps, kernel, out, count) : scalar::Convolve(taps, kernel, out, count);
+}
+
+void ConvolveAlong(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count) {
+    const auto loop = LoopFor<Along>(kernel);
+    loop != nullptr ? loop(in, kernel, out, count) : scalar::ConvolveAlong(in, kernel, out, count);
+}
+
+void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
+    const auto loop = LoopFor<Across>(kernel);
+    loop != nullptr ? loop(in, kernel, width, out) : scalar::ConvolveAcross(in, kernel, width, out);
+}
+
+void ConvolveToPixels(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target) {
+    const auto loop = LoopFor<ToPixels>(kernel);
+    loop != nullptr ? loop(taps, kernel, target) : scalar::ConvolveToPixels(taps, kernel, target);
+}
+
+#endif
+
+} // namespace pictorel::engine::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pictorel::engine::simd {
+
+HWY_EXPORT(Convolve);
+HWY_EXPORT(ConvolveAlong);
+HWY_EXPORT(ConvolveAcross);
+HWY_EXPORT(ConvolveToPixels);
+
+void Convolve(const Fine* const* taps, const HalfKernel& kernel, Fine* out, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(Convolve)(taps, kernel, out, count);
+}
+
+void ConvolveAlong(const Fine* in, const HalfKernel& kernel, Fine* out, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(ConvolveAlong)(in, kernel, out, count);
+}
+
+void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width, Fine* out) {
+    HWY_DYNAMIC_DISPATCH(ConvolveAcross)(in, kernel, width, out);
+}
+
+void ConvolveToPixels(const Fine* const* taps, const HalfKernel& kernel, const PixelTarget& target) {
+    HWY_DYNAMIC_DISPATCH(ConvolveToPixels)(taps, kernel, target);
+}
+
+} // namespace pictorel::engine::simd
+#endif
