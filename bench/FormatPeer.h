@@ -1,7 +1,7 @@
 // What the formats are measured beside: other libraries in this process, given whole files in memory.
 #pragma once
 
-#include "imaging/codecs/Codec.h"
+#include "picture/codecs/Codec.h"
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,7 @@
 // What the benchmarks are measured beside: libjpeg-turbo on one thread.
 #pragma once
 
-#include "imaging/codecs/Codec.h"
+#include "picture/codecs/Codec.h"
 
 #include <vector>
 

@@ -3,8 +3,8 @@
 // Usage: formats_bench PICTURE.ppm [RUNS [FORMAT...]].
 #include "FormatPeer.h"
 #include "PpmFile.h"
-#include "imaging/metafile/Metafile.h"
 #include "picture/ImagingError.h"
+#include "picture/metafile/Metafile.h"
 
 #include <QGuiApplication>
 #include <unistd.h>

@@ -2,8 +2,8 @@
 // several interleaved runs each, and their ratio; processor time too, since it stays true on a busy machine.
 // Usage: jpeg_bench [runs [picture.ppm]].
 #include "PpmFile.h"
-#include "imaging/codecs/JpegCodec.h"
 #include "picture/ForEachBand.h"
+#include "picture/codecs/jpeg/JpegCodec.h"
 
 #include <jpeglib.h>
 

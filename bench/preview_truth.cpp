@@ -1,9 +1,9 @@
 // Prints, for every shown slider at five values and each picture given, how alike the preview and the
 // committed picture are; ends with 1 when a preview lies.
-#include "imaging/codecs/Codec.h"
 #include "imaging/objects/AtomicFile.h"
 #include "measure/PreviewTruth.h"
 #include "operations/SliderCatalogue.h"
+#include "picture/codecs/Codec.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // Reads a file as one format and, where that succeeds, writes it back: what a lossless format gives back has
 // to be the same picture.
-#include "imaging/codecs/Codec.h"
 #include "picture/ImagingError.h"
+#include "picture/codecs/Codec.h"
 #ifdef PICTOREL_WITH_METAFILES
-#include "imaging/metafile/Metafile.h"
+#include "picture/metafile/Metafile.h"
 #endif
 
 #include <cstdio>

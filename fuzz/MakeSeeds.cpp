@@ -1,7 +1,7 @@
 // Writes a few small pictures in every format that the editor writes: make_seeds FOLDER fills FOLDER/FORMAT/.
-#include "imaging/codecs/Codec.h"
+#include "picture/codecs/Codec.h"
 #ifdef PICTOREL_WITH_METAFILES
-#include "imaging/metafile/Metafile.h"
+#include "picture/metafile/Metafile.h"
 #endif
 
 #include <algorithm>

@@ -11,7 +11,6 @@
 #include "controls/WebBrowser.h"
 #include "imaging/desktop/PicturePrinter.h"
 #include "imaging/desktop/ScannerProcess.h"
-#include "imaging/metafile/Metafile.h"
 #include "imaging/objects/FileConverter.h"
 #include "imaging/objects/PictureFileCodec.h"
 #include "imaging/objects/WorkingPicture.h"
@@ -19,6 +18,7 @@
 #include "notices/frmTools.h"
 #include "notices/frmUpdates.h"
 #include "operations/SliderCatalogue.h"
+#include "picture/metafile/Metafile.h"
 #include "platform/CarryOn.h"
 
 #include <QApplication>

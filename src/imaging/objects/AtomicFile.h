@@ -1,7 +1,7 @@
 // Reading whole files, and replacing files so that a failure half-way leaves the old one whole.
 #pragma once
 
-#include "imaging/codecs/Codec.h"
+#include "picture/codecs/Codec.h"
 
 #include <functional>
 #include <optional>

@@ -1,11 +1,11 @@
 // Picture files of every format, see PictureFileCodec.h.
 #include "imaging/objects/PictureFileCodec.h"
 
-#include "imaging/codecs/JpegCodec.h"
 #include "imaging/objects/AtomicFile.h"
 #include "imaging/objects/FinerCopies.h"
 #include "picture/BufferPool.h"
 #include "picture/ImagingError.h"
+#include "picture/codecs/jpeg/JpegCodec.h"
 
 #include <new>
 #include <utility>

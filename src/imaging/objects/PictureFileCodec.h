@@ -2,8 +2,8 @@
 #pragma once
 
 #include "imaging/ImageCodec.h"
-#include "imaging/codecs/Codec.h"
 #include "imaging/objects/WorkingFileMemory.h"
+#include "picture/codecs/Codec.h"
 
 #include <functional>
 #include <memory>

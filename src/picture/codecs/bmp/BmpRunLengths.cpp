@@ -1,0 +1,128 @@
+// The run-length compressed pixels of bitmap files, see BmpRunLengths.h.
+#include "picture/codecs/bmp/BmpRunLengths.h"
+
+#include "picture/codecs/ByteReader.h"
+#include "picture/codecs/PixelSupport.h"
+
+#include <cstring>
+
+namespace pictorel::codecs {
+namespace {
+
+class RunLengthDecoder {
+  public:
+    RunLengthDecoder(const BmpHeader& header, PixelArray& picture)
+        : header_(header), data_(header.pixels), rows_(picture.WritableRows()), stride_(picture.Stride()) {}
+
+    void Decode() {
+        FillTransparent();
+        while (at_ + 1 < data_.size() && y_ < header_.height) {
+            const int count = data_[at_];
+            const std::size_t value = at_ + 1;
+            if (count > 0) {
+                PutRun(value, count);
+            } else if (!Escape(data_[value])) {
+                return;
+            }
+        }
+        FillRestWhite();
+    }
+
+  private:
+    enum : int { kEndOfLine = 0, kEndOfBitmap = 1, kDelta = 2 };
+
+    // What no code names lets through what is behind; programs that know no transparency see the first
+    // colour.
+    void FillTransparent() {
+        std::array<std::uint8_t, 4> unnamed = header_.palette[0];
+        unnamed[3] = 0;
+        for (int y = 0; y < header_.height; ++y) {
+            for (int x = 0; x < header_.width; ++x) {
+                std::memcpy(rows_ + y * stride_ + x * PixelArray::kComponents, unnamed.data(), 4);
+            }
+        }
+    }
+
+    void FillRestWhite() {
+        for (; y_ < header_.height; ++y_, x_ = 0) {
+            std::memset(Place(), 0xFF,
+                        static_cast<std::size_t>(header_.width - x_) * PixelArray::kComponents);
+        }
+    }
+
+    std::uint8_t* Place() const {
+        const int y = header_.topDown ? y_ : header_.height - 1 - y_;
+        return rows_ + y * stride_ + x_ * PixelArray::kComponents;
+    }
+
+    std::size_t DataBytes(int pixels) const {
+        return (static_cast<std::size_t>(pixels) * static_cast<std::size_t>(header_.bits) + 7) / 8;
+    }
+
+    void PutRun(std::size_t value, int count) {
+        const int distinct = header_.bits == 4 ? 2 : 1; // a 4-bit run alternates between two colours
+        for (int i = 0; i < count; ++i) {
+            Put(value, i % distinct);
+        }
+        at_ = value + DataBytes(distinct);
+    }
+
+    bool Escape(int code) {
+        at_ += 2;
+        switch (code) {
+            case kEndOfLine:
+                x_ = 0;
+                ++y_;
+                return true;
+            case kEndOfBitmap:
+                return false;
+            case kDelta:
+                x_ = std::min(x_ + ByteAt(data_, at_), header_.width);
+                y_ += ByteAt(data_, at_ + 1);
+                at_ += 2;
+                return true;
+            default:
+                for (int i = 0; i < code; ++i) {
+                    Put(at_, i);
+                }
+                at_ += (DataBytes(code) + 1) / 2 * 2; // padded to a 16-bit boundary
+                return true;
+        }
+    }
+
+    // Pixel `index` of the packed pixels at `start` goes to the current place, if both are there.
+    void Put(std::size_t start, int index) {
+        const std::size_t byte =
+            start + static_cast<std::size_t>(index) * static_cast<std::size_t>(header_.bits) / 8;
+        const bool isThere = header_.bits == 24 ? byte + 2 < data_.size() : byte < data_.size();
+        if (x_ < header_.width && isThere) {
+            std::memcpy(Place(), Colour(byte, index).data(), 4);
+            ++x_;
+        }
+    }
+
+    std::array<std::uint8_t, 4> Colour(std::size_t byte, int index) const {
+        if (header_.bits == 24) {
+            return {data_[byte], data_[byte + 1], data_[byte + 2], 255};
+        }
+        const int packed = data_[byte];
+        const int entry = header_.bits == 8 ? packed : (index % 2 == 0 ? packed >> 4 : packed & 15);
+        return header_.palette[static_cast<std::size_t>(entry)];
+    }
+
+    const BmpHeader& header_;
+    ByteView data_;
+    std::uint8_t* rows_;
+    std::ptrdiff_t stride_;
+    std::size_t at_ = 0;
+    int x_ = 0;
+    int y_ = 0; // in file order
+};
+
+} // namespace
+
+void DecodeBmpRunLengths(const BmpHeader& header, PixelArray& picture) {
+    RunLengthDecoder(header, picture).Decode();
+}
+
+} // namespace pictorel::codecs
