@@ -2,8 +2,8 @@
 // photo, press Invert, undo it; and how much memory editing takes with a full history.
 #include "BenchWindow.h"
 #include "Peer.h"
-#include "app/PictureViewControl.h"
-#include "imaging/objects/AtomicFile.h"
+#include "editor/AtomicFile.h"
+#include "view/PictureViewControl.h"
 
 #include <QApplication>
 #include <QFileInfo>

@@ -1,8 +1,8 @@
 // Prints, for every shown slider at five values and each picture given, how alike the preview and the
 // committed picture are; ends with 1 when a preview lies.
-#include "imaging/objects/AtomicFile.h"
+#include "editor/AtomicFile.h"
+#include "editor/SliderCatalogue.h"
 #include "measure/PreviewTruth.h"
-#include "operations/SliderCatalogue.h"
 #include "picture/codecs/Codec.h"
 
 #include <algorithm>

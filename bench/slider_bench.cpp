@@ -3,9 +3,9 @@
 // beside libjpeg-turbo on one thread in the same run.
 #include "BenchWindow.h"
 #include "Peer.h"
-#include "app/PictureViewControl.h"
-#include "imaging/objects/AtomicFile.h"
-#include "operations/SliderCatalogue.h"
+#include "editor/AtomicFile.h"
+#include "editor/SliderCatalogue.h"
+#include "view/PictureViewControl.h"
 
 #include <QApplication>
 #include <QFileInfo>

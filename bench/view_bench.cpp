@@ -1,9 +1,9 @@
 // How long the picture view takes to draw a 24-megapixel photo: through the window as a person drags slider
 // and picture, and by itself on a zoom sweep and pans.
 #include "BenchWindow.h"
-#include "app/PictureViewControl.h"
 #include "controls/Slider.h"
 #include "picture/PixelArray.h"
+#include "view/PictureViewControl.h"
 
 #include <QApplication>
 #include <QMouseEvent>

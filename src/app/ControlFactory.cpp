@@ -2,7 +2,6 @@
 #include "app/ControlFactory.h"
 
 #include "app/ControlTable.h"
-#include "app/PictureViewControl.h"
 #include "controls/ComboBox.h"
 #include "controls/ContainerPanel.h"
 #include "controls/EditField.h"
@@ -19,6 +18,7 @@
 #include "controls/TabControl.h"
 #include "controls/UpDown.h"
 #include "controls/WebBrowser.h"
+#include "view/PictureViewControl.h"
 
 #include <QWidget>
 

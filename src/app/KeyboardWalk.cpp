@@ -5,7 +5,7 @@
 #include "controls/PushButton.h"
 #include "controls/Slider.h"
 #include "controls/TabControl.h"
-#include "operations/SliderCatalogue.h"
+#include "editor/SliderCatalogue.h"
 
 #include <QWidget>
 

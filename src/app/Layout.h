@@ -9,7 +9,7 @@
 #include "controls/ReportList.h"
 #include "controls/ScrollBar.h"
 #include "controls/TabControl.h"
-#include "document/Image_Mods.h"
+#include "editor/Image_Mods.h"
 #include "view/ZoomScroll.h"
 
 #include <QSize>

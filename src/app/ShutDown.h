@@ -1,17 +1,17 @@
 // Every road out of the editor: the question about unsaved changes, the clearing up, the end.
 #pragma once
 
+#include "commands/FileCommands.h"
+#include "commands/scan/ImageTwain.h"
+#include "commands/scan/ScanCommand.h"
 #include "controls/Events.h"
 #include "controls/PopupControl.h"
 #include "controls/ReportList.h"
 #include "controls/WebBrowser.h"
-#include "document/EditHistory.h"
-#include "document/FileCommands.h"
-#include "document/Image_Mods.h"
-#include "document/ScanCommand.h"
-#include "imaging/ImageTwain.h"
+#include "editor/EditHistory.h"
+#include "editor/Image_Mods.h"
 #include "notices/Popup_Mod.h"
-#include "operations/LivePreview.h"
+#include "panels/LivePreview.h"
 
 #include <QWidget>
 

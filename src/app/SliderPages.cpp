@@ -1,7 +1,7 @@
 // The tool pages on one grid, see SliderPages.h.
 #include "app/SliderPages.h"
 
-#include "operations/SliderCatalogue.h"
+#include "editor/SliderCatalogue.h"
 
 #include <array>
 

@@ -6,10 +6,10 @@
 #include "app/frmMain.h"
 #include "controls/ComboBox.h"
 #include "controls/WebBrowser.h"
-#include "operations/SliderCatalogue.h"
+#include "editor/PredefinedSizes.h"
+#include "editor/SliderCatalogue.h"
 #include "platform/CarryOn.h"
 #include "platform/PumpEvents.h"
-#include "resize/PredefinedSizes.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

@@ -1,8 +1,8 @@
 // The floating window that shows the preview of an adjustment while its slider is held.
 #pragma once
 
-#include "imaging/desktop/PictureView.h"
-#include "operations/LivePreview.h"
+#include "panels/LivePreview.h"
+#include "view/PictureView.h"
 
 #include <QWidget>
 

@@ -7,7 +7,7 @@
 #include "controls/PushButton.h"
 #include "controls/ScrollBar.h"
 #include "controls/Slider.h"
-#include "document/Image_Mods.h"
+#include "editor/Image_Mods.h"
 
 #include <functional>
 

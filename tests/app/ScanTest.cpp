@@ -1,6 +1,6 @@
 // The Scan button through the window, against the scanner library's own virtual device.
 #include "app/Editor.h"
-#include "scanner/TestScanner.h"
+#include "programs/scanner/TestScanner.h"
 
 #include <QDir>
 #include <QEvent>

@@ -2,7 +2,7 @@
 #include "app/Editor.h"
 #include "platform/PumpEvents.h"
 #include "platform/TerminationSignals.h"
-#include "scanner/TestScanner.h"
+#include "programs/scanner/TestScanner.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,12 +1,12 @@
 // How true a slider's preview is, see PreviewTruth.h.
 #include "measure/PreviewTruth.h"
 
-#include "imaging/objects/WorkingPicture.h"
+#include "editor/OperationTable.h"
+#include "editor/ResizeArithmetic.h"
+#include "editor/SliderCatalogue.h"
+#include "editor/WorkingPicture.h"
 #include "measure/StructuralSimilarity.h"
-#include "operations/OperationTable.h"
-#include "operations/SliderCatalogue.h"
 #include "picture/engine/Resample.h"
-#include "resize/ResizeArithmetic.h"
 
 #include <stdlib.h>
 

@@ -1,9 +1,9 @@
 // How true a slider's preview is: what it shows, beside what letting go will make of the picture.
 #pragma once
 
+#include "editor/FileConverter.h"
+#include "editor/PictureFileCodec.h"
 #include "picture/PixelArray.h"
-#include "imaging/objects/FileConverter.h"
-#include "imaging/objects/PictureFileCodec.h"
 
 #include <cstdint>
 #include <filesystem>

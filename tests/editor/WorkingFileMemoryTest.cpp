@@ -1,0 +1,149 @@
+// Which picture is known to be in which working file, and when that knowledge ends.
+#include "editor/FinerCopies.h"
+#include "editor/TemporaryFolder.h"
+#include "editor/WorkingFileMemory.h"
+#include "picture/MadeDetails.h"
+#include "picture/engine/TestPictures.h"
+
+#include <gtest/gtest.h>
+
+namespace pictorel::test {
+namespace {
+
+namespace fs = std::filesystem;
+using engine::test::Random;
+
+std::shared_ptr<FinerCopies> Finer(const PixelArray& picture) {
+    return std::make_shared<FinerCopies>(std::make_shared<PicturePyramid>(picture));
+}
+
+class WorkingFileMemoryTest : public ::testing::Test {
+  protected:
+    void SetUp() override { memory_.Remember(file_, picture_); }
+
+    const TemporaryFolder folder_;
+    const std::string file_ = folder_.Make("1.jpg", "one");
+    PixelArray picture_ = Random({9, 9});
+    WorkingFileMemory memory_;
+};
+
+TEST_F(WorkingFileMemoryTest, KnowsWhatIsTheSamePicture) {
+    EXPECT_EQ(memory_.FileOf(picture_), file_);
+    const PixelArray sharing = picture_;
+    EXPECT_EQ(memory_.FileOf(sharing), file_);
+
+    PixelArray changed = picture_;
+    changed.WritableRows()[0] ^= 1U;
+    PixelArray withAlpha = picture_;
+    withAlpha.SetHasAlpha(true);
+    PixelArray reduced = picture_;
+    reduced.SetReduction(0.5);
+    PixelArray otherDetails = picture_;
+    otherDetails.SetDetails(MadeDetails());
+    for (const PixelArray& other : {changed, withAlpha, reduced, otherDetails, PixelArray()}) {
+        EXPECT_FALSE(memory_.FileOf(other));
+        EXPECT_FALSE(memory_.LinkAs(folder_.Path("2.jpg"), other));
+    }
+    EXPECT_EQ(folder_.Names(), std::vector<std::string>{"1.jpg"});
+}
+
+TEST_F(WorkingFileMemoryTest, KnowsThePixelsUnderBothNames) {
+    ASSERT_TRUE(memory_.LinkAs(folder_.Path("2.jpg"), picture_));
+    EXPECT_EQ(ContentOf(folder_.Path("2.jpg")), "one");
+    EXPECT_TRUE(memory_.PixelsOf(file_).SharesPixelsWith(picture_));
+    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("2.jpg")).SharesPixelsWith(picture_));
+    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("3.jpg")).IsEmpty());
+    EXPECT_TRUE(memory_.PixelsOf("").IsEmpty());
+    EXPECT_TRUE(WorkingFileMemory().PixelsOf("").IsEmpty());
+}
+
+TEST_F(WorkingFileMemoryTest, FollowsRenamedFiles) {
+    const std::string renamed = folder_.Make("3.jpg", "one");
+    memory_.FileRenamed(file_, renamed);
+    EXPECT_EQ(memory_.FileOf(picture_), renamed);
+    const std::string other = folder_.Make("4.jpg", "four");
+    memory_.FileRenamed(other, renamed); // takes the place of the remembered one
+    EXPECT_FALSE(memory_.FileOf(picture_));
+}
+
+TEST_F(WorkingFileMemoryTest, KeepsTheFinerCopiesUntilAnotherPictureComes) {
+    PixelArray copy = Random({3, 3});
+    copy.SetReduction(1.0 / 3);
+    copy.SetFiner(Finer(picture_));
+    EXPECT_FALSE(copy.Finer()); // nobody keeps them
+    const auto finer = Finer(picture_);
+    copy.SetFiner(finer);
+    memory_.Remember(folder_.Path("copy.jpg"), copy);
+    EXPECT_EQ(memory_.FinerOf(folder_.Path("copy.jpg")), finer);
+    EXPECT_FALSE(memory_.FinerOf(file_));
+    memory_.Remember(file_, picture_);
+    EXPECT_TRUE(memory_.FinerOf(folder_.Path("copy.jpg")));
+    memory_.Remember(folder_.Path("2.jpg"), Random({9, 9}));
+    EXPECT_FALSE(memory_.FinerOf(folder_.Path("copy.jpg")));
+}
+
+TEST_F(WorkingFileMemoryTest, ALinkTakesThePlaceOfAnOlderFile) {
+    const std::string second = folder_.Make("2.jpg", "older");
+    ASSERT_TRUE(memory_.LinkAs(second, picture_));
+    EXPECT_EQ(ContentOf(second), "one");
+}
+
+TEST_F(WorkingFileMemoryTest, WritingAPictureToItsOwnFileKeepsTheFile) {
+    EXPECT_TRUE(memory_.LinkAs(file_, picture_));
+    EXPECT_EQ(ContentOf(file_), "one");
+}
+
+TEST_F(WorkingFileMemoryTest, WhereNoLinkCanBeMadeBothFilesStay) {
+    EXPECT_FALSE(memory_.LinkAs(folder_.Path("missing folder/2.jpg"), picture_));
+    EXPECT_EQ(memory_.FileOf(picture_), file_);
+    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("missing folder/2.jpg")).IsEmpty());
+}
+
+TEST_F(WorkingFileMemoryTest, AReducedCopyDoesNotPushThePictureOut) {
+    PixelArray reduced = Random({3, 3});
+    reduced.SetReduction(0.25);
+    memory_.Remember(folder_.Make("preview.jpg", "small"), reduced);
+    EXPECT_EQ(memory_.FileOf(picture_), file_);
+    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("preview.jpg")).IsEmpty());
+}
+
+TEST_F(WorkingFileMemoryTest, AReducedCopyWrittenOverTheFileEndsIt) {
+    const std::string second = folder_.Path("2.jpg");
+    ASSERT_TRUE(memory_.LinkAs(second, picture_));
+    PixelArray reduced = Random({3, 3});
+    reduced.SetReduction(0.25);
+
+    fs::remove(second);
+    folder_.Make("2.jpg", "small");
+    memory_.Remember(second, reduced);
+    EXPECT_TRUE(memory_.PixelsOf(second).IsEmpty());
+    EXPECT_EQ(memory_.FileOf(picture_), file_) << "the first name still holds it";
+
+    folder_.Make("1.jpg", "small");
+    memory_.Remember(file_, reduced);
+    EXPECT_TRUE(memory_.PixelsOf(file_).IsEmpty());
+    EXPECT_FALSE(memory_.FileOf(picture_)) << "a reduced copy would be taken for the picture";
+}
+
+TEST_F(WorkingFileMemoryTest, ADeletedFileHoldsNothing) {
+    const std::string second = folder_.Path("2.jpg");
+    ASSERT_TRUE(memory_.LinkAs(second, picture_));
+    fs::remove(second);
+    EXPECT_TRUE(memory_.PixelsOf(second).IsEmpty());
+    fs::remove(file_);
+    EXPECT_TRUE(memory_.PixelsOf(file_).IsEmpty());
+    EXPECT_FALSE(memory_.FileOf(picture_));
+    EXPECT_FALSE(memory_.LinkAs(second, picture_));
+}
+
+TEST_F(WorkingFileMemoryTest, TheNextFileTakesThePlaceOfTheFirst) {
+    ASSERT_TRUE(memory_.LinkAs(folder_.Path("2.jpg"), picture_));
+    const PixelArray next = Random({5, 5});
+    memory_.Remember(folder_.Make("3.jpg", "three"), next);
+    EXPECT_FALSE(memory_.FileOf(picture_));
+    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("2.jpg")).IsEmpty());
+    EXPECT_EQ(memory_.FileOf(next), folder_.Path("3.jpg"));
+}
+
+} // namespace
+} // namespace pictorel::test
