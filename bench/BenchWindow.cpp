@@ -62,13 +62,23 @@ BenchWindow::BenchWindow() {
         window_.findChild<PopupControl*>(QStringLiteral("PopupControl_Splash"))->Close();
     });
     closer.start(1);
-    startUp_.Form_Load({});
+    window_.Start().Form_Load({});
     closer.stop();
     window_.showNormal();
     window_.resize(1920, 1080);
     while (!Get("Cmd_Panel", 0).IsEnabled()) {
         QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
+}
+
+Control& BenchWindow::Find(const char* name, int index) {
+    const QString single = QString::fromLatin1(name);
+    for (const QString& wanted : {QStringLiteral("%1_%2").arg(single).arg(index), single}) {
+        if (auto* const control = dynamic_cast<Control*>(window_.findChild<QWidget*>(wanted))) {
+            return *control;
+        }
+    }
+    throw ControlError(std::string(name) + ": there is no such control");
 }
 
 BenchWindow::~BenchWindow() {

@@ -1,7 +1,6 @@
 // The real window as the benchmarks drive it, without a window system.
 #pragma once
 
-#include "app/StartUp.h"
 #include "app/frmMain.h"
 
 #include <QElapsedTimer>
@@ -52,17 +51,19 @@ class BenchWindow {
     ~BenchWindow(); // closes without a question
 
     frmMain& Window() { return window_; }
+    // The control of this name, or element of the control array.
     template <typename T = PushButton>
     T& Get(const char* name, int index = 0) {
-        return window_.Controls().Array<T>(name)(index);
+        return dynamic_cast<T&>(Find(name, index));
     }
 
     // Runs the Open command with the dialog answered; the watch begins with the answer.
     void Open(const QString& fileName, PaintWatch& watch);
 
   private:
+    Control& Find(const char* name, int index);
+
     frmMain window_;
-    StartUp startUp_{window_};
 };
 
 // Makes the application for the offscreen platform; call it first in main.

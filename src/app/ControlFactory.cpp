@@ -18,6 +18,7 @@
 #include "controls/TabControl.h"
 #include "controls/UpDown.h"
 #include "controls/WebBrowser.h"
+#include "platform/Texts.h"
 #include "view/PictureViewControl.h"
 
 #include <QWidget>
@@ -81,10 +82,6 @@ static_assert(
     }(),
     "row i makes kind i");
 
-QString FromView(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 // Names of control arrays: those with an element beyond 0, and the single-element ones that handlers index.
 bool IsArray(std::string_view name, const std::set<std::string_view>& larger) {
     static constexpr std::array kSingleControls{
@@ -111,9 +108,37 @@ bool IsArray(std::string_view name, const std::set<std::string_view>& larger) {
     return true;
 }
 
+QString ObjectName(const ControlRow& row, const std::set<std::string_view>& larger) {
+    const QString name = FromView(row.name);
+    return IsArray(row.name, larger) ? name + QStringLiteral("_%1").arg(row.index) : name;
+}
+
+void Describe(Control& control, const ControlRow& row) {
+    control.SetCaption(FromView(row.caption));
+    control.SetToolTip(FromView(row.toolTip));
+    control.SetBounds(row.place);
+    if (row.range.IsSet()) {
+        control.SetValueRange(row.range.minimum, row.range.maximum, row.range.value, row.range.page);
+    }
+    if (!row.accessibleName.empty()) {
+        control.Widget().setAccessibleName(FromView(row.accessibleName));
+    }
+}
+
+// A panel on the tab control is one of its pages and scrolls where the window is low.
+void AddPage(Control& tabControl, Control& panel, const ControlRow& row) {
+    auto* const tabs = dynamic_cast<TabControl*>(&tabControl);
+    auto* const page = dynamic_cast<ContainerPanel*>(&panel);
+    if (tabs != nullptr && page != nullptr) {
+        page->SetScrolling(true);
+        page->setAccessibleName(FromView(row.caption));
+        tabs->AddTab(FromView(row.caption), *page);
+    }
+}
+
 } // namespace
 
-void CreateControls(QWidget& window, ControlRegistry& registry) {
+ControlRegistry CreateControls(QWidget& window) {
     const auto rows = MainWindowControls();
     std::set<std::string_view> larger;
     for (const ControlRow& row : rows) {
@@ -121,22 +146,22 @@ void CreateControls(QWidget& window, ControlRegistry& registry) {
             larger.insert(row.name);
         }
     }
+    ControlRegistry registry;
     std::map<std::string_view, Control*> containers;
     for (const ControlRow& row : rows) {
-        QWidget* const parent = row.parent.empty() ? &window : &containers.at(row.parent)->Interior();
+        Control* const container = row.parent.empty() ? nullptr : containers.at(row.parent);
+        QWidget* const parent = container == nullptr ? &window : &container->Interior();
         Control& control = kKinds.at(static_cast<std::size_t>(row.kind)).make(parent);
-        QString name = FromView(row.name);
-        if (IsArray(row.name, larger)) {
-            name += QStringLiteral("_%1").arg(row.index);
-        }
-        control.Widget().setObjectName(name);
-        control.SetCaption(FromView(row.caption));
-        control.SetToolTip(FromView(row.toolTip));
-        control.SetBounds(row.place);
+        control.Widget().setObjectName(ObjectName(row, larger));
+        Describe(control, row);
         control.SetVisible(row.shown);
+        if (container != nullptr) {
+            AddPage(*container, control, row);
+        }
         containers.try_emplace(row.name, &control);
         registry.Add(row.name, control);
     }
+    return registry;
 }
 
 } // namespace pictorel

@@ -8,7 +8,7 @@ class QWidget;
 namespace pictorel {
 
 // Creates every control of MainWindowControls() below `window`, named "Cmd_Panel_3" (arrays) or "HistoryList"
-// (single controls), and registers it.
-void CreateControls(QWidget& window, ControlRegistry& registry);
+// (single controls). The registry serves to fill MainControls once.
+ControlRegistry CreateControls(QWidget& window);
 
 } // namespace pictorel

@@ -30,15 +30,27 @@ enum class ControlKind {
     WebBrowser,
 };
 
+// What sliders, scroll bars, spinners and the progress bar count.
+struct ValueRange {
+    int minimum = 0;
+    int maximum = 0;
+    int value = 0; // at first
+    int page = 0;  // of a large step; 0 for the kind's own
+
+    bool IsSet() const { return maximum > minimum; }
+};
+
 struct ControlRow {
     std::string_view name;
     int index; // elements of an array stand in index order
     ControlKind kind;
     std::string_view parent;
-    TwipsRect place; // relative to the parent; zero where the layout computes it
-    std::string_view caption = {};
+    TwipsRect place;               // relative to the parent; zero where the layout computes it
+    std::string_view caption = {}; // of a page of the tab control: its tab's
     std::string_view toolTip = {};
     bool shown = true;
+    ValueRange range = {};
+    std::string_view accessibleName = {}; // where neither caption nor tool tip tells
 };
 
 // Parents before children, elements of an array in index order. The rows of the slider pages are computed

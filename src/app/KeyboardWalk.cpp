@@ -1,18 +1,12 @@
 // Tab order and accessible names, see KeyboardWalk.h.
 #include "app/KeyboardWalk.h"
 
-#include "controls/ContainerPanel.h"
-#include "controls/PushButton.h"
-#include "controls/Slider.h"
-#include "controls/TabControl.h"
 #include "editor/SliderCatalogue.h"
 
 #include <QWidget>
 
 #include <algorithm>
-#include <array>
 #include <iterator>
-#include <string>
 #include <vector>
 
 namespace pictorel {
@@ -50,80 +44,38 @@ void AppendWithin(const QWidget& container, Widgets& order) {
     order.insert(order.end(), read.begin(), read.end());
 }
 
-struct NameRow {
-    const char* control;
-    const char* name;
-};
-
-constexpr std::array kNames{
-    NameRow{"Cmd_Tab_4", "Lock proportions"},
-    NameRow{"Combo_ResizePredefined", "Predefined sizes"},
-    NameRow{"GroupBox_Canves1", "Picture size and view tools"},
-    NameRow{"GroupBox_Canves2", "View tools"},
-    NameRow{"GroupBox_Icons_0", "Adjustment icons"},
-    NameRow{"GroupBox_Resize", "Size setting summary"},
-    NameRow{"HistoryList", "History"},
-    NameRow{"ProgressBar", "Progress"},
-    NameRow{"Resizer_Adjustments", "Adjustments"},
-    NameRow{"Resizer_Effects", "Effects"},
-    NameRow{"Resizer_Filters", "Filters"},
-    NameRow{"Resizer_Main", "Editor"},
-    NameRow{"Resizer_Resize", "Resize"},
-    NameRow{"ScrollBar_ImageX_0", "Move the picture left or right"},
-    NameRow{"ScrollBar_ImageY_0", "Move the picture up or down"},
-    NameRow{"Slider_ImageZoom_0", "Zoom in percent"},
-    NameRow{"TabControl_Effects", "Tools"},
-    NameRow{"Txt_ImageHeight", "Height in pixels"},
-    NameRow{"Txt_ImageWidth", "Width in pixels"},
-    NameRow{"Txt_ResizePercent", "Percentage of original size"},
-    NameRow{"UpDown_ImageHeight", "Step the height"},
-    NameRow{"UpDown_ImageWidth", "Step the width"},
-    NameRow{"UpDown_ResizePercent", "Step the percentage"},
-};
-
 } // namespace
 
-void SetTabOrder(const ControlRegistry& controls) {
+void SetTabOrder(const MainControls& controls) {
     Widgets toolBar;
-    for (const char* const name : {"Cmd_Panel", "Cmd_Recommend"}) {
-        for (Control* const button : controls.Array<Control>(name)) {
-            toolBar.push_back(&button->Widget());
-        }
+    for (const auto* const array : {&controls.Cmd_Panel, &controls.Cmd_Recommend}) {
+        toolBar.insert(toolBar.end(), array->begin(), array->end());
     }
     Widgets order = AsRead(toolBar);
-    AppendWithin(controls.Single<Control>("GroupBox_Canves1").Widget(), order);
-    auto& tabs = controls.Single<TabControl>("TabControl_Effects");
-    order.push_back(tabs.findChild<QTabBar*>());
-    for (const char* const page :
-         {"Resizer_Adjustments", "Resizer_Filters", "Resizer_Effects", "Resizer_Resize"}) {
-        AppendWithin(controls.Single<ContainerPanel>(page).Interior(), order);
+    AppendWithin(controls.GroupBox_Canves1, order);
+    order.push_back(controls.TabControl_Effects.findChild<QTabBar*>());
+    for (ContainerPanel* const page : {&controls.Resizer_Adjustments, &controls.Resizer_Filters,
+                                       &controls.Resizer_Effects, &controls.Resizer_Resize}) {
+        AppendWithin(page->Interior(), order);
     }
-    order.push_back(&controls.Single<Control>("HistoryList").Widget());
+    order.push_back(&controls.HistoryList);
     for (std::size_t i = 1; i < order.size(); ++i) {
         QWidget::setTabOrder(order[i - 1], order[i]);
     }
 }
 
-void NameControls(const ControlRegistry& controls) {
-    const QWidget& window = *controls.Single<Control>("Resizer_Main").Widget().window();
-    for (const NameRow& row : kNames) {
-        if (auto* const widget = window.findChild<QWidget*>(QString::fromLatin1(row.control))) {
-            widget->setAccessibleName(QString::fromLatin1(row.name));
-        }
-    }
-    const auto sliders = controls.Array<Slider>("Slider_Tab");
+void NameControls(const MainControls& controls) {
     for (int i = 0; i < kSliderCount; ++i) {
-        controls.Array<PushButton>("Cmd_ResetEffects")(i).setAccessibleName(
-            QObject::tr("Reset %1").arg(sliders(i).accessibleName()));
+        controls.Cmd_ResetEffects(i).setAccessibleName(
+            QObject::tr("Reset %1").arg(controls.Slider_Tab(i).accessibleName()));
     }
     int icon = 0;
     for (const int slider : SlidersOfPage(SliderPage::Adjustments)) {
         if (slider >= 0) { // not a gap
-            controls.Array<PushButton>("Cmd_Icon")(icon++).setAccessibleName(
-                sliders(slider).accessibleName());
+            controls.Cmd_Icon(icon++).setAccessibleName(controls.Slider_Tab(slider).accessibleName());
         }
     }
-    for (PushButton* const button : window.findChildren<PushButton*>()) {
+    for (PushButton* const button : controls.Resizer_Main.window()->findChildren<PushButton*>()) {
         if (button->text().isEmpty() && button->accessibleName().isEmpty()) {
             button->setAccessibleName(button->toolTip());
         }

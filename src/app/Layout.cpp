@@ -9,7 +9,7 @@
 
 namespace pictorel {
 
-Layout::Layout(Image_Mods& document, LayoutControls controls, ZoomScroll& zoom)
+Layout::Layout(const Image_Mods& document, LayoutControls controls, ZoomScroll& zoom)
     : document_(document), controls_(std::move(controls)), zoom_(zoom) {}
 
 void Layout::Form_Resize(QSize outerSize) {

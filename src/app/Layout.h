@@ -9,7 +9,8 @@
 #include "controls/ReportList.h"
 #include "controls/ScrollBar.h"
 #include "controls/TabControl.h"
-#include "editor/Image_Mods.h"
+#include "editor/Editor.h"
+#include "view/PictureViewControl.h"
 #include "view/ZoomScroll.h"
 
 #include <QSize>
@@ -28,7 +29,7 @@ struct LayoutControls {
     ContainerPanel& Resizer_Resize;
     ControlArray<ScrollBar> ScrollBar_ImageX;
     ControlArray<ScrollBar> ScrollBar_ImageY;
-    ControlArray<Control> ImageView;
+    ControlArray<PictureViewControl> ImageView;
     ProgressBar& ProgressBarControl;
     GroupBox& GroupBox_Canves1;
     GroupBox& GroupBox_Canves2;
@@ -38,7 +39,7 @@ struct LayoutControls {
 
 class Layout {
   public:
-    Layout(Image_Mods& document, LayoutControls controls, ZoomScroll& zoom);
+    Layout(const Image_Mods& document, LayoutControls controls, ZoomScroll& zoom);
 
     // Places everything for the window's outer size (frame and title bar included) in pixels and re-fits the
     // picture. A step whose control refuses its value is skipped and leaves the control as it was.
@@ -53,7 +54,7 @@ class Layout {
   private:
     void Place(float W, float H);
 
-    Image_Mods& document_;
+    const Image_Mods& document_;
     LayoutControls controls_;
     ZoomScroll& zoom_;
 };

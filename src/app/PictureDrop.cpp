@@ -26,9 +26,9 @@ QString FirstFile(const QMimeData* data) {
 
 } // namespace
 
-PictureDrop::PictureDrop(QWidget& window, std::function<bool()> isReady,
+PictureDrop::PictureDrop(QWidget& window, const Editor& editor, std::function<bool()> isReady,
                          std::function<void(const QString&)> open)
-    : isReady_(std::move(isReady)), open_(std::move(open)) {
+    : editor_(editor), isReady_(std::move(isReady)), open_(std::move(open)) {
     window.setAcceptDrops(true);
     window.installEventFilter(this);
 }
@@ -50,10 +50,19 @@ bool PictureDrop::eventFilter(QObject* watched, QEvent* event) {
     drop->setDropAction(Qt::CopyAction); // the file stays where it is, whatever its owner proposes
     drop->accept();
     if (type == QEvent::Drop) {
-        QTimer::singleShot(
-            0, this, Events::Guarded([this, fileName = FirstFile(drop->mimeData())] { open_(fileName); }));
+        QTimer::singleShot(0, this,
+                           [this, fileName = FirstFile(drop->mimeData())] { OpenWhenIdle(fileName); });
     }
     return true;
+}
+
+void PictureDrop::OpenWhenIdle(const QString& fileName) {
+    constexpr int kLookAgain = 20; // milliseconds
+    if (editor_.IsBusy()) {
+        QTimer::singleShot(kLookAgain, this, [this, fileName] { OpenWhenIdle(fileName); });
+    } else if (isReady_()) {
+        Events::Guarded([&] { open_(fileName); })();
+    }
 }
 
 } // namespace pictorel

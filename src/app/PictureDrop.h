@@ -1,6 +1,8 @@
 // Pictures dropped on the window.
 #pragma once
 
+#include "editor/Editor.h"
+
 #include <QObject>
 #include <QString>
 #include <QWidget>
@@ -13,12 +15,14 @@ namespace pictorel {
 
 // Takes files dropped anywhere on the window; of several the first is opened. What is no file of this
 // machine, and everything while the editor is not ready, gets the refusing pointer. The file is opened after
-// the drop has ended, so that the program it came from need not wait for the questions that opening may ask.
+// the drop and whatever command runs have ended, so that the program it came from need not wait for the
+// questions that opening may ask.
 class PictureDrop : public QObject {
     Q_OBJECT
 
   public:
-    PictureDrop(QWidget& window, std::function<bool()> isReady, std::function<void(const QString&)> open);
+    PictureDrop(QWidget& window, const Editor& editor, std::function<bool()> isReady,
+                std::function<void(const QString&)> open);
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -26,6 +30,9 @@ class PictureDrop : public QObject {
   private:
     bool Takes(const QMimeData* data) const;
 
+    void OpenWhenIdle(const QString& fileName);
+
+    const Editor& editor_;
     std::function<bool()> isReady_;
     std::function<void(const QString&)> open_;
 };

@@ -5,22 +5,21 @@
 #include <QKeySequence>
 #include <QShortcut>
 
-#include <string>
-
 namespace pictorel {
 namespace {
 
 constexpr std::array kTable{
-    ShortcutRow{"Cmd_Panel", 0, {"Ctrl+O", ""}, false},            // Open
-    ShortcutRow{"Cmd_Panel", 1, {"Ctrl+S", ""}, false},            // Save
-    ShortcutRow{"Cmd_Panel", 2, {"Ctrl+Z", ""}, true},             // Undo
-    ShortcutRow{"Cmd_Panel", 3, {"Ctrl+Y", "Ctrl+Shift+Z"}, true}, // Redo
-    ShortcutRow{"Cmd_Panel", 4, {"Ctrl+P", ""}, false},            // Print
-    ShortcutRow{"Cmd_Panel", 7, {"F1", ""}, false},                // About
-    ShortcutRow{"Cmd_ZoomFit", 0, {"Ctrl+0", ""}, false},          //
-    ShortcutRow{"Cmd_ActualSize", 0, {"Ctrl+1", ""}, false},       //
-    ShortcutRow{"Cmd_ZoomIn", 0, {"Ctrl++", "Ctrl+="}, true},      // "+" is Shift and "=" on many keyboards
-    ShortcutRow{"Cmd_ZoomOut", 0, {"Ctrl+-", ""}, true},           //
+    ShortcutRow{&MainControls::Cmd_Panel, kOpenButton, {"Ctrl+O", ""}, false},
+    ShortcutRow{&MainControls::Cmd_Panel, kSaveButton, {"Ctrl+S", ""}, false},
+    ShortcutRow{&MainControls::Cmd_Panel, kUndoButton, {"Ctrl+Z", ""}, true},
+    ShortcutRow{&MainControls::Cmd_Panel, kRedoButton, {"Ctrl+Y", "Ctrl+Shift+Z"}, true},
+    ShortcutRow{&MainControls::Cmd_Panel, kPrintButton, {"Ctrl+P", ""}, false},
+    ShortcutRow{&MainControls::Cmd_Panel, kAboutButton, {"F1", ""}, false},
+    ShortcutRow{&MainControls::Cmd_ZoomFit, 0, {"Ctrl+0", ""}, false},    //
+    ShortcutRow{&MainControls::Cmd_ActualSize, 0, {"Ctrl+1", ""}, false}, //
+    ShortcutRow{
+        &MainControls::Cmd_ZoomIn, 0, {"Ctrl++", "Ctrl+="}, true}, // "+" is Shift and "=" on many keyboards
+    ShortcutRow{&MainControls::Cmd_ZoomOut, 0, {"Ctrl+-", ""}, true}, //
 };
 
 static_assert(
@@ -49,9 +48,9 @@ std::span<const ShortcutRow> ShortcutTable() noexcept {
     return kTable;
 }
 
-Shortcuts::Shortcuts(QWidget& window, const ControlRegistry& controls) {
+Shortcuts::Shortcuts(QWidget& window, const MainControls& controls) {
     for (const ShortcutRow& row : kTable) {
-        PushButton& button = controls.Array<PushButton>(std::string(row.array))(row.element);
+        PushButton& button = (controls.*row.array)(row.element);
         button.SetShortcutText(Sequence(row.keys.front()).toString(QKeySequence::NativeText));
         for (const std::string_view keys : row.keys) {
             if (!keys.empty()) {

@@ -1,7 +1,7 @@
 // The keys that click the window's buttons.
 #pragma once
 
-#include "controls/ControlArray.h"
+#include "app/MainControls.h"
 #include "controls/Events.h"
 #include "controls/PushButton.h"
 
@@ -14,7 +14,7 @@
 namespace pictorel {
 
 struct ShortcutRow {
-    std::string_view array;
+    ControlArray<PushButton> MainControls::*array;
     int element;
     std::array<std::string_view, 2> keys; // the first is the one that the tool tip shows; "" for none
     bool repeats;                         // while the keys are held
@@ -27,7 +27,7 @@ std::span<const ShortcutRow> ShortcutTable() noexcept;
 // button is held, since what the mouse has begun is ended first.
 class Shortcuts {
   public:
-    Shortcuts(QWidget& window, const ControlRegistry& controls);
+    Shortcuts(QWidget& window, const MainControls& controls);
 
   private:
     void Bind(QWidget& window, PushButton& button, const ShortcutRow& row, std::string_view keys);

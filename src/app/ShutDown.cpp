@@ -78,7 +78,8 @@ void ShutDown::GoOn() {
         parts_.splash.Close();
     } else if (CloseTopmostOverlay()) {
         QAbstractEventDispatcher::instance()->wakeUp(); // and look again when its handler has ended
-    } else if (window_.isVisible() && QThread::currentThread()->loopLevel() == kMainLoopOnly) {
+    } else if (!parts_.editor.IsBusy() && window_.isVisible() &&
+               QThread::currentThread()->loopLevel() == kMainLoopOnly) {
         endRequested_ = false;
         isMoment_ = true;
         window_.close();
@@ -87,7 +88,7 @@ void ShutDown::GoOn() {
 }
 
 bool ShutDown::Form_QueryUnload() {
-    const bool answered = answeredForSession_.SharesPixelsWith(parts_.document.ImagePixels);
+    const bool answered = answeredForSession_.SharesPixelsWith(parts_.editor.Document.ImagePixels);
     answeredForSession_ = PixelArray();
     if (answered) {
         return true;
@@ -104,11 +105,10 @@ bool ShutDown::Form_QueryUnload() {
 }
 
 void ShutDown::Form_Unload() {
-    CarryOn([&] { parts_.popups.BlinkTarget = nullptr; }, //
-            [&] { parts_.webBrowser.Stop(); },            //
-            [&] { parts_.history.DeleteWorkingFiles(parts_.HistoryList); },
-            [&] { parts_.scanCommand.Abandon(); },           //
-            [&] { parts_.imageTwain.CloseSourceManager(); }, //
+    CarryOn([&] { parts_.popups.BlinkTarget = nullptr; },                                               //
+            [&] { parts_.webBrowser.Stop(); },                                                          //
+            [&] { parts_.editor.History.DeleteWorkingFiles(); }, [&] { parts_.scanCommand.Abandon(); }, //
+            [&] { parts_.imageTwain.CloseSourceManager(); },                                            //
             [&] { parts_.preview.Unload(); });
 }
 
@@ -119,7 +119,7 @@ bool ShutDown::SessionMayEnd(bool mayAsk) {
     if (!Form_QueryUnload()) {
         return false;
     }
-    answeredForSession_ = parts_.document.ImagePixels;
+    answeredForSession_ = parts_.editor.Document.ImagePixels;
     return true;
 }
 

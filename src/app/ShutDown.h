@@ -6,12 +6,10 @@
 #include "commands/scan/ScanCommand.h"
 #include "controls/Events.h"
 #include "controls/PopupControl.h"
-#include "controls/ReportList.h"
 #include "controls/WebBrowser.h"
-#include "editor/EditHistory.h"
-#include "editor/Image_Mods.h"
+#include "editor/Editor.h"
 #include "notices/Popup_Mod.h"
-#include "panels/LivePreview.h"
+#include "panels/PreviewWindow.h"
 
 #include <QWidget>
 
@@ -22,10 +20,8 @@ namespace pictorel {
 
 // What the window is made of and has to be brought to its end.
 struct ShutDownParts {
-    Image_Mods& document;
+    Editor& editor;
     FileCommands& fileCommands;
-    EditHistory& history;
-    ReportList& HistoryList;
     ScanCommand& scanCommand;
     ImageTwain& imageTwain;
     PreviewWindow& preview;
@@ -60,9 +56,10 @@ class ShutDown {
     QWidget& window_;
     ShutDownParts parts_;
     bool endRequested_ = false;
-    bool isMoment_ = false;         // the window may close now
-    bool asking_ = false;           // the question, or its Save dialog, is open
-    PixelArray answeredForSession_; // the picture for which the session's question was answered
+    bool isMoment_ = false; // the window may close now
+    bool asking_ = false;   // the question, or its Save dialog, is open
+    PixelArray
+        answeredForSession_; // the picture for which the session's question was answered, until it goes on
     Events events_;
 };
 

@@ -29,11 +29,6 @@ constexpr int kResetWidth = 92;
 constexpr int kButtonHeight = 28;
 constexpr int kColumnRight = kValueLeft + kValueWidth;
 
-constexpr TwipsRect InPixels(int left, int top, int width, int height) {
-    const auto twips = [](int pixels) { return static_cast<float>(pixels) * kTwipsPerPixel; };
-    return {twips(left), twips(top), twips(width), twips(height)};
-}
-
 struct Page {
     SliderPage page;
     std::string_view panel;
@@ -86,15 +81,24 @@ std::string_view PanelOf(int slider, const SliderPlace& place) {
 void AppendSliders(std::vector<ControlRow>& rows, const Places& places) {
     for (int i = 0; i < kSliderCount; ++i) {
         const SliderPlace& place = places.sliders[static_cast<std::size_t>(i)];
+        const SliderRow& row = SliderCatalogue()[static_cast<std::size_t>(i)];
         const std::string_view panel = PanelOf(i, place);
         const int captionLeft = place.icon >= 0 ? kCaptionWithIcon : kCaptionAlone;
         // The value box of a two-sided slider is hidden: the caption of its right side stands there.
         const bool twoSided = i == kSharpenBlurSlider || i == kMaximalMinimalSlider;
         rows.push_back({"lbl_SliderName", i, Label, panel,
                         InPixels(captionLeft, place.top, kSliderLeft - captionLeft - 4, kRowHeight),
-                        SliderCatalogue()[static_cast<std::size_t>(i)].caption, "", place.shown});
-        rows.push_back({"Slider_Tab", i, Slider, panel,
-                        InPixels(kSliderLeft, place.top, kSliderWidth, kRowHeight), "", "", place.shown});
+                        row.caption, "", place.shown});
+        rows.push_back({"Slider_Tab",
+                        i,
+                        Slider,
+                        panel,
+                        InPixels(kSliderLeft, place.top, kSliderWidth, kRowHeight),
+                        "",
+                        "",
+                        place.shown,
+                        {row.minimum, row.maximum, row.defaultValue},
+                        row.caption});
         rows.push_back({"lbl_SliderTab", i, Label, panel,
                         InPixels(kValueLeft, place.top, kValueWidth, kRowHeight), "", "",
                         place.shown && !twoSided});
@@ -110,8 +114,16 @@ void AppendSliders(std::vector<ControlRow>& rows, const Places& places) {
 void AppendIcons(std::vector<ControlRow>& rows, const Places& places) {
     constexpr int kLastAdjustment = 14;
     const int bottom = places.sliders[kLastAdjustment].top + kRowHeight;
-    rows.push_back({"GroupBox_Icons", 0, GroupBox, "Resizer_Adjustments",
-                    InPixels(kIconLeft, kTopWithButtons, kIconSize, bottom - kTopWithButtons)});
+    rows.push_back({"GroupBox_Icons",
+                    0,
+                    GroupBox,
+                    "Resizer_Adjustments",
+                    InPixels(kIconLeft, kTopWithButtons, kIconSize, bottom - kTopWithButtons),
+                    "",
+                    "",
+                    true,
+                    {},
+                    "Adjustment icons"});
     for (const SliderPlace& place : places.sliders) {
         if (place.icon >= 0) {
             const int inset = (kRowHeight - kIconSize) / 2;
@@ -133,7 +145,16 @@ void AppendButtons(std::vector<ControlRow>& rows, const Places& places) {
     oneClick(2, "Resizer_Adjustments", 2, "Invert");
     rows.push_back({"Cmd_Tab", 3, PushButton, "Resizer_Resize",
                     InPixels(kColumnRight - kResetWidth, 346, kResetWidth, kButtonHeight), "Apply"});
-    rows.push_back({"Cmd_Tab", 4, PushButton, "Resizer_Resize", InPixels(228, 240, 26, 26)});
+    rows.push_back({"Cmd_Tab",
+                    4,
+                    PushButton,
+                    "Resizer_Resize",
+                    InPixels(228, 240, 26, 26),
+                    "",
+                    "",
+                    true,
+                    {},
+                    "Lock proportions"});
     oneClick(5, "Resizer_Filters", 0, "Halftone");
     oneClick(6, "Resizer_Filters", 1, "Emboss");
     for (std::size_t p = 0; p < kPages.size(); ++p) {

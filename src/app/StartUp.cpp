@@ -1,17 +1,17 @@
 // The start-up sequence, see StartUp.h.
 #include "app/StartUp.h"
 
-#include "app/IconTable.h"
 #include "app/KeyboardWalk.h"
-#include "app/frmMain.h"
-#include "controls/ComboBox.h"
-#include "controls/WebBrowser.h"
+#include "controls/MessageBoxes.h"
 #include "editor/PredefinedSizes.h"
 #include "editor/SliderCatalogue.h"
+#include "notices/WebSite.h"
+#include "panels/IconTable.h"
 #include "platform/CarryOn.h"
 #include "platform/PumpEvents.h"
+#include "platform/Texts.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEventLoop>
 #include <QFile>
 
@@ -21,28 +21,59 @@ namespace pictorel {
 namespace {
 
 constexpr int kBlinkInterval = 500; // milliseconds
-constexpr int kOpenButton = 0;
-constexpr PictureSlot kSlot = 0;
 
-constexpr std::array kFlatButtons{"Cmd_Panel",   "Cmd_Recommend", "Cmd_ZoomIn",     "Cmd_ZoomOut",
-                                  "Cmd_FlipV",   "Cmd_FlipH",     "Cmd_RotateLeft", "Cmd_RotateRight",
-                                  "Cmd_ZoomFit", "Cmd_ActualSize"};
+using Buttons = ControlArray<PushButton> MainControls::*;
+
+constexpr std::array<Buttons, 10> kFlatButtons{&MainControls::Cmd_Panel,      &MainControls::Cmd_Recommend,
+                                               &MainControls::Cmd_ZoomIn,     &MainControls::Cmd_ZoomOut,
+                                               &MainControls::Cmd_FlipV,      &MainControls::Cmd_FlipH,
+                                               &MainControls::Cmd_RotateLeft, &MainControls::Cmd_RotateRight,
+                                               &MainControls::Cmd_ZoomFit,    &MainControls::Cmd_ActualSize};
 
 struct ToolTipRow {
-    const char* name;
+    Buttons button;
     const char* text;
 };
 
 constexpr std::array kToolTips{
-    ToolTipRow{"Cmd_ZoomIn", "Zoom In"},         ToolTipRow{"Cmd_ZoomOut", "Zoom Out"},
-    ToolTipRow{"Cmd_FlipV", "Flip Vertical"},    ToolTipRow{"Cmd_FlipH", "Flip Horizontal"},
-    ToolTipRow{"Cmd_RotateLeft", "Rotate Left"}, ToolTipRow{"Cmd_RotateRight", "Rotate Right"},
-    ToolTipRow{"Cmd_ZoomFit", "Best Fit"},       ToolTipRow{"Cmd_ActualSize", "Actual Size"},
+    ToolTipRow{&MainControls::Cmd_ZoomIn, "Zoom In"},
+    ToolTipRow{&MainControls::Cmd_ZoomOut, "Zoom Out"},
+    ToolTipRow{&MainControls::Cmd_FlipV, "Flip Vertical"},
+    ToolTipRow{&MainControls::Cmd_FlipH, "Flip Horizontal"},
+    ToolTipRow{&MainControls::Cmd_RotateLeft, "Rotate Left"},
+    ToolTipRow{&MainControls::Cmd_RotateRight, "Rotate Right"},
+    ToolTipRow{&MainControls::Cmd_ZoomFit, "Best Fit"},
+    ToolTipRow{&MainControls::Cmd_ActualSize, "Actual Size"},
 };
 
-QString FromView(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+// A picture of the icon store on an element of a control array.
+struct ButtonImage {
+    Buttons array;
+    int element;
+    int icon;
+};
+
+constexpr std::array kButtonImages{
+    ButtonImage{&MainControls::Cmd_Tab, kLockButton, kLockedIcon},
+    ButtonImage{&MainControls::Cmd_Panel, kOpenButton, 4},
+    ButtonImage{&MainControls::Cmd_Panel, kSaveButton, 8},
+    ButtonImage{&MainControls::Cmd_Panel, kUndoButton, 5},
+    ButtonImage{&MainControls::Cmd_Panel, kRedoButton, 6},
+    ButtonImage{&MainControls::Cmd_Panel, kPrintButton, 7},
+    ButtonImage{&MainControls::Cmd_Panel, kScanButton, 17},
+    ButtonImage{&MainControls::Cmd_Panel, kToolsButton, 18},
+    ButtonImage{&MainControls::Cmd_Panel, kAboutButton, 20},
+    ButtonImage{&MainControls::Cmd_ZoomIn, 0, 9},
+    ButtonImage{&MainControls::Cmd_ZoomOut, 0, 10},
+    ButtonImage{&MainControls::Cmd_FlipV, 0, 11},
+    ButtonImage{&MainControls::Cmd_FlipH, 0, 12},
+    ButtonImage{&MainControls::Cmd_RotateLeft, 0, 13},
+    ButtonImage{&MainControls::Cmd_RotateRight, 0, 14},
+    ButtonImage{&MainControls::Cmd_ZoomFit, 0, 15},
+    ButtonImage{&MainControls::Cmd_ActualSize, 0, 16},
+    ButtonImage{&MainControls::Cmd_Recommend, 0, 26},
+    ButtonImage{&MainControls::Cmd_Recommend, 1, 27},
+};
 
 QString InApplicationFolder(std::string_view path) {
     return ApplicationFolder() + PlatformPath(FromView(path));
@@ -56,50 +87,52 @@ QByteArray BytesOf(const QString& fileName) {
 
 } // namespace
 
+void ShowStartFailure(const std::exception& error) {
+    MessageBoxes(nullptr).Show(QString::fromUtf8(error.what()), QStringLiteral("Error in loading..."),
+                               MessageIcon::Exclamation);
+}
+
 StartResult StartUp::Form_Load(const QString& commandLine) {
     try {
         if (commandLine == QStringLiteral("homepage")) {
-            OpenWebLink(kHomePageLink, window_.strings_);
+            OpenWebLink(kHomePageLink, parts_.strings);
             return StartResult::HomePage;
         }
         RunSequence();
         return StartResult::Started;
     } catch (const std::exception& error) {
-        MessageBoxes(nullptr).Show(QString::fromUtf8(error.what()), QStringLiteral("Error in loading..."),
-                                   MessageIcon::Exclamation);
+        ShowStartFailure(error);
         return StartResult::Failed;
     }
 }
 
 void StartUp::RunSequence() {
-    PumpEvents();
-    window_.setWindowTitle(window_.strings_.Entry(Text::Title));
-    PumpEvents();
-    window_.UpdateAvailable_ =
-        window_.updateCheck_->CheckForUpdate(window_.controls_.Single<WebBrowser>("WebBrowser1"));
-    window_.zoomScroll_->ZoomControlsSyncing = false;
+    LetAllEventsRun();
+    parts_.window.setWindowTitle(parts_.strings.Entry(Text::Title));
+    LetAllEventsRun();
+    UpdateAvailable_ = parts_.updateCheck.CheckForUpdate(parts_.controls.WebBrowser1);
+    parts_.zoomScroll.ZoomControlsSyncing = false;
     LoadSkin();
-    PumpEvents();
+    LetAllEventsRun();
     ShowSplash();
     LoadIcons();
     GiveButtonsTheirLooks();
     SetToolTips();
-    NameControls(window_.controls_);
-    SetTabOrder(window_.controls_);
-    window_.document_.OpenDialogFolder = ChooseDialogFolder();
-    window_.document_.SaveDialogFolder = ChooseDialogFolder();
+    NameControls(parts_.controls);
+    SetTabOrder(parts_.controls);
+    parts_.editor.Document.OpenDialogFolder = ChooseDialogFolder();
+    parts_.editor.Document.SaveDialogFolder = ChooseDialogFolder();
     ConfigureControls();
     ResetPanels();
-    const auto panel = window_.controls_.Array<PushButton>("Cmd_Panel");
-    for (const int index : {5, 6, 7}) {
-        panel(index).SetEnabled(true);
+    for (const int index : {kScanButton, kToolsButton, kAboutButton}) {
+        parts_.controls.Cmd_Panel(index).SetEnabled(true);
     }
-    panel(kOpenButton).SetEnabled(false);
+    OpenButton().SetEnabled(false);
     SetTimers();
-    window_.events_.On(window_.Timer_StartUp_, &QTimer::timeout, [this] { Timer_StartUp_Timer(); });
-    window_.events_.On(window_.Timer_Tags_, &QTimer::timeout, [this] { Timer_Tags_Timer(); });
-    window_.Timer_StartUp_.start();
-    window_.showMaximized();
+    events_.On(parts_.timers.Timer_StartUp, &QTimer::timeout, [this] { Timer_StartUp_Timer(); });
+    events_.On(parts_.timers.Timer_Tags, &QTimer::timeout, [this] { Timer_Tags_Timer(); });
+    parts_.timers.Timer_StartUp.start();
+    parts_.window.showMaximized();
 }
 
 void StartUp::SetTimers() {
@@ -109,10 +142,10 @@ void StartUp::SetTimers() {
         int interval; // milliseconds
         bool once;
     };
-    for (const TimerRow& row : {TimerRow{window_.Timer_StartUp_, "Timer_StartUp", 300, true},
-                                TimerRow{window_.Timer_Blink_, "Timer_Blink", kBlinkInterval, false},
-                                TimerRow{window_.Timer_Tags_, "Timer_Tags", 500, true},
-                                TimerRow{window_.Timer_Scanner_, "Timer_Scanner", 100, false}}) {
+    for (const TimerRow& row : {TimerRow{parts_.timers.Timer_StartUp, "Timer_StartUp", 300, true},
+                                TimerRow{parts_.timers.Timer_Blink, "Timer_Blink", kBlinkInterval, false},
+                                TimerRow{parts_.timers.Timer_Tags, "Timer_Tags", 500, true},
+                                TimerRow{parts_.timers.Timer_Scanner, "Timer_Scanner", 100, false}}) {
         row.timer.setObjectName(QString::fromLatin1(row.name));
         row.timer.setInterval(row.interval);
         row.timer.setSingleShot(row.once);
@@ -120,55 +153,58 @@ void StartUp::SetTimers() {
 }
 
 void StartUp::LoadSkin() {
-    SkinFramework& skin = window_.SkinFramework_;
+    SkinFramework& skin = parts_.skin;
     skin.LoadSkin(InApplicationFolder("\\Vista.cjstyles"), QStringLiteral("NormalBlack2.ini"));
-    skin.ApplyWindow(window_);
+    skin.ApplyWindow(parts_.window);
     skin.SetApplyOptions(skin.ApplyOptions() | SkinFramework::kAllWindows);
 }
 
 void StartUp::ShowSplash() {
     const QString splash = InApplicationFolder("\\pics\\splash.png");
-    ShowSplashPopup(window_.PopupControl_Splash_, window_, {BytesOf(splash), BytesOf(DenseCompanion(splash))},
-                    window_.document_.GetTempFolder());
-    while (window_.PopupControl_Splash_.CurrentState() != PopupControl::Closed) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    ShowSplashPopup(parts_.splash, parts_.window, {BytesOf(splash), BytesOf(DenseCompanion(splash))},
+                    parts_.editor.Document.GetTempFolder());
+    while (parts_.splash.CurrentState() != PopupControl::Closed) {
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 }
 
 void StartUp::LoadIcons() {
     for (const IconRow& row : kIcons) {
-        window_.icons_.Load(row.id, InApplicationFolder(row.file));
+        parts_.icons.Load(row.id, InApplicationFolder(row.file));
     }
 }
 
 void StartUp::GiveButtonsTheirLooks() {
-    const ControlRegistry& controls = window_.controls_;
-    const auto icons = controls.Array<PushButton>("Cmd_Icon");
-    for (int i = 0; i < icons.Count(); ++i) {
-        icons(i).SetImage(window_.icons_.Icon(kFirstAdjustmentIcon + i));
-        icons(i).SetDecorative(true);
+    const MainControls& controls = parts_.controls;
+    for (int i = 0; i < controls.Cmd_Icon.Count(); ++i) {
+        controls.Cmd_Icon(i).SetImage(parts_.icons.Icon(kFirstAdjustmentIcon + i));
+        controls.Cmd_Icon(i).SetDecorative(true);
     }
-    controls.Array<GroupBox>("GroupBox_Icons")(0).SetFramed(false);
-    controls.Array<GroupBox>("GroupBox_Icons")(0).SetEnabled(false);
-    for (PushButton* const reset : controls.Array<PushButton>("Cmd_ResetEffects")) {
-        reset->SetImage(window_.icons_.Icon(kResetIcon));
+    controls.GroupBox_Icons(0).SetFramed(false);
+    controls.GroupBox_Icons(0).SetEnabled(false);
+    for (PushButton* const reset : controls.Cmd_ResetEffects) {
+        reset->SetImage(parts_.icons.Icon(kResetIcon));
         reset->SetCaption(QString());
         reset->SetFlat(true);
     }
     for (const ButtonImage& row : kButtonImages) {
-        controls.Array<PushButton>(std::string(row.array))(row.element)
-            .SetImage(window_.icons_.Icon(row.icon));
+        (controls.*row.array)(row.element).SetImage(parts_.icons.Icon(row.icon));
     }
-    for (const char* const name : kFlatButtons) {
-        for (PushButton* const button : controls.Array<PushButton>(name)) {
+    for (const Buttons array : kFlatButtons) {
+        for (PushButton* const button : controls.*array) {
             button->SetFlat(true);
+        }
+    }
+    for (const auto* const labels : {&controls.lbl_SliderTab, &controls.lbl_SliderNameRightSide}) {
+        for (Label* const label : *labels) {
+            label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         }
     }
 }
 
 void StartUp::SetToolTips() {
     for (const ToolTipRow& row : kToolTips) {
-        window_.controls_.Array<PushButton>(row.name)(0).SetToolTip(QString::fromLatin1(row.text));
+        (parts_.controls.*row.button)(0).SetToolTip(QString::fromLatin1(row.text));
     }
 }
 
@@ -184,19 +220,20 @@ QString StartUp::ChooseDialogFolder() const {
 void StartUp::ConfigureControls() {
     constexpr int kNoBorder = 0;
     constexpr int kBestScaling = 4;
-    window_.document_.Views(kSlot).SetBorderStyle(kNoBorder);
-    window_.document_.Views(kSlot).SetScalingQuality(kBestScaling);
-    window_.preview_->View().SetBorderStyle(kNoBorder);
-    const auto sliders = window_.controls_.Array<Slider>("Slider_Tab");
+    parts_.controls.ImageView(kSlot).SetBorderStyle(kNoBorder);
+    parts_.controls.ImageView(kSlot).SetScalingQuality(kBestScaling);
+    const auto& sliders = parts_.controls.Slider_Tab;
     for (int i = 0; i < kSliderCount; ++i) {
-        sliders(i).SetTickSpacing(SliderCatalogue()[static_cast<std::size_t>(i)].tickSpacing);
+        const SliderRow& row = SliderCatalogue()[static_cast<std::size_t>(i)];
+        sliders(i).SetNeutral(row.defaultValue);
+        sliders(i).SetTickSpacing(row.tickSpacing);
     }
     FillPredefinedSizes();
     ConfigureHistoryList();
 }
 
 void StartUp::FillPredefinedSizes() {
-    auto& list = window_.controls_.Single<ComboBox>("Combo_ResizePredefined");
+    ComboBox& list = parts_.controls.Combo_ResizePredefined;
     list.Clear();
     for (const PredefinedSize& size : kPredefinedSizes) {
         list.AddEntry(FromView(size.label), FromView(size.data));
@@ -204,7 +241,7 @@ void StartUp::FillPredefinedSizes() {
 }
 
 void StartUp::ConfigureHistoryList() {
-    ReportList& list = window_.HistoryList();
+    ReportList& list = parts_.controls.HistoryList;
     list.AddColumn(static_cast<int>(HistoryColumn::Caption), QStringLiteral("History"), 315, true);
     list.AddColumn(static_cast<int>(HistoryColumn::ImageFile), QStringLiteral("ImageFile"), 380, true);
     list.AddColumn(static_cast<int>(HistoryColumn::Active), QStringLiteral("Active"), 100, true);
@@ -213,45 +250,46 @@ void StartUp::ConfigureHistoryList() {
 }
 
 void StartUp::ResetPanels() {
-    EditHistory::UpdateUndoRedoButtons(window_.UndoButton(), window_.RedoButton(), window_.HistoryList());
-    for (const int group : {1, 2, 3}) {
-        window_.ResetSliderGroup(group);
+    parts_.historyPanel.UpdateUndoRedoButtons();
+    for (const int group : kSliderGroups) {
+        parts_.toolPanels.ResetSliderGroup(group);
     }
-    window_.CheckOriginalSize();
-    window_.ResetResizePanel();
-    window_.controls_.Array<PushButton>("Cmd_Tab")(4).SetTag(QStringLiteral("1"));
-    window_.livePreview_->PreviewOutdated = false;
-    window_.document_.LivePreviewMode = true;
-    window_.preview_->Unload();
-    window_.SetEditingEnabled(false);
+    parts_.resizePanel.ResetToOriginalSize();
+    parts_.controls.Cmd_Tab(kLockButton).SetTag(QStringLiteral("1"));
+    parts_.editor.Document.PreviewOutdated = false;
+    parts_.editor.Document.LivePreviewMode = true;
+    parts_.previewWindow.Unload();
+    parts_.pictureControls.SetEditingEnabled(false);
 }
 
 void StartUp::Timer_StartUp_Timer() {
-    PushButton& open = window_.controls_.Array<PushButton>("Cmd_Panel")(kOpenButton);
-    CarryOn([&] { window_.Timer_StartUp_.stop(); },
+    CarryOn([&] { parts_.timers.Timer_StartUp.stop(); },
             [&] {
-                if (window_.UpdateAvailable_) {
-                    window_.ShowUpdates();
+                if (UpdateAvailable_) {
+                    DownloadChosen_ = parts_.showUpdates();
                 }
             },
-            [&] { window_.popups_->BlinkButton(open, true, kBlinkInterval); }, //
-            [&] { open.SetEnabled(true); },
+            [&] { parts_.popups.BlinkButton(OpenButton(), true, kBlinkInterval); }, //
+            [&] { OpenButton().SetEnabled(true); },
             [&] {
-                if (!window_.DownloadChosen_) {
-                    window_.Timer_Tags_.start();
+                if (!DownloadChosen_) {
+                    parts_.timers.Timer_Tags.start();
                 }
             });
 }
 
 void StartUp::Timer_Tags_Timer() {
-    CarryOn([&] { window_.DownloadChosen_ = false; },
+    CarryOn([&] { DownloadChosen_ = false; },
             [&] {
-                ShowGettingStartedTag(window_.PopupControl_Tag_, window_.frameGeometry().topLeft(),
-                                      InApplicationFolder("\\pics\\img_tag_gettingstarted.png"),
-                                      window_.document_.GetTempFolder());
+                // Whoever has begun already needs no notice of how to begin, least of all over the dialog.
+                if (QApplication::activeModalWidget() == nullptr && !parts_.editor.IsBusy()) {
+                    ShowGettingStartedTag(parts_.tag, parts_.window.frameGeometry().topLeft(),
+                                          InApplicationFolder("\\pics\\img_tag_gettingstarted.png"),
+                                          parts_.editor.Document.GetTempFolder());
+                }
             },
-            [&] { window_.Timer_Tags_.stop(); },
-            [&] { window_.controls_.Array<PushButton>("Cmd_Panel")(kOpenButton).SetEnabled(true); });
+            [&] { parts_.timers.Timer_Tags.stop(); }, //
+            [&] { OpenButton().SetEnabled(true); });
 }
 
 } // namespace pictorel

@@ -1,11 +1,30 @@
 // The start-up sequence: everything between the process's first step and the window at work.
 #pragma once
 
+#include "app/ApplicationStrings.h"
+#include "app/MainControls.h"
+#include "controls/Events.h"
+#include "controls/IconStore.h"
+#include "controls/PopupControl.h"
+#include "controls/SkinFramework.h"
+#include "editor/Editor.h"
+#include "notices/Popup_Mod.h"
+#include "notices/UpdateCheck.h"
+#include "panels/HistoryPanel.h"
+#include "panels/LivePreview.h"
+#include "panels/PictureControls.h"
+#include "panels/PreviewWindow.h"
+#include "panels/ResizePanel.h"
+#include "panels/ToolPanels.h"
+#include "view/ZoomScroll.h"
+
 #include <QString>
+#include <QTimer>
+#include <QWidget>
+
+#include <functional>
 
 namespace pictorel {
-
-class frmMain;
 
 enum class StartResult {
     Started,  // the window is on the screen
@@ -15,9 +34,41 @@ enum class StartResult {
 
 inline constexpr int kHomePageExitCode = 5;
 
+// Tells the person that the editor cannot start, and why.
+void ShowStartFailure(const std::exception& error);
+
+struct MainTimers {
+    QTimer Timer_StartUp;
+    QTimer Timer_Blink;
+    QTimer Timer_Tags;
+    QTimer Timer_Scanner;
+};
+
+// What the sequence sets up.
+struct StartUpParts {
+    QWidget& window;
+    const MainControls& controls;
+    MainTimers& timers;
+    const ApplicationStrings& strings;
+    IconStore& icons;
+    SkinFramework& skin;
+    PopupControl& splash;
+    PopupControl& tag;
+    Editor& editor;
+    UpdateCheck& updateCheck;
+    Popup_Mod& popups;
+    PictureControls& pictureControls;
+    HistoryPanel& historyPanel;
+    ToolPanels& toolPanels;
+    ResizePanel& resizePanel;
+    ZoomScroll& zoomScroll;
+    PreviewWindow& previewWindow;
+    std::function<bool()> showUpdates; // waits for the answer; true where the new version is wanted
+};
+
 class StartUp {
   public:
-    explicit StartUp(frmMain& window) : window_(window) {}
+    explicit StartUp(StartUpParts parts) : parts_(std::move(parts)) {}
 
     // `commandLine` is the whole argument text; "homepage" is the only one that means anything.
     StartResult Form_Load(const QString& commandLine);
@@ -39,8 +90,12 @@ class StartUp {
     void FillPredefinedSizes();
     void ConfigureHistoryList();
     void ResetPanels();
+    PushButton& OpenButton() const { return parts_.controls.Cmd_Panel(kOpenButton); }
 
-    frmMain& window_;
+    StartUpParts parts_;
+    bool UpdateAvailable_ = false; // a newer version is published
+    bool DownloadChosen_ = false;  // the person chose "Update Now" in the update notice
+    Events events_;
 };
 
 } // namespace pictorel

@@ -2,24 +2,14 @@
 #include "app/frmMain.h"
 
 #include "app/ControlFactory.h"
-#include "app/EditingControls.h"
-#include "app/IconTable.h"
+#include "app/PictureDependent.h"
 #include "commands/print/PicturePrinter.h"
 #include "commands/scan/ScannerProcess.h"
-#include "controls/ComboBox.h"
-#include "controls/RadioButton.h"
-#include "controls/UpDown.h"
-#include "controls/WebBrowser.h"
-#include "editor/FileConverter.h"
-#include "editor/PictureFileCodec.h"
-#include "editor/SliderCatalogue.h"
-#include "editor/WorkingPicture.h"
 #include "notices/frmAbout.h"
 #include "notices/frmTools.h"
 #include "notices/frmUpdates.h"
+#include "panels/IconTable.h"
 #include "picture/metafile/Metafile.h"
-#include "platform/CarryOn.h"
-#include "view/PictureViewControl.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -28,9 +18,6 @@
 
 namespace pictorel {
 namespace {
-
-constexpr PictureSlot kSlot = 0;
-constexpr int kScanButton = 5;
 
 constexpr int kSplitVersion = 2; // "major.minor" of "major.minor.revision"
 
@@ -44,210 +31,146 @@ QString ShortVersion() {
 
 } // namespace
 
-frmMain::frmMain() {
+frmMain::frmMain()
+    : editor_(messages_, codecs::CodecTable(metafile::MetafileCodecs())), controls_{CreateControls(*this)} {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Pictorel"));
-    CreateControls(*this, controls_);
     resize(TwipsToPixels(15570), TwipsToPixels(12570));
-    ArrangeControls();
-    MakeImagingObjects();
-    MakeCapabilities();
+    controls_.ImageView(kSlot).SharePyramids(editor_.Document.Pyramids);
+    controls_.ImageView(kSlot).SetHint(tr("Open a picture or drop one here"));
+    editor_.Document.BackgroundColour = controls_.ImageView(kSlot).BackgroundColour();
+    MakePanels();
+    MakeView();
+    MakeResizePanel();
+    MakeDisplay();
+    MakeCommands();
+    MakeShell();
 }
 
-frmMain::~frmMain() = default;
-
-void frmMain::ArrangeControls() {
-    const auto catalogue = SliderCatalogue();
-    const auto sliders = controls_.Array<Slider>("Slider_Tab");
-    const auto values = controls_.Array<Label>("lbl_SliderTab");
-    for (int i = 0; i < kSliderCount; ++i) {
-        const SliderRow& row = catalogue[static_cast<std::size_t>(i)];
-        sliders(i).SetRange(row.minimum, row.maximum);
-        sliders(i).SetNeutral(row.defaultValue);
-        sliders(i).setAccessibleName(
-            QString::fromUtf8(row.caption.data(), static_cast<qsizetype>(row.caption.size())));
-        values(i).setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    }
-    for (Label* const label : controls_.Array<Label>("lbl_SliderNameRightSide")) {
-        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    }
-    auto& tabs = controls_.Single<TabControl>("TabControl_Effects");
-    struct TabRow {
-        const char* caption;
-        const char* panel;
-    };
-    for (const TabRow& tab :
-         {TabRow{"Adjustments", "Resizer_Adjustments"}, TabRow{"Filters", "Resizer_Filters"},
-          TabRow{"Effects", "Resizer_Effects"}, TabRow{"Resize", "Resizer_Resize"}}) {
-        auto& panel = controls_.Single<ContainerPanel>(tab.panel);
-        panel.SetScrolling(true);
-        tabs.AddTab(QString::fromLatin1(tab.caption), panel);
-    }
-    auto& zoom = controls_.Array<Slider>("Slider_ImageZoom")(0);
-    zoom.SetRange(1, 1000);
-    zoom.SetValue(100);
-    for (const char* const name : {"ScrollBar_ImageX", "ScrollBar_ImageY"}) {
-        auto& bar = controls_.Array<ScrollBar>(name)(0);
-        bar.setRange(-500, 500);
-        bar.setSingleStep(1);
-        bar.setPageStep(100);
-        bar.setValue(0);
-    }
-    controls_.Single<ProgressBar>("ProgressBar").setRange(0, 8);
-    struct FieldRow {
-        const char* spinner;
-        const char* box;
-        int maximum;
-        int initial;
-    };
-    for (const FieldRow& field : {FieldRow{"UpDown_ImageWidth", "Txt_ImageWidth", 5000, 0},
-                                  FieldRow{"UpDown_ImageHeight", "Txt_ImageHeight", 5000, 0},
-                                  FieldRow{"UpDown_ResizePercent", "Txt_ResizePercent", 500, 100}}) {
-        auto& spinner = controls_.Single<UpDown>(field.spinner);
-        spinner.SetRange(0, field.maximum);
-        spinner.SetValue(field.initial);
-        spinner.SetRange(1, field.maximum);
-        spinner.SetBuddy(controls_.Single<EditField>(field.box));
-    }
+frmMain::~frmMain() {
+    editor_.SetObserver(nullptr);
 }
 
-void frmMain::MakeImagingObjects() {
-    auto& view = controls_.Array<PictureViewControl>("ImageView")(0);
-    auto memory = std::make_shared<WorkingFileMemory>();
-    const auto isWorkingFile = [this](const std::string& fileName) {
-        const std::string folder = document_.GetTempFolder().toStdString();
-        return !folder.empty() && fileName.starts_with(folder);
-    };
-    document_.ImageUtility = std::make_unique<PictureMeasure>();
-    const codecs::CodecTable formats(metafile::MetafileCodecs());
-    document_.ImageCodec = std::make_unique<PictureFileCodec>(isWorkingFile, memory, formats);
-    auto pyramids = std::make_shared<SharedPyramids>();
-    view.SharePyramids(pyramids);
-    imageConvert_ = std::make_unique<FileConverter>(*document_.ImageCodec, memory, pyramids);
-    imageTransform_ = std::make_unique<WorkingPicture>();
-    imageTwain_ = std::make_unique<ScannerProcess>(ApplicationFolder() + QStringLiteral("/pictorel_scanner"));
-    imagePaint_ = std::make_unique<PicturePrinter>(this, [this] { return document_.PictureName; });
-    document_.Transforms.Set(kSlot, *imageTransform_);
-    document_.Views.Set(kSlot, view);
-    imageTransform_->SetBackgroundColour(document_.Views(kSlot).BackgroundColour());
-}
-
-void frmMain::MakeCapabilities() {
-    EditorServices& services = *this;
-    const auto panel = controls_.Array<PushButton>("Cmd_Panel");
-    const auto info = controls_.Array<Label>("lbl_ImageInfo");
-    const auto button = [this](const char* name, int index = 0) -> PushButton& {
-        return controls_.Array<PushButton>(name)(index);
-    };
-    const auto page = [this](const char* name) -> ContainerPanel& {
-        return controls_.Single<ContainerPanel>(name);
-    };
-
+void frmMain::MakePanels() {
+    const MainControls& c = controls_;
     preview_ = std::make_unique<frmPreview>(*this, [this] {
         return PreviewPlacement{livePreview_->PreviewWindowTop, livePreview_->PreviewWindowLeft,
-                                document_.ImageWidth(kSlot), document_.ImageHeight(kSlot),
-                                document_.Views(kSlot).BackgroundColour()};
+                                editor_.Document.ImageWidth(kSlot), editor_.Document.ImageHeight(kSlot),
+                                editor_.Document.BackgroundColour};
     });
-    files_ = std::make_unique<PictureFiles>(document_, PictureFilesControls{info}, services, messages_,
-                                            strings_.Entry(Text::Title));
-    history_ = std::make_unique<EditHistory>(document_, *files_, services);
+    pictureControls_ = std::make_unique<PictureControls>(PictureDependentControls(c));
     historyPanel_ = std::make_unique<HistoryPanel>(
-        *history_, HistoryPanelControls{HistoryList(), UndoButton(), RedoButton()}, services);
-    dispatcher_ =
-        std::make_unique<OperationDispatcher>(document_, controls_.Single<ProgressBar>("ProgressBar"),
-                                              [this]() -> ImageView& { return preview_->View(); });
-    reducedCopy_ = std::make_unique<ReducedCopy>(document_, *files_, *imageConvert_);
-    livePreview_ = std::make_unique<LivePreview>(
-        document_,
-        LivePreviewControls{
-            controls_.Array<Slider>("Slider_Tab"), controls_.Array<Label>("lbl_SliderTab"),
-            controls_.Array<Label>("lbl_SliderName"), controls_.Single<TabControl>("TabControl_Effects"),
-            controls_.Single<ProgressBar>("ProgressBar"), HistoryList(), UndoButton(), RedoButton()},
-        *dispatcher_, *reducedCopy_, *history_, services, *preview_);
+        editor_, HistoryPanelControls{c.HistoryList, c.Cmd_Panel(kUndoButton), c.Cmd_Panel(kRedoButton)},
+        *pictureControls_);
+    livePreview_ =
+        std::make_unique<LivePreview>(editor_,
+                                      LivePreviewControls{c.Slider_Tab, c.lbl_SliderTab, c.lbl_SliderName,
+                                                          c.TabControl_Effects, c.ProgressBarControl},
+                                      *pictureControls_, *historyPanel_, *preview_);
     livePreview_->WindowPosition = [this] {
         const QPoint corner = frameGeometry().topLeft();
         return std::pair{PixelsToTwips(corner.x()), PixelsToTwips(corner.y())};
     };
     toolPanels_ = std::make_unique<ToolPanels>(
-        ToolPanelControls{
-            panel, controls_.Array<PushButton>("Cmd_Tab"), controls_.Array<PushButton>("Cmd_Reset"),
-            controls_.Array<PushButton>("Cmd_ResetEffects"), controls_.Array<Slider>("Slider_Tab"),
-            controls_.Array<Label>("lbl_SliderTab"), HistoryList(), PictureDependentControls(controls_)},
-        *dispatcher_, *history_, *livePreview_);
-    rotateFlip_ = std::make_unique<RotateFlip>(
-        document_, *files_,
-        RotateFlipControls{button("Cmd_RotateLeft"), button("Cmd_RotateRight"), button("Cmd_FlipV"),
-                           button("Cmd_FlipH"), UndoButton(), RedoButton(), HistoryList(), info(0),
-                           controls_.Array<Label>("lbl_Resize")(0)},
-        *dispatcher_, *history_, services, *livePreview_);
+        editor_, ToolPanelControls{c.Cmd_Tab, c.Cmd_Reset, c.Cmd_ResetEffects, c.Slider_Tab, c.lbl_SliderTab},
+        *historyPanel_, *livePreview_);
+    rotateFlip_ =
+        std::make_unique<RotateFlip>(editor_,
+                                     RotateFlipControls{c.Cmd_RotateLeft(kSlot), c.Cmd_RotateRight(kSlot),
+                                                        c.Cmd_FlipV(kSlot), c.Cmd_FlipH(kSlot)},
+                                     *historyPanel_, [this] { zoomScroll_->Cmd_ZoomFit_Click(kSlot); });
+}
+
+void frmMain::MakeView() {
+    const MainControls& c = controls_;
+    PictureViewControl& view = c.ImageView(kSlot);
     zoomScroll_ = std::make_unique<ZoomScroll>(
-        document_,
-        ZoomScrollControls{
-            controls_.Array<PushButton>("Cmd_ZoomIn"), controls_.Array<PushButton>("Cmd_ZoomOut"),
-            controls_.Array<PushButton>("Cmd_ZoomFit"), controls_.Array<PushButton>("Cmd_ActualSize"),
-            controls_.Array<Slider>("Slider_ImageZoom"), controls_.Array<Label>("lbl_ZoomPercent"),
-            controls_.Array<ScrollBar>("ScrollBar_ImageX"), controls_.Array<ScrollBar>("ScrollBar_ImageY")},
-        PreviewCopy{[this] { UpdatePreviewImage(kSlot); },
-                    [this](bool outdated) { livePreview_->PreviewOutdated = outdated; }});
-    document_.Views(kSlot).SetViewChangedHandler(
-        Events::Guarded([this] { zoomScroll_->ImageView_Changed(kSlot); }));
+        editor_, view,
+        ZoomScrollControls{c.Cmd_ZoomIn, c.Cmd_ZoomOut, c.Cmd_ZoomFit, c.Cmd_ActualSize, c.Slider_ImageZoom,
+                           c.lbl_ZoomPercent, c.ScrollBar_ImageX, c.ScrollBar_ImageY});
+    view.SetViewChangedHandler(Events::Guarded([this] { zoomScroll_->ImageView_Changed(kSlot); }));
     layout_ = std::make_unique<Layout>(
-        document_,
-        LayoutControls{
-            page("Resizer_Main"), controls_.Single<TabControl>("TabControl_Effects"), HistoryList(),
-            page("Resizer_Adjustments"), page("Resizer_Filters"), page("Resizer_Effects"),
-            page("Resizer_Resize"), controls_.Array<ScrollBar>("ScrollBar_ImageX"),
-            controls_.Array<ScrollBar>("ScrollBar_ImageY"), controls_.Array<Control>("ImageView"),
-            controls_.Single<ProgressBar>("ProgressBar"), controls_.Single<GroupBox>("GroupBox_Canves1"),
-            controls_.Single<GroupBox>("GroupBox_Canves2"), info(0),
-            controls_.Array<PushButton>("Cmd_Recommend")},
+        editor_.Document,
+        LayoutControls{c.Resizer_Main, c.TabControl_Effects, c.HistoryList, c.Resizer_Adjustments,
+                       c.Resizer_Filters, c.Resizer_Effects, c.Resizer_Resize, c.ScrollBar_ImageX,
+                       c.ScrollBar_ImageY, c.ImageView, c.ProgressBarControl, c.GroupBox_Canves1,
+                       c.GroupBox_Canves2, c.lbl_ImageInfo(kSlot), c.Cmd_Recommend},
         *zoomScroll_);
+}
+
+void frmMain::MakeResizePanel() {
+    const MainControls& c = controls_;
     resizePanel_ = std::make_unique<ResizePanel>(
-        document_, *files_,
-        ResizePanelControls{
-            controls_.Array<RadioButton>("RadioButton_Resize"),
-            controls_.Single<ComboBox>("Combo_ResizePredefined"),
-            controls_.Single<EditField>("Txt_ImageWidth"), controls_.Single<EditField>("Txt_ImageHeight"),
-            controls_.Single<EditField>("Txt_ResizePercent"), controls_.Single<UpDown>("UpDown_ImageWidth"),
-            controls_.Single<UpDown>("UpDown_ImageHeight"), controls_.Single<UpDown>("UpDown_ResizePercent"),
-            button("Cmd_Tab", 3), button("Cmd_Tab", 4), controls_.Array<Label>("lbl_Resize"), info(0),
-            UndoButton(), RedoButton(), HistoryList()},
-        *dispatcher_, *history_, icons_, messages_, [this] { layout_->RefitPicture(); });
-    fileCommands_ = std::make_unique<FileCommands>(document_, *files_, *history_,
-                                                   FileCommandControls{panel, HistoryList(), CDialog_Open_},
-                                                   services, messages_);
+        editor_,
+        ResizePanelControls{c.RadioButton_Resize, c.Combo_ResizePredefined, c.Txt_ImageWidth,
+                            c.Txt_ImageHeight, c.Txt_ResizePercent, c.UpDown_ImageWidth, c.UpDown_ImageHeight,
+                            c.UpDown_ResizePercent, c.Cmd_Tab(kApplyButton), c.Cmd_Tab(kLockButton),
+                            c.lbl_Resize},
+        *historyPanel_, icons_, messages_, [this] { layout_->RefitPicture(); });
+    pictureControls_->SetFollower([this] { resizePanel_->SettleButtons(); });
+}
+
+void frmMain::MakeDisplay() {
+    display_ = std::make_unique<EditorDisplay>(
+        editor_,
+        EditorDisplayParts{controls_.ImageView(kSlot), *zoomScroll_, *preview_, *historyPanel_, *livePreview_,
+                           *resizePanel_, controls_.lbl_ImageInfo(kSlot), controls_.ProgressBarControl});
+    editor_.SetObserver(display_.get());
+}
+
+void frmMain::MakeCommands() {
+    const MainControls& c = controls_;
+    imageTwain_ = std::make_unique<ScannerProcess>(ApplicationFolder() + QStringLiteral("/pictorel_scanner"));
+    imagePaint_ = std::make_unique<PicturePrinter>(this, [this] { return editor_.Document.PictureName; });
+    fileCommands_ = std::make_unique<FileCommands>(
+        editor_, FileCommandControls{c.Cmd_Panel, CDialog_Open_},
+        FileCommandServices{[this] { EndAttention(); }, [this] { ResetPanels(); },
+                            [this] { pictureControls_->SetEditingEnabled(true); },
+                            [this] { historyPanel_->UpdateUndoRedoButtons(); }, [this] { ShowTools(); },
+                            [this] { ShowAbout(); }, strings_.Entry(Text::Title)},
+        messages_);
     scanCommand_ = std::make_unique<ScanCommand>(
-        document_, *files_, *fileCommands_, *imageTwain_,
-        ScanCommandControls{panel(kScanButton), Timer_Scanner_, controls_.Single<ProgressBar>("ProgressBar")},
-        services, messages_);
-    printCommand_ = std::make_unique<PrintCommand>(document_, *imagePaint_, panel(4), messages_);
-    popups_ = std::make_unique<Popup_Mod>(Timer_Blink_);
-    shareButtons_ = std::make_unique<ShareButtons>(controls_.Array<PushButton>("Cmd_Recommend"), strings_);
+        editor_, *fileCommands_, *imageTwain_,
+        ScanCommandControls{c.Cmd_Panel(kScanButton), timers_.Timer_Scanner, c.ProgressBarControl},
+        ScanCommandServices{[this](bool on) { SetCommandsEnabled(on); }, [this] { EndAttention(); }},
+        messages_);
+    printCommand_ =
+        std::make_unique<PrintCommand>(editor_, *imagePaint_, c.Cmd_Panel(kPrintButton), messages_);
+}
+
+void frmMain::MakeShell() {
+    popups_ = std::make_unique<Popup_Mod>(timers_.Timer_Blink);
+    shareButtons_ = std::make_unique<ShareButtons>(controls_.Cmd_Recommend, strings_);
     updateCheck_ = std::make_unique<UpdateCheck>(strings_, ShortVersion());
     shutDown_ = std::make_unique<ShutDown>(
-        *this, ShutDownParts{document_, *fileCommands_, *history_, HistoryList(), *scanCommand_, *imageTwain_,
-                             *preview_, controls_.Single<WebBrowser>("WebBrowser1"), *popups_,
-                             PopupControl_Splash_});
+        *this, ShutDownParts{editor_, *fileCommands_, *scanCommand_, *imageTwain_, *preview_,
+                             controls_.WebBrowser1, *popups_, PopupControl_Splash_});
     shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
     pictureDrop_ = std::make_unique<PictureDrop>(
-        *this, [this] { return IsReadyToOpen(); },
+        *this, editor_, [this] { return IsReadyToOpen(); },
         [this](const QString& fileName) { fileCommands_->OpenFile(fileName); });
-    controls_.Array<PictureViewControl>("ImageView")(0).SetHint(tr("Open a picture or drop one here"));
+    startUp_ = std::make_unique<StartUp>(
+        StartUpParts{*this, controls_, timers_, strings_, icons_, skin_, PopupControl_Splash_,
+                     PopupControl_Tag_, editor_, *updateCheck_, *popups_, *pictureControls_, *historyPanel_,
+                     *toolPanels_, *resizePanel_, *zoomScroll_, *preview_, [this] { return ShowUpdates(); }});
 }
 
 bool frmMain::IsReadyToOpen() const {
     return isEnabled() && QApplication::activeModalWidget() == nullptr &&
-           controls_.Array<PushButton>("Cmd_Panel")(0).isEnabled() &&
-           !controls_.Single<ProgressBar>("ProgressBar").isVisible();
+           controls_.Cmd_Panel(kOpenButton).isEnabled() &&
+           (editor_.IsBusy() || !controls_.ProgressBarControl.isVisible()); // a scan shows progress too
 }
 
-void frmMain::CheckOriginalSize() {
-    controls_.Array<RadioButton>("RadioButton_Resize")(0).setChecked(true);
+void frmMain::ResetPanels() {
+    resizePanel_->ResetToOriginalSize();
+    for (const int group : kSliderGroups) {
+        toolPanels_->ResetSliderGroup(group);
+    }
 }
 
 // The container of all controls goes off and on, so that each keeps its own state.
 void frmMain::SetCommandsEnabled(bool enabled) {
-    auto& container = controls_.Single<ContainerPanel>("Resizer_Main");
+    ContainerPanel& container = controls_.Resizer_Main;
     if (enabled == container.IsEnabled()) {
         return;
     }
@@ -266,7 +189,7 @@ void frmMain::SetCommandsEnabled(bool enabled) {
 
 void frmMain::EndAttention() {
     if (popups_->IsBlinking()) {
-        popups_->BlinkButton(controls_.Array<PushButton>("Cmd_Panel")(0), false, Timer_Blink_.interval());
+        popups_->BlinkButton(controls_.Cmd_Panel(kOpenButton), false, timers_.Timer_Blink.interval());
     }
     PopupControl_Tag_.Close();
 }
@@ -279,38 +202,51 @@ void frmMain::ShowTools() {
     frmTools(this, strings_).exec();
 }
 
-void frmMain::ShowUpdates() {
+bool frmMain::ShowUpdates() {
     QFile sound(InPictures("notice.wav"));
     const QByteArray bytes = sound.open(QIODevice::ReadOnly) ? sound.readAll() : QByteArray();
     frmUpdates notice(this, strings_, updateCheck_->UpdateNotes, icons_.Icon(kUpdateIcon), bytes, sounds_);
     notice.exec();
-    DownloadChosen_ = notice.DownloadChosen();
+    return notice.DownloadChosen();
+}
+
+// One layout for all that an event loop's turn brings, and none in the midst of a command.
+void frmMain::RequestLayout() {
+    if (!layoutRequested_) {
+        layoutRequested_ = true;
+        QTimer::singleShot(0, this, [this] {
+            layoutRequested_ = false;
+            RunLayout();
+        });
+    }
 }
 
 void frmMain::RunLayout() {
-    if (!isMinimized()) {
-        layout_->Form_Resize(frameGeometry().size());
+    if (isMinimized() || !layout_) {
+        return;
     }
+    if (editor_.IsBusy()) {
+        RequestLayout();
+        return;
+    }
+    layout_->Form_Resize(frameGeometry().size());
 }
 
 void frmMain::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (layout_) {
-        RunLayout();
-    }
+    RunLayout();
 }
 
 void frmMain::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::WindowStateChange && layout_ && isVisible()) {
-        RunLayout(); // restoring a minimised window runs the whole layout
+    if (event->type() == QEvent::WindowStateChange && isVisible()) {
+        RequestLayout(); // restoring a minimised window runs the whole layout
     }
 }
 
 void frmMain::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    // The window manager gives the frame after the window is mapped; only then is the outer size known.
-    QTimer::singleShot(0, this, [this] { RunLayout(); });
+    RequestLayout(); // the window manager gives the frame after the window is mapped
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

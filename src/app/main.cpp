@@ -43,13 +43,18 @@ int main(int argumentCount, char* arguments[]) {
     QApplication::setFont(QFont(QStringLiteral("Arial"), 9)); // points
 
     pictorel::TerminationSignals termination; // before there are files that a signal could leave behind
-    pictorel::frmMain window;
-    termination.SetHandler([&window] { window.End().RequestEnd(); });
-    // Where the display is lost, the process ends inside Qt by std::exit, past the window; statics still go.
-    static const RemovedAtExit workingFiles{window.Document().WorkingFolder};
-    pictorel::StartUp startUp(window);
     const QString commandLine = QApplication::arguments().mid(1).join(u' ');
-    switch (startUp.Form_Load(commandLine)) {
+    std::unique_ptr<pictorel::frmMain> window;
+    try {
+        window = std::make_unique<pictorel::frmMain>();
+    } catch (const std::exception& error) {
+        pictorel::ShowStartFailure(error);
+        return EXIT_FAILURE;
+    }
+    termination.SetHandler([&window] { window->End().RequestEnd(); });
+    // Where the display is lost, the process ends inside Qt by std::exit, past the window; statics still go.
+    static const RemovedAtExit workingFiles{window->Document().WorkingFolder};
+    switch (window->Start().Form_Load(commandLine)) {
         case pictorel::StartResult::HomePage:
             return pictorel::kHomePageExitCode;
         case pictorel::StartResult::Failed:

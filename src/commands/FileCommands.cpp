@@ -1,7 +1,10 @@
 // The tool bar's commands, see FileCommands.h.
 #include "commands/FileCommands.h"
 
+#include "controls/FocusKeeper.h"
+#include "editor/SaveFormats.h"
 #include "platform/CarryOn.h"
+#include "platform/Texts.h"
 
 #include <array>
 #include <utility>
@@ -9,60 +12,93 @@
 namespace pictorel {
 namespace {
 
-constexpr PictureSlot kSlot = 0;
-constexpr int kUndoButton = 2;
-constexpr int kRedoButton = 3;
-constexpr std::array kSliderGroups{1, 2, 3};
+enum ToolBarButton { kOpen, kSave, kUndo, kRedo, kPrint, kScan, kTools, kAbout };
+
+constexpr unsigned kOpenFlags = 0x1204; // file must exist, several may be selected, no read-only box
+constexpr unsigned kSaveFlags = 0x802;  // path must exist, ask before overwriting
+constexpr int kMaximumNameLength = 32000;
+
+void PrepareDialog(CommonDialog& dialog, std::string_view filter, unsigned flags, const QString& folder) {
+    dialog.FilterIndex = 1;
+    dialog.Filter = FromView(filter);
+    dialog.Flags = flags;
+    dialog.MaxFileSize = kMaximumNameLength;
+    dialog.CancelError = false;
+    dialog.FileName.clear();
+    dialog.InitDir = folder;
+}
 
 } // namespace
 
-FileCommands::FileCommands(Image_Mods& document, PictureFiles& files, EditHistory& history,
-                           FileCommandControls controls, EditorServices& services, Messages& messages)
-    : document_(document),
-      files_(files),
-      history_(history),
-      controls_(std::move(controls)),
-      services_(services),
-      messages_(messages) {
+FileCommands::FileCommands(Editor& editor, FileCommandControls controls, FileCommandServices services,
+                           Messages& messages)
+    : editor_(editor), controls_(std::move(controls)), services_(std::move(services)), messages_(messages) {
     for (int i = 0; i < controls_.Cmd_Panel.Count(); ++i) {
         events_.On(controls_.Cmd_Panel(i), &PushButton::clicked, [this, i] { Cmd_Panel_Click(i); });
     }
 }
 
+// Print and Scan are capabilities of their own.
 void FileCommands::Cmd_Panel_Click(int index) {
-    using Command = void (FileCommands::*)();
     struct Row {
         int index;
-        Command command;
+        void (*run)(FileCommands& self);
     };
-    static constexpr std::array<Row, 4> kCommands{{
-        {0, &FileCommands::Open},
-        {1, &FileCommands::Save},
-        {2, &FileCommands::Undo},
-        {3, &FileCommands::Redo},
+    static constexpr std::array<Row, 6> kCommands{{
+        {kOpen, [](FileCommands& self) { self.Open(); }},
+        {kSave, [](FileCommands& self) { self.Save(); }},
+        {kUndo, [](FileCommands& self) { self.Step(&Editor::Undo); }},
+        {kRedo, [](FileCommands& self) { self.Step(&Editor::Redo); }},
+        {kTools, [](FileCommands& self) { self.services_.showTools(); }},
+        {kAbout, [](FileCommands& self) { self.services_.showAbout(); }},
     }};
-    constexpr int kTools = 6;
-    constexpr int kAbout = 7;
     for (const Row& row : kCommands) {
         if (row.index == index) {
-            (this->*row.command)();
+            row.run(*this);
         }
-    }
-    if (index == kTools) {
-        services_.ShowTools();
-    }
-    if (index == kAbout) {
-        services_.ShowAbout();
     }
 }
 
+bool FileCommands::OrShowError(const std::function<bool()>& routine) {
+    try {
+        return routine();
+    } catch (const std::exception& error) {
+        messages_.Show(QString::fromUtf8(error.what()), services_.applicationTitle, MessageIcon::Critical);
+        return false;
+    }
+}
+
+bool FileCommands::OpenImageDialog() {
+    return OrShowError([this] {
+        CommonDialog& dialog = controls_.CDialog_Open;
+        PrepareDialog(dialog, kOpenFilter, kOpenFlags, editor_.Document.OpenDialogFolder);
+        dialog.ShowOpen();
+        const Editor::Command command(editor_);
+        return !dialog.FileName.isEmpty() && editor_.Files.OpenImageFile(kSlot, dialog.FileName);
+    });
+}
+
+bool FileCommands::SaveImageDialog() {
+    return OrShowError([this] {
+        CommonDialog& dialog = controls_.CDialog_Open;
+        PrepareDialog(dialog, kSaveFilter, kSaveFlags, editor_.Document.SaveDialogFolder);
+        dialog.ShowSave();
+        const Editor::Command command(editor_);
+        return !dialog.FileName.isEmpty() && editor_.Files.SaveImageFileAs(kSlot, dialog.FileName);
+    });
+}
+
 bool FileCommands::OfferToSaveChanges() {
-    if (!document_.ImageModified(kSlot)) {
+    if (!editor_.Document.ImageModified(kSlot)) {
         return true;
     }
     switch (messages_.AskYesNoCancel(QStringLiteral("Save Changes ?"), QStringLiteral("Attention!"))) {
         case MessageAnswer::Yes:
-            return files_.SaveImageDialog(kSlot, controls_.CDialog_Open);
+            if (!SaveImageDialog()) {
+                return false;
+            }
+            editor_.SetImageModified(false);
+            return true;
         case MessageAnswer::No:
             return true;
         case MessageAnswer::Cancel:
@@ -72,15 +108,18 @@ bool FileCommands::OfferToSaveChanges() {
 }
 
 void FileCommands::Open() {
-    OpenBy([this] { return files_.OpenImageDialog(kSlot, controls_.CDialog_Open); });
+    OpenBy([this] { return OpenImageDialog(); });
 }
 
 void FileCommands::OpenFile(const QString& fileName) {
-    OpenBy([&] { return files_.OpenImageFile(kSlot, fileName); });
+    OpenBy([&] {
+        const Editor::Command command(editor_);
+        return editor_.Files.OpenImageFile(kSlot, fileName);
+    });
 }
 
 void FileCommands::OpenBy(const std::function<bool()>& load) {
-    CarryOn([&] { services_.EndAttention(); });
+    CarryOn([&] { services_.endAttention(); });
     bool goOn = false;
     CarryOn([&] { goOn = OfferToSaveChanges(); });
     if (!goOn) {
@@ -88,46 +127,30 @@ void FileCommands::OpenBy(const std::function<bool()>& load) {
     }
     bool opened = false;
     CarryOn([&] { opened = load(); });
-    if (!opened) {
-        return;
+    if (opened) {
+        ShowAsFreshlyOpened();
     }
-    ShowAsFreshlyOpened();
-    CarryOn([&] { services_.CheckOriginalSize(); }, [&] { services_.ResetResizePanel(); });
 }
 
 void FileCommands::ShowAsFreshlyOpened() {
-    CarryOn([&] { services_.ResetResizePanel(); });
-    for (const int group : kSliderGroups) {
-        CarryOn([&] { services_.ResetSliderGroup(group); });
-    }
-    CarryOn([&] { services_.SetEditingEnabled(true); }, //
-            [&] { history_.DeleteWorkingFiles(controls_.HistoryList); },
-            [&] { history_.AddHistoryEntry(QStringLiteral("Open"), kSlot, controls_.HistoryList); },
-            [&] { UpdateUndoRedo(); }, //
-            [&] { services_.UpdatePreviewImage(kSlot); }, [&] { document_.ImageModified(kSlot) = false; });
+    const Editor::Command command(editor_);
+    CarryOn([&] { services_.resetPanels(); },   //
+            [&] { services_.enableEditing(); }, //
+            [&] { editor_.BeginHistory(); },    //
+            [&] { services_.settleUndoRedo(); });
 }
 
 void FileCommands::Save() {
     CarryOn([&] {
-        if (files_.SaveImageDialog(kSlot, controls_.CDialog_Open)) {
-            document_.ImageModified(kSlot) = false;
+        if (SaveImageDialog()) {
+            editor_.SetImageModified(false);
         }
     });
 }
 
-void FileCommands::Undo() {
-    CarryOn([&] { history_.UndoStep(controls_.HistoryList); }, //
-            [&] { UpdateUndoRedo(); }, [&] { services_.UpdatePreviewImage(kSlot); });
-}
-
-void FileCommands::Redo() {
-    CarryOn([&] { history_.RedoStep(controls_.HistoryList); }, //
-            [&] { UpdateUndoRedo(); }, [&] { services_.UpdatePreviewImage(kSlot); });
-}
-
-void FileCommands::UpdateUndoRedo() {
-    EditHistory::UpdateUndoRedoButtons(controls_.Cmd_Panel(kUndoButton), controls_.Cmd_Panel(kRedoButton),
-                                       controls_.HistoryList);
+void FileCommands::Step(void (Editor::*step)()) {
+    const FocusKeeper focus(controls_.Cmd_Panel(kUndo));
+    CarryOn([&] { (editor_.*step)(); }, [&] { services_.settleUndoRedo(); });
 }
 
 } // namespace pictorel

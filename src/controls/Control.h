@@ -53,6 +53,10 @@ class Control {
     // The caption or text of the control; kinds that have none ignore it.
     virtual void SetCaption(const QString&) {}
 
+    // The range of what the control counts, and where in it it stands; kinds that count nothing ignore it. A
+    // page of 0 is the kind's own.
+    virtual void SetValueRange(int /*minimum*/, int /*maximum*/, int /*value*/, int /*page*/) {}
+
     // Paints what is pending on this control at once, in the middle of a handler.
     void RepaintNow();
 

@@ -11,11 +11,16 @@ Label::Label(QWidget* parent) : QLabel(parent), Control(static_cast<QWidget&>(*t
     setTextFormat(Qt::PlainText);
 }
 
+void Label::SetDimmed(bool dimmed) {
+    dimmed_ = dimmed;
+    update();
+}
+
 void Label::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
-    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
-                          QPalette::WindowText);
+    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled() && !dimmed_,
+                          shown, QPalette::WindowText);
 }
 
 } // namespace pictorel

@@ -7,4 +7,9 @@ ProgressBar::ProgressBar(QWidget* parent) : QProgressBar(parent), Control(static
     setTextVisible(false);
 }
 
+void ProgressBar::SetValueRange(int minimum, int maximum, int value, int /*page*/) {
+    setRange(minimum, maximum);
+    setValue(value);
+}
+
 } // namespace pictorel

@@ -12,6 +12,8 @@ class ProgressBar : public QProgressBar, public Control {
 
   public:
     explicit ProgressBar(QWidget* parent);
+
+    void SetValueRange(int minimum, int maximum, int value, int page) override;
 };
 
 } // namespace pictorel

@@ -91,7 +91,9 @@ void PushButton::leaveEvent(QEvent* event) {
 
 void PushButton::focusInEvent(QFocusEvent* event) {
     const auto reason = event->reason();
-    focusedByKeyboard_ = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+    if (reason != Qt::OtherFocusReason) { // the focus that comes back after a command is what it was
+        focusedByKeyboard_ = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+    }
     QAbstractButton::focusInEvent(event);
 }
 

@@ -23,13 +23,13 @@ ReportList::ReportList(QWidget* parent) : QTreeWidget(parent), Control(static_ca
         }
     });
     // A click on the row that is selected already picks it once more.
-    connect(this, &QTreeWidget::itemClicked, this,
-            [this, last = static_cast<QTreeWidgetItem*>(nullptr)](auto* item) mutable {
-                if (item == last && item->isSelected()) {
-                    emit RowPicked();
-                }
-                last = item;
-            });
+    connect(this, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
+        const int row = indexOfTopLevelItem(item);
+        if (row == clickedRow_ && item->isSelected()) {
+            emit RowPicked();
+        }
+        clickedRow_ = row;
+    });
 }
 
 void ReportList::AddColumn(int position, const QString& caption, int width, bool resizable) {
@@ -83,6 +83,9 @@ void ReportList::Style(int row) {
     const auto& items = records_[static_cast<std::size_t>(row)].items;
     for (int column = 0; column < static_cast<int>(items.size()); ++column) {
         const ReportItem& item = items[static_cast<std::size_t>(column)];
+        if (isColumnHidden(column)) {
+            continue; // what nobody sees is no text for assistive tools either
+        }
         shown->setText(column, item.value);
         const auto group = item.textColour == kSilver ? QPalette::Disabled : QPalette::Active;
         shown->setForeground(column, palette().brush(group, QPalette::Text));

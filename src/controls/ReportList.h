@@ -56,6 +56,7 @@ class ReportList : public QTreeWidget, public Control {
     void Style(int row);
 
     std::vector<ReportRecord> records_;
+    int clickedRow_ = -1; // the row that the last click was on
     bool populating_ = false;
 };
 

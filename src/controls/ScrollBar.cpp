@@ -5,4 +5,11 @@ namespace pictorel {
 
 ScrollBar::ScrollBar(QWidget* parent) : QScrollBar(parent), Control(static_cast<QWidget&>(*this)) {}
 
+void ScrollBar::SetValueRange(int minimum, int maximum, int value, int page) {
+    setRange(minimum, maximum);
+    setSingleStep(1);
+    setPageStep(page);
+    setValue(value);
+}
+
 } // namespace pictorel

@@ -14,6 +14,7 @@ class ScrollBar : public QScrollBar, public Control {
     explicit ScrollBar(QWidget* parent);
 
     void SetOrientation(Qt::Orientation orientation) { setOrientation(orientation); }
+    void SetValueRange(int minimum, int maximum, int value, int page) override;
 };
 
 } // namespace pictorel

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace pictorel {
 namespace {
@@ -23,6 +24,11 @@ constexpr double kTickLength = 3; // pixels
 Slider::Slider(QWidget* parent) : QSlider(Qt::Horizontal, parent), Control(static_cast<QWidget&>(*this)) {
     SetSteps(1, 5);
     setFocusPolicy(Qt::StrongFocus);
+}
+
+void Slider::SetValueRange(int minimum, int maximum, int value, int /*page*/) {
+    SetRange(minimum, maximum);
+    SetValue(value);
 }
 
 void Slider::SetSteps(int small, int large) {
@@ -41,7 +47,13 @@ void Slider::SetNeutral(int value) {
     update();
 }
 
+void Slider::SetPending(bool pending) {
+    pending_ = pending;
+    update();
+}
+
 void Slider::SetValue(int value) {
+    valueBeforeKeys_.reset();
     setValue(value);
 }
 
@@ -73,6 +85,7 @@ void Slider::mousePressEvent(QMouseEvent* event) {
         return; // a second button while one is held changes nothing
     }
     held_ = true;
+    valueBeforeKeys_.reset();
     valueAtPress_ = value();
     emit Pressed();
     const double x = event->position().x();
@@ -143,16 +156,37 @@ void Slider::keyPressEvent(QKeyEvent* event) {
         Cancel();
         return;
     }
+    if (SettleKeys(event->key())) {
+        return;
+    }
     const int before = value();
     QSlider::keyPressEvent(event);
     if (value() != before) {
+        valueBeforeKeys_ = valueBeforeKeys_.value_or(before);
         emit Changed(value());
     }
 }
 
+// Enter and Escape after keys that changed the value; false for any other key, and where none did.
+bool Slider::SettleKeys(int key) {
+    const bool applies = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (held_ || !valueBeforeKeys_ || (!applies && key != Qt::Key_Escape)) {
+        return false;
+    }
+    const int before = *std::exchange(valueBeforeKeys_, std::nullopt);
+    if (applies) {
+        emit Pressed();
+        emit Released();
+    } else {
+        setValue(before);
+        emit Cancelled();
+    }
+    return true;
+}
+
 void Slider::wheelEvent(QWheelEvent* event) {
-    // Scrolling the page must not move a slider by accident: only a focused one follows the wheel.
-    if (!hasFocus()) {
+    // Scrolling must not move a slider by accident: of those that follow the wheel at all, the focused one.
+    if (!followsWheel_ || !hasFocus()) {
         event->ignore();
         return;
     }
@@ -187,7 +221,7 @@ void Slider::paintEvent(QPaintEvent* /*event*/) {
     painter.drawRoundedRect(
         QRectF(kThumbRadius, middle - kTrackHeight / 2, width() - 2 * kThumbRadius, kTrackHeight),
         kTrackHeight / 2, kTrackHeight / 2);
-    painter.setBrush(colours.color(group, QPalette::Highlight));
+    painter.setBrush(colours.color(group, pending_ && !held_ ? QPalette::Mid : QPalette::Highlight));
     painter.drawRect(QRectF(QPointF(std::min(origin, thumb), middle - kTrackHeight / 2),
                             QPointF(std::max(origin, thumb), middle + kTrackHeight / 2)));
     if (tickSpacing_ > 0) {

@@ -5,10 +5,13 @@
 
 #include <QSlider>
 
+#include <optional>
+
 namespace pictorel {
 
 // Each Pressed is followed by one Released, or by one Cancelled where the person presses Escape or the slider
-// loses the mouse (its window is closed, another becomes active, the slider is hidden or disabled).
+// loses the mouse (its window is closed, another becomes active, the slider is hidden or disabled). Keys
+// change the value without a press; Enter then is a press and a release, Escape gives the change up.
 class Slider : public QSlider, public Control {
     Q_OBJECT
 
@@ -16,12 +19,20 @@ class Slider : public QSlider, public Control {
     explicit Slider(QWidget* parent);
 
     void SetRange(int minimum, int maximum) { setRange(minimum, maximum); }
+    void SetValueRange(int minimum, int maximum, int value, int page) override;
     void SetSteps(int small, int large);
     void SetTickSpacing(int spacing);
 
     // The value at which the slider does nothing; the track is filled from there to the thumb. A slider
     // without one fills from its minimum.
     void SetNeutral(int value);
+
+    // A slider whose value the picture does not have looks so.
+    void SetPending(bool pending);
+    bool IsPending() const { return pending_; }
+
+    // Whether the wheel moves the slider; otherwise it goes to whatever scrolls around it.
+    void SetFollowsWheel(bool follows) { followsWheel_ = follows; }
 
     int Value() const { return value(); }
     // Values outside the range are clamped. Raises no ValueChanged: only what the person does is an event.
@@ -49,15 +60,19 @@ class Slider : public QSlider, public Control {
     double XOf(int value) const;
     int ValueAt(double x) const;
     void ChangeTo(int value);
+    bool SettleKeys(int key);
     bool LosesMouse(const QEvent& event) const;
     void Cancel();
 
     int tickSpacing_ = 0;
     int neutral_ = 0;
     bool hasNeutral_ = false;
+    bool pending_ = false;
+    bool followsWheel_ = true;
     bool held_ = false;
     bool dragging_ = false;
     int valueAtPress_ = 0;
+    std::optional<int> valueBeforeKeys_; // while keys have changed the value and nothing has settled it
     double grabOffset_ = 0;
 };
 

@@ -14,6 +14,12 @@ struct TwipsRect {
     float height = 0;
 };
 
+// A place given in pixels.
+constexpr TwipsRect InPixels(int left, int top, int width, int height) {
+    const auto twips = [](int pixels) { return static_cast<float>(pixels) * kTwipsPerPixel; };
+    return {twips(left), twips(top), twips(width), twips(height)};
+}
+
 inline int TwipsToPixels(float twips) {
     return static_cast<int>(std::lround(twips / kTwipsPerPixel));
 }

@@ -114,4 +114,9 @@ void UpDown::paintEvent(QPaintEvent* /*event*/) {
     }
 }
 
+void UpDown::SetValueRange(int minimum, int maximum, int value, int /*page*/) {
+    SetRange(minimum, maximum);
+    SetValue(value);
+}
+
 } // namespace pictorel

@@ -15,6 +15,7 @@ class UpDown : public QWidget, public Control {
     explicit UpDown(QWidget* parent);
 
     void SetRange(int minimum, int maximum);
+    void SetValueRange(int minimum, int maximum, int value, int page) override;
     int Minimum() const { return minimum_; }
     int Maximum() const { return maximum_; }
     int Value() const { return value_; }

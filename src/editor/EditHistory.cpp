@@ -1,181 +1,102 @@
-// The edit history, see EditHistory.h.
+// The edit history on disk, see EditHistory.h.
 #include "editor/EditHistory.h"
 
+#include "editor/ImageCodec.h"
 #include "platform/CarryOn.h"
-#include "platform/PumpEvents.h"
+
+#include <QFileInfo>
 
 namespace pictorel {
-namespace {
 
-constexpr QLatin1String kActive("1");
-constexpr QLatin1String kInactive("0");
+EditHistory::EditHistory(Image_Mods& document, PictureFiles& files, EditorObserver*& observer)
+    : document_(document), files_(files), observer_(observer) {}
 
-ReportItem& ItemOf(ReportList& list, int row, HistoryColumn column) {
-    return list.Item(row, static_cast<int>(column));
+QString EditHistory::WorkingFile(PictureSlot slot, int number) const {
+    return document_.WorkingFile(QStringLiteral("tmpimg_%1_%2.jpg").arg(slot).arg(number));
 }
 
-bool IsActive(ReportList& list, int row) {
-    return ItemOf(list, row, HistoryColumn::Active).value == kActive;
-}
-
-void MarkActive(ReportList& list, int active) {
-    for (int row = 0; row < list.Count(); ++row) {
-        ItemOf(list, row, HistoryColumn::Active).value = kInactive;
-    }
-    ItemOf(list, active, HistoryColumn::Active).value = kActive;
-}
-
-// Rows up to the active one are black, those after it, which can be redone, silver.
-void ColourRows(ReportList& list) {
-    bool beforeActive = true;
-    for (int row = 0; row < list.Count(); ++row) {
-        ItemOf(list, row, HistoryColumn::Caption).textColour = beforeActive ? kBlack : kSilver;
-        beforeActive = beforeActive && !IsActive(list, row);
+// A file that is gone already must not stop what comes after it.
+void EditHistory::DeleteIfThere(const QString& fileName) const {
+    if (QFileInfo::exists(fileName)) {
+        document_.FileSystem.Delete(fileName);
     }
 }
 
-} // namespace
-
-EditHistory::EditHistory(Image_Mods& document, PictureFiles& files, EditorServices& services)
-    : document_(document), files_(files), services_(services) {}
-
-QString EditHistory::WorkingFile(PictureSlot slot, int number) {
-    return document_.GetTempFolder() + QStringLiteral("tmpimg_%1_%2.jpg").arg(slot).arg(number);
-}
-
-void EditHistory::DropRedoRows(ReportList& historyList) {
-    for (int row = historyList.Count() - 1; row >= 0; --row) {
-        if (ItemOf(historyList, row, HistoryColumn::Caption).textColour == kSilver) {
-            document_.FileSystem.Delete(ItemOf(historyList, row, HistoryColumn::ImageFile).value);
-            historyList.RemoveRecord(row);
+bool EditHistory::AddHistoryEntry(const QString& caption, PictureSlot slot) {
+    return StopAtFirstError([&] {
+        document_.ImagePixels = document_.WorkingPicture(slot);
+        for (const HistoryState& state : history_.DropRedo()) {
+            CarryOn([&] { DeleteIfThere(state.imageFile); });
         }
-    }
+        const QString file = WorkingFile(slot, history_.Count() + 1);
+        const std::vector<HistoryState> pushedOut = history_.Append(caption, file);
+        observer_->HistoryChanged();
+        observer_->PaintPending();
+        const bool written = files_.SaveImageFile(slot, file, QStringLiteral("JPG"));
+        if (!written) {
+            history_.MarkLost(history_.Active());
+        }
+        for (const HistoryState& state : pushedOut) {
+            CarryOn([&] { DeleteIfThere(state.imageFile); });
+        }
+        if (!pushedOut.empty()) {
+            Renumber(slot);
+        }
+        observer_->HistoryChanged();
+        return written;
+    });
 }
 
-void EditHistory::DropOldestRow(PictureSlot slot, ReportList& historyList) {
-    historyList.RemoveRecord(0);
-    historyList.Populate();
-    document_.FileSystem.Delete(WorkingFile(slot, 1));
-}
-
-void EditHistory::Renumber(PictureSlot slot, ReportList& historyList) {
-    for (int row = 0; row < historyList.Count(); ++row) {
-        QString& file = ItemOf(historyList, row, HistoryColumn::ImageFile).value;
+// Each name was freed by the step before: the oldest state's file is gone.
+void EditHistory::Renumber(PictureSlot slot) {
+    for (int row = 0; row < history_.Count(); ++row) {
+        const QString file = history_.State(row).imageFile;
         const QString wanted = WorkingFile(slot, row + 1);
-        document_.FileSystem.Move(file, wanted);
-        document_.ImageCodec->FileRenamed(file.toStdString(), wanted.toStdString());
-        file = wanted;
+        CarryOn([&] {
+            if (file != wanted && history_.State(row).restorable) {
+                document_.FileSystem.Move(file, wanted);
+                document_.ImageCodec->FileRenamed(file.toStdString(), wanted.toStdString());
+            }
+        });
+        if (history_.State(row).restorable && !QFileInfo::exists(wanted)) {
+            history_.MarkLost(row);
+        }
+        history_.SetImageFile(row, wanted);
     }
-    historyList.Populate();
-    PumpEvents();
 }
 
-bool EditHistory::AddHistoryEntry(const QString& caption, PictureSlot slot, ReportList& historyList) {
+bool EditHistory::RestoreHistoryEntry(int index) {
     return StopAtFirstError([&] {
-        document_.Transforms(slot).CopyPicture(document_.ImagePixels);
-        DropRedoRows(historyList);
-        const int number = historyList.Count() + 1;
-        const QString file = WorkingFile(slot, number);
-        historyList.AddRecord().items = {{caption}, {file}, {QStringLiteral(" ")}};
-        historyList.Populate();
-        PumpEvents();
-        files_.SaveImageFile(slot, file, QStringLiteral("JPG"));
-        if (historyList.Count() > kHistoryRows) {
-            DropOldestRow(slot, historyList);
+        const bool loaded = files_.LoadImageFile(kSlot, history_.State(index).imageFile);
+        if (loaded) {
+            history_.Activate(index);
+        } else {
+            history_.MarkLost(index);
         }
-        if (historyList.Count() == kHistoryRows) {
-            Renumber(slot, historyList);
+        observer_->HistoryChanged();
+        observer_->PaintPending();
+        return loaded;
+    });
+}
+
+bool EditHistory::UndoStep() {
+    return history_.UndoRow() >= 0 && RestoreHistoryEntry(history_.UndoRow());
+}
+
+bool EditHistory::RedoStep() {
+    return history_.RedoRow() >= 0 && RestoreHistoryEntry(history_.RedoRow());
+}
+
+bool EditHistory::DeleteWorkingFiles() {
+    return StopAtFirstError([&] {
+        for (const HistoryState& state : history_.States()) {
+            CarryOn([&] { DeleteIfThere(state.imageFile); });
         }
-        MarkActive(historyList, historyList.Count() - 1);
-        historyList.Populate();
-        historyList.SelectRow(historyList.Count() - 1); // the person sees which row is the active one
+        history_.Clear();
+        observer_->HistoryChanged();
+        DeleteIfThere(document_.WorkingFile(QStringLiteral("tmp_preview.jpg")));
         return true;
     });
-}
-
-bool EditHistory::RestoreHistoryEntry(int index, ReportList& historyList) {
-    return StopAtFirstError([&] {
-        files_.LoadImageFile(0, ItemOf(historyList, index, HistoryColumn::ImageFile).value);
-        MarkActive(historyList, index);
-        services_.RepaintWindow();
-        PumpEvents();
-        ColourRows(historyList);
-        historyList.Populate();
-        services_.RepaintWindow();
-        return true;
-    });
-}
-
-bool EditHistory::UndoStep(ReportList& historyList) {
-    return StopAtFirstError([&] {
-        bool restored = false;
-        // From the first row on, so that the row just restored is not taken for the active one again.
-        for (int row = 0; row < historyList.Count(); ++row) {
-            if (IsActive(historyList, row) && row >= 1) {
-                restored = RestoreHistoryEntry(row - 1, historyList);
-                historyList.SelectRow(row - 1);
-            }
-        }
-        return restored;
-    });
-}
-
-bool EditHistory::RedoStep(ReportList& historyList) {
-    return StopAtFirstError([&] {
-        for (int row = 0; row + 1 < historyList.Count(); ++row) {
-            if (IsActive(historyList, row)) {
-                const bool restored = RestoreHistoryEntry(row + 1, historyList);
-                historyList.SelectRow(row + 1);
-                return restored;
-            }
-        }
-        return false;
-    });
-}
-
-void EditHistory::UpdateUndoRedoButtons(PushButton& undoButton, PushButton& redoButton,
-                                        ReportList& historyList) {
-    CarryOn([&] {
-        if (historyList.Count() == 0) {
-            undoButton.SetEnabled(false);
-            redoButton.SetEnabled(false);
-        }
-        for (int row = 0; row < historyList.Count(); ++row) {
-            if (IsActive(historyList, row)) {
-                undoButton.SetEnabled(row > 0);
-                redoButton.SetEnabled(row < historyList.Count() - 1);
-            }
-        }
-    });
-}
-
-bool EditHistory::DeleteWorkingFiles(ReportList& historyList) {
-    return StopAtFirstError([&] {
-        for (int row = 0; row < historyList.Count(); ++row) {
-            document_.FileSystem.Delete(ItemOf(historyList, row, HistoryColumn::ImageFile).value);
-        }
-        historyList.RemoveAllRecords();
-        historyList.Populate();
-        document_.FileSystem.Delete(document_.GetTempFolder() + QStringLiteral("tmp_preview.jpg"));
-        return true;
-    });
-}
-
-HistoryPanel::HistoryPanel(EditHistory& history, HistoryPanelControls controls, EditorServices& services)
-    : history_(history), controls_(controls), services_(services) {
-    events_.On(controls_.HistoryList, &ReportList::RowPicked, [this] { HistoryList_SelectionChanged(); });
-}
-
-void HistoryPanel::HistoryList_SelectionChanged() {
-    ReportList& list = controls_.HistoryList;
-    CarryOn([&] { list.SetEnabled(false); },
-            [&] { history_.RestoreHistoryEntry(list.FirstSelectedRow(), list); },
-            [&] { services_.SetEditingEnabled(false); }, //
-            [&] { services_.UpdatePreviewImage(0); },    //
-            [&] { services_.SetEditingEnabled(true); },
-            [&] { EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton, list); },
-            [&] { list.SetEnabled(true); }, //
-            [&] { list.FocusList(); });
 }
 
 } // namespace pictorel

@@ -1,24 +1,20 @@
-// Finer copies of a picture, see FinerCopies.h.
+// Finer copies of the picture, see FinerCopies.h.
 #include "editor/FinerCopies.h"
 
 #include "picture/engine/Resample.h"
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 
 namespace pictorel {
 namespace {
 
 constexpr double kOrdinary = 1000.0 * 667; // pixels
-constexpr double kLighter = 600.0 * 400;
-constexpr double kForExtremes = 2400.0 * 1600;
+constexpr double kLight = 600.0 * 400;
+constexpr double kExtremes = 3500.0 * 2200; // at most
 
-const PixelArray& MadeOnce(PixelArray& copy, const std::function<PixelArray()>& make) {
-    if (copy.IsEmpty()) {
-        copy = make();
-    }
-    return copy;
+double AreaOf(const PixelArray& picture) {
+    return static_cast<double>(picture.Width()) * picture.Height();
 }
 
 } // namespace
@@ -39,32 +35,43 @@ PixelArray FinerCopies::Copy(int width, int height) const {
 
 PixelArray FinerCopies::CopyOf(double pixels) const {
     const PixelArray& picture = Picture();
-    const double whole = static_cast<double>(picture.Width()) * picture.Height();
-    if (whole <= pixels) {
+    if (AreaOf(picture) <= pixels) {
         return picture;
     }
-    const double scale = std::sqrt(pixels / whole);
+    const double scale = std::sqrt(pixels / AreaOf(picture));
     const auto side = [scale](int length) {
         return std::max(1, static_cast<int>(std::lround(length * scale)));
     };
     return Copy(side(picture.Width()), side(picture.Height()));
 }
 
-const PixelArray& FinerCopies::Ordinary() const {
-    return MadeOnce(ordinary_, [this] { return CopyOf(kOrdinary); });
+// The finest of the pyramid's halves with at most so many pixels: the view has mostly made it already, where
+// a copy of a size of its own would be waited for.
+PixelArray FinerCopies::Halved(double pixels) const {
+    const PixelArray& picture = Picture();
+    if (AreaOf(picture) <= pixels) {
+        return picture;
+    }
+    if (picture.HasAlpha()) {
+        return CopyOf(pixels / 2); // the pyramid's colours are premultiplied
+    }
+    int halvings = 1;
+    while (AreaOf(picture) > std::ldexp(pixels, 2 * halvings)) {
+        ++halvings;
+    }
+    PixelArray copy = pyramid_->Level(halvings);
+    copy.SetDetails(picture.Details());
+    copy.SetReduction(picture.Reduction() * copy.Width() / picture.Width());
+    return copy;
 }
 
-const PixelArray& FinerCopies::Lighter() const {
-    return MadeOnce(lighter_, [this] { return CopyOf(kLighter); });
-}
-
-const PixelArray& FinerCopies::ForExtremes() const {
-    return MadeOnce(forExtremes_, [this] { return CopyOf(kForExtremes); });
-}
-
-bool FinerCopies::Holds(const PixelArray& array) const noexcept {
-    return array.SharesPixelsWith(ordinary_) || array.SharesPixelsWith(lighter_) ||
-           array.SharesPixelsWith(forExtremes_);
+const PixelArray& FinerCopies::Of(Fineness fineness) {
+    PixelArray& copy = made_.at(static_cast<std::size_t>(fineness));
+    if (copy.IsEmpty()) {
+        copy = fineness == Fineness::Extremes ? Halved(kExtremes)
+                                              : CopyOf(fineness == Fineness::Light ? kLight : kOrdinary);
+    }
+    return copy;
 }
 
 } // namespace pictorel

@@ -1,14 +1,18 @@
-// Finer copies of the picture that a reduced copy was made from, for previews that 250 pixels cannot tell.
+// Copies of the picture, or of a part of it, that are finer than the reduced copy: what previews start from.
 #pragma once
 
+#include "editor/OperationTable.h"
 #include "picture/PicturePyramid.h"
+
+#include <array>
+#include <memory>
 
 namespace pictorel {
 
-// What clips, picks extremes or moves fine edges cannot be foretold from averages over 24 x 24 pixels. So
-// operations on a reduced copy work on a finer one of the same picture part and reduce the result. Each copy
-// is made when it is first asked for, carries its own Reduction, and is the picture itself where that is no
-// larger.
+// What clips, picks extremes or moves fine edges cannot be foretold from averages over 24 x 24 pixels. So the
+// preview of an operation works on a finer copy of the same picture part, and its result is reduced. Each
+// copy is made when it is first asked for, carries its own Reduction, and is the picture itself where that is
+// no larger.
 class FinerCopies {
   public:
     explicit FinerCopies(std::shared_ptr<PicturePyramid> pyramid) : pyramid_(std::move(pyramid)) {}
@@ -18,25 +22,15 @@ class FinerCopies {
     // A copy of this size, with its Reduction. Throws ImagingError.
     PixelArray Copy(int width, int height) const;
 
-    // Enough for all operations but those below: structural similarity of preview and result above 0.98.
-    const PixelArray& Ordinary() const;
-
-    // A third of the pixels, for what takes long and can be told from fewer: what moves pixels, and noise.
-    const PixelArray& Lighter() const;
-
-    // For the brightest and the darkest of a square, which averaging loses soonest.
-    const PixelArray& ForExtremes() const;
-
-    // Whether the array is one of these copies, unchanged.
-    bool Holds(const PixelArray& array) const noexcept;
+    // Structural similarity of preview and result is above 0.98 with the copy of an operation's fineness.
+    const PixelArray& Of(Fineness fineness);
 
   private:
     PixelArray CopyOf(double pixels) const;
+    PixelArray Halved(double pixels) const;
 
     std::shared_ptr<PicturePyramid> pyramid_;
-    mutable PixelArray ordinary_;
-    mutable PixelArray lighter_;
-    mutable PixelArray forExtremes_;
+    std::array<PixelArray, 3> made_; // by fineness, empty until asked for
 };
 
 } // namespace pictorel

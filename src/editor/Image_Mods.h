@@ -1,10 +1,7 @@
-// The state of the open picture; one object, owned by the main window.
+// The state of the open picture; one object, owned by the editor.
 #pragma once
 
-#include "editor/ImageCodec.h"
-#include "editor/ImageTransform.h"
-#include "editor/ImageUtility.h"
-#include "editor/ImageView.h"
+#include "picture/PicturePyramid.h"
 #include "picture/PixelArray.h"
 #include "platform/FileSystem.h"
 #include "platform/Folders.h"
@@ -19,7 +16,14 @@
 
 namespace pictorel {
 
-using PictureSlot = std::int16_t; // 0..100; the editor uses 0
+class ImageCodec;
+
+using PictureSlot = std::int16_t; // 0..100
+
+inline constexpr PictureSlot kSlot = 0; // the one that the editor uses
+
+// A colour as 0x00BBGGRR.
+using ColourValue = std::uint32_t;
 
 // A value for every picture slot. A slot outside 0..100 raises std::out_of_range.
 template <typename T>
@@ -41,44 +45,29 @@ class SlotTable {
     std::array<T, kLast + 1> values_{};
 };
 
-// The imaging object of a slot; a slot without one raises std::out_of_range.
-template <typename T>
-class SlotObjects {
-  public:
-    void Set(int slot, T& object) { objects_(slot) = &object; }
-
-    T& operator()(int slot) const {
-        T* const object = objects_(slot);
-        if (object == nullptr) {
-            throw std::out_of_range("There is no picture " + std::to_string(slot));
-        }
-        return *object;
-    }
-
-  private:
-    SlotTable<T*> objects_;
-};
-
 struct Image_Mods {
-    PixelArray ImagePixels;              // the last committed picture: every operation starts from it
-    PixelArray PreviewPixels;            // the reduced copy that slider previews start from
-    SlotTable<std::int16_t> ImageWidth;  // pixels
-    SlotTable<std::int16_t> ImageHeight; // pixels
-    SlotTable<bool> ImageModified;       // changed since it was opened, scanned or saved
-    QString OpenDialogFolder;            // where the dialogs begin: a folder, or the file chosen last
-    QString SaveDialogFolder;
-    QString PictureName; // the open picture's file without its folder, or what a scanned page is called
-    bool LivePreviewMode = true; // False only while a slider commit runs its operation
+    PixelArray ImagePixels;                    // the last committed picture: every operation starts from it
+    PixelArray PreviewPixels;                  // the reduced copy that slider previews start from
+    SlotTable<PixelArray> WorkingPicture;      // what is on the screen and what is saved
+    SlotTable<std::int16_t> ImageWidth;        // pixels
+    SlotTable<std::int16_t> ImageHeight;       // pixels
+    SlotTable<bool> ImageModified;             // changed since it was opened, scanned or saved
+    QString OpenDialogFolder;                  // where the dialogs begin: a folder, or the file chosen last
+    QString SaveDialogFolder;                  //
+    QString PictureName;                       // the open picture's file without its folder, or "Scan"
+    ColourValue BackgroundColour = 0x00FFFFFF; // of area that geometry exposes in an opaque picture
+    bool LivePreviewMode = true;               // False only while a slider's commit runs its operation
+    bool PreviewOutdated = false;              // the reduced copy does not show what the view shows
 
-    SlotObjects<ImageTransform> Transforms; // ImageTransform(slot): the working picture
-    SlotObjects<ImageView> Views;           // ImageView(slot): what is on screen
-    std::unique_ptr<pictorel::ImageCodec> ImageCodec;
-    std::unique_ptr<pictorel::ImageUtility> ImageUtility;
+    std::shared_ptr<pictorel::ImageCodec> ImageCodec;
+    // Of the working picture: the view and the reduced copy halve it once.
+    std::shared_ptr<SharedPyramids> Pyramids = std::make_shared<SharedPyramids>();
     pictorel::FileSystem FileSystem;
     // Shared with the process, which removes it also where it ends past this object.
     std::shared_ptr<pictorel::WorkingFolder> WorkingFolder = std::make_shared<pictorel::WorkingFolder>();
 
-    QString GetTempFolder() { return WorkingFolder->GetTempFolder(); }
+    QString GetTempFolder() const { return WorkingFolder->GetTempFolder(); }
+    QString WorkingFile(const QString& name) const { return GetTempFolder() + name; }
 };
 
 } // namespace pictorel

@@ -1,8 +1,13 @@
 // The 36 operations, see OperationTable.h.
 #include "editor/OperationTable.h"
 
-#include "editor/ImageOperations.h"
-#include "platform/CarryOn.h"
+#include "picture/ImagingError.h"
+#include "picture/engine/Filters.h"
+#include "picture/engine/Geometry.h"
+#include "picture/engine/HistogramOperations.h"
+#include "picture/engine/PointOperations.h"
+#include "picture/engine/Resample.h"
+#include "picture/engine/Stylize.h"
 #include "platform/Numbers.h"
 
 #include <array>
@@ -10,9 +15,13 @@
 namespace pictorel {
 namespace {
 
-using Transform = ImageTransform;
-using Values = OperationParameters;
+using engine::AddToChannels;
+using Picture = const PixelArray&;
+using V = const Values&;
+using Colour = ColourValue;
 
+constexpr double kBlurUnit = 10.0;        // of the slider: one pixel of standard deviation
+constexpr double kSharpenUnit = 25.0;     // of the slider: amount 1
 constexpr double kMotionBlurAngle = 90.0; // upright
 constexpr std::int32_t kDiffuseRadius = 2;
 
@@ -20,101 +29,91 @@ double Hundredth(std::int32_t value) {
     return static_cast<double>(value) / 100.0;
 }
 
-void SharpenOrBlur(Transform& transform, const Values& v, ColourValue /*background*/) {
-    if (v.value1 == 0) {
-        CarryOn([&] { transform.Blur(0.0); }, [&] { transform.Sharpen(0.0); });
-    }
-    if (v.value1 > 0) {
-        transform.Blur(v.value1);
-    } else {
-        transform.Sharpen(-static_cast<double>(v.value1));
-    }
+// Towards "Blur" the picture is blurred, towards "Sharpen" sharpened by the number's size.
+PixelArray SharpenOrBlur(Picture p, V v, Colour /*background*/) {
+    return v.value1 > 0 ? engine::GaussianBlur(p, v.value1 / kBlurUnit)
+                        : engine::UnsharpMask(p, -v.value1 / kSharpenUnit);
 }
 
-// The slider's values are one above the filter's sizes on neither side: 1 is a size of its own, see the
-// calls.
-void MaximalOrMinimal(Transform& transform, const Values& v, ColourValue /*background*/) {
-    if (v.value1 == 1) {
-        CarryOn([&] { transform.MinimalFilter(0); }, [&] { transform.MaximalFilter(0); });
-    }
-    if (v.value1 > 1) {
-        transform.MinimalFilter(v.value1);
-    } else {
-        transform.MaximalFilter(-v.value1);
-    }
+// The darkest of a square begins at 2: 1 is the brightest of size -1, which is the darkest of size 1.
+PixelArray MaximalOrMinimal(Picture p, V v, Colour /*background*/) {
+    return v.value1 > 1 ? engine::MinimumFilter(p, v.value1) : engine::MaximumFilter(p, -v.value1);
 }
+
+using enum Fineness;
 
 constexpr std::array<OperationRow, kOperationCount> kTable{{
-    {Operation::Brightness, "brightness",
-     [](Transform& t, const Values& v, ColourValue) { t.Brightness(v.value1); }},
-    {Operation::Contrast, "contrast",
-     [](Transform& t, const Values& v, ColourValue) { t.Contrast(Hundredth(v.value1)); }},
-    {Operation::Saturation, "saturation",
-     [](Transform& t, const Values& v, ColourValue) { t.Saturation(Hundredth(v.value1)); }},
-    {Operation::AutoContrast, "automatic contrast",
-     [](Transform& t, const Values&, ColourValue) { t.AutoContrast(); }},
-    {Operation::AutoLevels, "automatic levels",
-     [](Transform& t, const Values&, ColourValue) { t.AutoLevels(); }},
-    {Operation::Gamma, "gamma",
-     [](Transform& t, const Values& v, ColourValue) { t.Gamma(Hundredth(v.value1)); }},
-    {Operation::Hue, "hue", [](Transform& t, const Values& v, ColourValue) { t.Hue(v.value1); }},
-    {Operation::Lightness, "lightness",
-     [](Transform& t, const Values& v, ColourValue) { t.Lightness(Hundredth(v.value1)); }},
-    {Operation::Red, "red channel",
-     [](Transform& t, const Values& v, ColourValue) { t.RedChannel(v.value1); }},
-    {Operation::Green, "green channel",
-     [](Transform& t, const Values& v, ColourValue) { t.GreenChannel(v.value1); }},
-    {Operation::Blue, "blue channel",
-     [](Transform& t, const Values& v, ColourValue) { t.BlueChannel(v.value1); }},
-    {Operation::Invert, "invert", [](Transform& t, const Values&, ColourValue) { t.Invert(); }},
-    {Operation::Equalize, "equalize",
-     [](Transform& t, const Values& v, ColourValue) { t.Equalize(Hundredth(v.value1)); }},
-    {Operation::Threshold, "threshold",
-     [](Transform& t, const Values& v, ColourValue) { t.Threshold(ToByte(v.value1)); }},
-    {Operation::Posterize, "posterize",
-     [](Transform& t, const Values& v, ColourValue) { t.Posterize(v.value1); }},
-    {Operation::Colorize, "colorize",
-     [](Transform& t, const Values& v, ColourValue) {
-         t.Colorize(ToByte(v.value1), ToByte(v.value2), ToByte(v.value3));
+    {Operation::Brightness, "Brightness", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Brightness(p, v.value1); }},
+    {Operation::Contrast, "Contrast", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Contrast(p, Hundredth(v.value1)); }},
+    {Operation::Saturation, "Saturation", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Saturation(p, Hundredth(v.value1)); }},
+    {Operation::AutoContrast, "Auto Contrast", Ordinary,
+     [](Picture p, V, Colour) { return engine::AutoContrast(p); }},
+    {Operation::AutoLevels, "Auto Levels", Ordinary,
+     [](Picture p, V, Colour) { return engine::AutoLevels(p); }},
+    {Operation::Gamma, "Gamma", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Gamma(p, Hundredth(v.value1)); }},
+    {Operation::Hue, "Hue", Ordinary, [](Picture p, V v, Colour) { return engine::Hue(p, v.value1); }},
+    {Operation::Lightness, "Lightness", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Lightness(p, Hundredth(v.value1)); }},
+    {Operation::Red, "Red", Ordinary,
+     [](Picture p, V v, Colour) { return AddToChannels(p, v.value1, 0, 0); }},
+    {Operation::Green, "Green", Ordinary,
+     [](Picture p, V v, Colour) { return AddToChannels(p, 0, v.value1, 0); }},
+    {Operation::Blue, "Blue", Ordinary,
+     [](Picture p, V v, Colour) { return AddToChannels(p, 0, 0, v.value1); }},
+    {Operation::Invert, "Invert", Ordinary, [](Picture p, V, Colour) { return engine::Invert(p); }},
+    {Operation::Equalize, "Equalize", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Equalize(p, Hundredth(v.value1)); }},
+    {Operation::Threshold, "Threshold", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Threshold(p, ToByte(v.value1)); }},
+    {Operation::Posterize, "Posterize", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Posterize(p, v.value1); }},
+    {Operation::Colorize, "Colorize", Ordinary,
+     [](Picture p, V v, Colour) {
+         return engine::Colorize(p, ToByte(v.value1), ToByte(v.value2), ToByte(v.value3));
      }},
-    {Operation::SharpenOrBlur, "sharpen or blur", SharpenOrBlur},
-    {Operation::ZoomBlur, "zoom blur",
-     [](Transform& t, const Values& v, ColourValue) { t.ZoomBlur(v.value1); }},
-    {Operation::MotionBlur, "motion blur",
-     [](Transform& t, const Values& v, ColourValue) { t.MotionBlur(kMotionBlurAngle, v.value1); }},
-    {Operation::GaussianBlur, "Gaussian blur",
-     [](Transform& t, const Values& v, ColourValue) { t.GaussianBlur(v.value1); }},
-    {Operation::MaximalOrMinimal, "maximal or minimal filter", MaximalOrMinimal},
-    {Operation::Noise, "noise", [](Transform& t, const Values& v, ColourValue) { t.Noise(v.value1, false); }},
-    {Operation::Diffuse, "diffuse",
-     [](Transform& t, const Values& v, ColourValue) { t.Diffuse(kDiffuseRadius, v.value1); }},
-    {Operation::Emboss, "emboss",
-     [](Transform& t, const Values& v, ColourValue) { t.Emboss(v.value1, v.value3, Hundredth(v.value2)); }},
-    {Operation::Mosaic, "mosaic",
-     [](Transform& t, const Values& v, ColourValue) { t.Mosaic(v.value1, false); }},
-    {Operation::Halftone, "halftone",
-     [](Transform& t, const Values& v, ColourValue) { t.Halftone(v.value1, Hundredth(v.value2) + 1); }},
-    {Operation::FlipVertical, "flip top to bottom",
-     [](Transform& t, const Values&, ColourValue) { t.Mirror(true); }},
-    {Operation::FlipHorizontal, "flip left to right",
-     [](Transform& t, const Values&, ColourValue) { t.Mirror(false); }},
-    {Operation::Rotate, "rotate by an angle",
-     [](Transform& t, const Values& v, ColourValue background) { t.Rotate(v.value1, background); }},
-    {Operation::Reproduce, "reproduce",
-     [](Transform& t, const Values& v, ColourValue) { t.Reproduce(v.value1); }},
-    {Operation::Skew, "skew",
-     [](Transform& t, const Values& v, ColourValue) { t.Skew(v.value2 != 0, v.value1); }},
-    {Operation::Twirl, "twirl", [](Transform& t, const Values& v, ColourValue) { t.Twirl(v.value1); }},
-    {Operation::Perspective, "perspective",
-     [](Transform& t, const Values& v, ColourValue) { t.Perspective(v.value2 != 0, v.value1); }},
-    {Operation::TurnLeft, "quarter turn to the left",
-     [](Transform& t, const Values&, ColourValue) { t.QuarterTurn(-1); }},
-    {Operation::TurnRight, "quarter turn to the right",
-     [](Transform& t, const Values&, ColourValue) { t.QuarterTurn(1); }},
-    {Operation::Resize, "resize",
-     [](Transform& t, const Values& v, ColourValue background) {
-         t.Resize(v.value1, v.value2, 0, background);
+    {Operation::SharpenOrBlur, "Sharpen", Ordinary, SharpenOrBlur},
+    {Operation::ZoomBlur, "Zoom Blur", Light,
+     [](Picture p, V v, Colour) { return engine::ZoomBlur(p, v.value1); }},
+    {Operation::MotionBlur, "Motion Blur", Ordinary,
+     [](Picture p, V v, Colour) { return engine::MotionBlur(p, kMotionBlurAngle, v.value1); }},
+    {Operation::GaussianBlur, "Gaussian Blur", Ordinary,
+     [](Picture p, V v, Colour) { return engine::GaussianBlur(p, v.value1); }},
+    {Operation::MaximalOrMinimal, "Maximal", Extremes, MaximalOrMinimal},
+    {Operation::Noise, "Noise", Light, [](Picture p, V v, Colour) { return engine::Noise(p, v.value1); }},
+    {Operation::Diffuse, "Diffuse", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Diffuse(p, kDiffuseRadius, v.value1); }},
+    {Operation::Emboss, "Emboss", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Emboss(p, v.value1, v.value3, Hundredth(v.value2)); }},
+    {Operation::Mosaic, "Mosaic", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Mosaic(p, v.value1); }},
+    {Operation::Halftone, "Halftone", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Halftone(p, v.value1, Hundredth(v.value2) + 1); }},
+    {Operation::FlipVertical, "Flip Vertical", Ordinary,
+     [](Picture p, V, Colour) { return engine::MirrorTopToBottom(p); }},
+    {Operation::FlipHorizontal, "Flip Horizontal", Ordinary,
+     [](Picture p, V, Colour) { return engine::MirrorLeftToRight(p); }},
+    {Operation::Rotate, "Rotate", Light,
+     [](Picture p, V v, Colour background) { return engine::Rotate(p, v.value1, background); }},
+    {Operation::Reproduce, "Reproduce", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Reproduce(p, v.value1); }},
+    {Operation::Skew, "Skew", Light,
+     [](Picture p, V v, Colour background) { return engine::Skew(p, v.value2 != 0, v.value1, background); }},
+    {Operation::Twirl, "Twirl", Light,
+     [](Picture p, V v, Colour background) { return engine::Twirl(p, v.value1, background); }},
+    {Operation::Perspective, "Perspective", Light,
+     [](Picture p, V v, Colour background) {
+         return engine::Perspective(p, v.value2 != 0, v.value1, background);
      }},
+    {Operation::TurnLeft, "Rotate Left", Ordinary,
+     [](Picture p, V, Colour) { return engine::QuarterTurnLeft(p); }},
+    {Operation::TurnRight, "Rotate Right", Ordinary,
+     [](Picture p, V, Colour) { return engine::QuarterTurnRight(p); }},
+    {Operation::Resize, "Resize", Ordinary,
+     [](Picture p, V v, Colour) { return engine::Resize(p, v.value1, v.value2); }},
 }};
 
 constexpr bool CodesAreDense() {
@@ -125,13 +124,16 @@ constexpr bool CodesAreDense() {
     }
     return true;
 }
-static_assert(static_cast<std::int32_t>(Operation::Resize) == kResizeOperation);
 static_assert(CodesAreDense(), "row i of the table is operation code i");
 
 } // namespace
 
 std::span<const OperationRow, kOperationCount> OperationTable() noexcept {
     return kTable;
+}
+
+const OperationRow& RowOf(Operation operation) noexcept {
+    return kTable[static_cast<std::size_t>(operation)];
 }
 
 } // namespace pictorel

@@ -1,7 +1,7 @@
-// The 36 operations: which imaging call each code makes, and with what.
+// The 36 operations, one row each: code, caption, the fineness of its preview, and what it does.
 #pragma once
 
-#include "editor/ImageTransform.h"
+#include "editor/Image_Mods.h"
 
 #include <cstdint>
 #include <span>
@@ -50,21 +50,33 @@ enum class Operation : std::int32_t {
 
 inline constexpr int kOperationCount = 36;
 
-struct OperationParameters {
+// The numbers that a slider or a button gives an operation.
+struct Values {
     std::int32_t value1 = 0;
     std::int32_t value2 = 0;
     std::int32_t value3 = 0;
 };
 
+// How fine a copy of the picture the preview of an operation has to start from to tell the truth.
+enum class Fineness {
+    Ordinary, // enough for most
+    Light,    // fewer pixels, for what takes long and can be told from them: what moves pixels, and noise
+    Extremes, // more pixels, for the brightest and the darkest of a square, which averaging loses soonest
+};
+
 struct OperationRow {
     Operation code;
-    std::string_view name;
-    // Makes the call; `background` is the colour of exposed area. Throws ImagingError from the engine,
-    // NumberError where a parameter that must be a byte is none.
-    void (*perform)(ImageTransform& transform, const OperationParameters& parameters, ColourValue background);
+    std::string_view caption; // as the history names it where no slider or button has a name of its own
+    Fineness fineness;
+
+    // The numbers become parameters, the engine works. `background` is the colour of exposed area. Throws
+    // ImagingError from the engine, NumberError where a number that must be a byte is none.
+    PixelArray (*apply)(const PixelArray& picture, const Values& values, ColourValue background);
 };
 
 // One row a code, in code order.
 std::span<const OperationRow, kOperationCount> OperationTable() noexcept;
+
+const OperationRow& RowOf(Operation operation) noexcept;
 
 } // namespace pictorel

@@ -1,38 +1,20 @@
 // Loading and saving the open picture, see PictureFiles.h.
 #include "editor/PictureFiles.h"
 
+#include "editor/ImageCodec.h"
 #include "editor/SaveFormats.h"
 #include "picture/ImagingError.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
-#include "platform/PumpEvents.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
-#include <utility>
 
 namespace pictorel {
 namespace {
 
-constexpr unsigned kOpenFlags = 0x1204; // file must exist, several may be selected, no read-only box
-constexpr unsigned kSaveFlags = 0x802;  // path must exist, ask before overwriting
-constexpr int kMaximumNameLength = 32000;
 constexpr int kSmallestSide = 2; // pixels
-
-QString FromView(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-void PrepareDialog(CommonDialog& dialog, std::string_view filter, unsigned flags, const QString& folder) {
-    dialog.FilterIndex = 1;
-    dialog.Filter = FromView(filter);
-    dialog.Flags = flags;
-    dialog.MaxFileSize = kMaximumNameLength;
-    dialog.CancelError = false;
-    dialog.FileName.clear();
-    dialog.InitDir = folder;
-}
 
 const SaveFormat& FormatOf(const QString& formatText) {
     const std::string wanted = formatText.toUpper().toStdString();
@@ -59,31 +41,36 @@ QString PixelSizeText(int width, int height) {
     return QStringLiteral("%1 x %2 pixels").arg(width).arg(height);
 }
 
-PictureFiles::PictureFiles(Image_Mods& document, PictureFilesControls controls, EditorServices& services,
-                           Messages& messages, QString applicationTitle)
-    : document_(document),
-      controls_(std::move(controls)),
-      services_(services),
-      messages_(messages),
-      applicationTitle_(std::move(applicationTitle)) {}
+PictureFiles::PictureFiles(Image_Mods& document, EditorObserver*& observer, Messages& messages)
+    : document_(document), observer_(observer), messages_(messages) {}
 
-void PictureFiles::ShowError(const QString& text, const QString& title) {
-    messages_.Show(text, title, MessageIcon::Critical);
+void PictureFiles::ShowError(const QString& text) {
+    messages_.Show(text, QStringLiteral("Error"), MessageIcon::Critical);
 }
 
-bool PictureFiles::OpenImageDialog(PictureSlot slot, CommonDialog& dialog) {
+bool PictureFiles::LoadImageFile(PictureSlot slot, const QString& fileName) {
     try {
-        PrepareDialog(dialog, kOpenFilter, kOpenFlags, document_.OpenDialogFolder);
-        dialog.ShowOpen();
-        PumpEvents();
-        const QString fileName = dialog.FileName;
-        if (fileName.isEmpty()) {
+        PixelArray pixels;
+        const bool isPicture = document_.ImageCodec->Read(fileName.toStdString(), pixels);
+        if (!isPicture || pixels.Width() < kSmallestSide || pixels.Height() < kSmallestSide) {
+            ShowError(QStringLiteral("Unsupported file format!"));
             return false;
         }
-        PumpEvents();
-        return OpenImageFile(slot, fileName);
+        const std::int16_t width = ToInt16(static_cast<std::int64_t>(pixels.Width()));
+        const std::int16_t height = ToInt16(static_cast<std::int64_t>(pixels.Height()));
+        const bool otherSize = document_.ImageWidth(slot) != width || document_.ImageHeight(slot) != height;
+        document_.ImageWidth(slot) = width;
+        document_.ImageHeight(slot) = height;
+        document_.WorkingPicture(slot) = pixels;
+        document_.PreviewOutdated = true;
+        observer_->PictureLoaded(slot);
+        if (otherSize) {
+            observer_->SizeChanged(slot);
+        }
+        document_.ImagePixels = pixels;
+        return true;
     } catch (const std::exception& error) {
-        ShowError(QString::fromUtf8(error.what()), applicationTitle_);
+        ShowError(QString::fromUtf8(error.what()));
         return false;
     }
 }
@@ -97,93 +84,42 @@ bool PictureFiles::OpenImageFile(PictureSlot slot, const QString& fileName) {
     return loaded;
 }
 
-bool PictureFiles::SaveImageDialog(PictureSlot slot, CommonDialog& dialog) {
-    try {
-        PrepareDialog(dialog, kSaveFilter, kSaveFlags, document_.SaveDialogFolder);
-        dialog.ShowSave();
-        const QString fileName = dialog.FileName;
-        PumpEvents();
-        if (fileName.isEmpty()) {
-            return false;
-        }
-        PumpEvents();
-        const bool saved = SaveImageFile(slot, fileName, document_.FileSystem.ExtensionOf(fileName));
-        PumpEvents();
-        document_.SaveDialogFolder = fileName;
-        if (saved) {
-            document_.PictureName = QFileInfo(fileName).fileName();
-        }
-        return saved;
-    } catch (const std::exception& error) {
-        ShowError(QString::fromUtf8(error.what()), applicationTitle_);
-        return false;
-    }
-}
-
-bool PictureFiles::LoadImageFile(PictureSlot slot, const QString& fileName) {
-    const auto refuse = [this] {
-        ShowError(QStringLiteral("Unsupported file format!"), QStringLiteral("Error"));
-        return false;
-    };
-    try {
-        PixelArray pixels;
-        if (!document_.ImageCodec->Read(fileName.toStdString(), pixels)) {
-            return refuse();
-        }
-        document_.ImageWidth(slot) = ToInt16(static_cast<std::int64_t>(pixels.Width()));
-        document_.ImageHeight(slot) = ToInt16(static_cast<std::int64_t>(pixels.Height()));
-        if (pixels.Width() < kSmallestSide || pixels.Height() < kSmallestSide) {
-            return refuse();
-        }
-        document_.Transforms(slot).SetPicture(pixels);
-        ImageView& view = document_.Views(slot);
-        view.SetRedraw(false);
-        view.Show(pixels);
-        view.FitNew();
-        view.SetRedraw(true);
-        services_.UpdateZoomView(slot);
-        controls_.lbl_ImageInfo(slot).SetCaption(
-            ImageInfoText(document_.ImageWidth(slot), document_.ImageHeight(slot)));
-        controls_.lbl_ImageInfo(slot).RepaintNow();
-        document_.Transforms(slot).CopyPicture(document_.ImagePixels);
-        return true;
-    } catch (const std::exception& error) {
-        ShowError(QString::fromUtf8(error.what()), QStringLiteral("Error"));
-        return false;
-    }
-}
-
 bool PictureFiles::SaveImageFile(PictureSlot slot, const QString& fileName, const QString& formatText) {
     try {
-        PixelArray pixels;
-        document_.Transforms(slot).CopyPicture(pixels);
         const SaveFormat& format = FormatOf(formatText);
         if (format.hasQuality) {
             document_.ImageCodec->SetQuality(kSaveQuality);
         }
-        document_.ImageCodec->Write(pixels, fileName.toStdString(), format.extension);
+        document_.ImageCodec->Write(document_.WorkingPicture(slot), fileName.toStdString(), format.extension);
         return true;
     } catch (const std::exception& error) {
-        ShowError(QString::fromUtf8(error.what()), QStringLiteral("Error"));
+        ShowError(QString::fromUtf8(error.what()));
         return false;
     }
 }
 
+bool PictureFiles::SaveImageFileAs(PictureSlot slot, const QString& fileName) {
+    const bool saved = SaveImageFile(slot, fileName, document_.FileSystem.ExtensionOf(fileName));
+    document_.SaveDialogFolder = fileName;
+    if (saved) {
+        document_.PictureName = QFileInfo(fileName).fileName();
+    }
+    return saved;
+}
+
 void PictureFiles::ReadImageWidth(PictureSlot slot) {
     CarryOn([&] {
-        PixelArray pixels;
-        document_.Transforms(slot).CopyPicture(pixels);
-        document_.ImageWidth(slot) =
-            ToInt16(static_cast<std::int64_t>(document_.ImageUtility->Width(pixels)));
+        if (const PixelArray& picture = document_.WorkingPicture(slot); !picture.IsEmpty()) {
+            document_.ImageWidth(slot) = ToInt16(static_cast<std::int64_t>(picture.Width()));
+        }
     });
 }
 
 void PictureFiles::ReadImageHeight(PictureSlot slot) {
     CarryOn([&] {
-        PixelArray pixels;
-        document_.Transforms(slot).CopyPicture(pixels);
-        document_.ImageHeight(slot) =
-            ToInt16(static_cast<std::int64_t>(document_.ImageUtility->Height(pixels)));
+        if (const PixelArray& picture = document_.WorkingPicture(slot); !picture.IsEmpty()) {
+            document_.ImageHeight(slot) = ToInt16(static_cast<std::int64_t>(picture.Height()));
+        }
     });
 }
 

@@ -1,10 +1,7 @@
-// How a picture file becomes the picture on screen, and the picture on screen a file again.
+// How a picture file becomes the working picture, and the working picture a file again.
 #pragma once
 
-#include "controls/CommonDialog.h"
-#include "controls/ControlArray.h"
-#include "controls/Label.h"
-#include "editor/EditorServices.h"
+#include "editor/EditorObserver.h"
 #include "editor/Image_Mods.h"
 #include "platform/Messages.h"
 
@@ -12,43 +9,35 @@
 
 namespace pictorel {
 
-struct PictureFilesControls {
-    ControlArray<Label> lbl_ImageInfo; // size of the picture, one a slot
-};
-
 class PictureFiles {
   public:
-    PictureFiles(Image_Mods& document, PictureFilesControls controls, EditorServices& services,
-                 Messages& messages, QString applicationTitle);
+    PictureFiles(Image_Mods& document, EditorObserver*& observer, Messages& messages);
 
-    // Both show their dialog and then load or save; True when a file was chosen and that went well.
-    bool OpenImageDialog(PictureSlot slot, CommonDialog& dialog);
-    bool SaveImageDialog(PictureSlot slot, CommonDialog& dialog);
-
-    // LoadImageFile, after which the Open dialog begins in the file's folder.
-    bool OpenImageFile(PictureSlot slot, const QString& fileName);
-
-    // Loads the file into the slot and shows it. False, after a message, for a file that is no picture of at
-    // least 2 x 2 pixels; what was open then stays on screen.
+    // Loads the file into the slot and has it shown. False, after a message, for a file that is no picture of
+    // at least 2 x 2 pixels; whatever was open then stays as it was, its size included.
     bool LoadImageFile(PictureSlot slot, const QString& fileName);
+
+    // LoadImageFile for a file that the person chose: the Open dialog begins there from now on.
+    bool OpenImageFile(PictureSlot slot, const QString& fileName);
 
     // Writes the slot's working picture in the format that the extension names, any letter case. False, after
     // a message, when that is none of kSaveFormats or writing failed; a file that was there is then still
     // whole.
     bool SaveImageFile(PictureSlot slot, const QString& fileName, const QString& formatText);
 
-    // Refresh the size tables from the working picture; on an error the old value stays.
+    // SaveImageFile for a file that the person chose: the Save dialog begins there from now on.
+    bool SaveImageFileAs(PictureSlot slot, const QString& fileName);
+
+    // Refresh the size tables from the working picture; without one the old value stays.
     void ReadImageWidth(PictureSlot slot);
     void ReadImageHeight(PictureSlot slot);
 
   private:
-    void ShowError(const QString& text, const QString& title);
+    void ShowError(const QString& text);
 
     Image_Mods& document_;
-    PictureFilesControls controls_;
-    EditorServices& services_;
+    EditorObserver*& observer_;
     Messages& messages_;
-    QString applicationTitle_;
 };
 
 // "(W x H) : 800 x 600"

@@ -1,32 +1,50 @@
-// The reduced copy of the picture, 250 pixels wide, that slider previews start from.
+// The reduced copy of the picture, 250 pixels wide, that slider previews are shown on, and the finer copies
+// that they are worked out on.
 #pragma once
 
-#include "editor/ImageConvert.h"
+#include "editor/EditorObserver.h"
+#include "editor/FinerCopies.h"
 #include "editor/Image_Mods.h"
 #include "editor/PictureFiles.h"
+
+#include <optional>
 
 namespace pictorel {
 
 class ReducedCopy {
   public:
-    ReducedCopy(Image_Mods& document, PictureFiles& files, ImageConvert& convert);
+    ReducedCopy(Image_Mods& document, PictureFiles& files, EditorObserver*& observer);
 
-    // Writes "tmp_preview.jpg" in the temporary folder from the picture of the slot as the view shows it: the
-    // whole picture, or the visible part when zoomed in beyond 100 %. A step that fails is skipped.
+    // Writes "tmp_preview.jpg" among the working files from the picture of the slot as it is seen: the whole
+    // picture, or the visible part when zoomed in beyond 100 %. A step that fails is skipped.
     void UpdatePreviewImage(PictureSlot slot);
 
-    // Reads the file into PreviewPixels and shows it, fitted, in `view`. Stops at the first error.
-    void ShowImagePreview(const QString& fileName, ImageView& view);
+    // Reads the file into PreviewPixels and has it shown. Stops at the first error and is then false.
+    bool ShowImagePreview(const QString& fileName);
 
-    QString FileName(); // of "tmp_preview.jpg"
+    // What the operation makes of the copy that PreviewPixels hold, in their size. Throws ImagingError, and
+    // NumberError from the operation's numbers.
+    PixelArray Preview(const OperationRow& row, const Values& values);
+
+    // Makes the copy that the operation's preview needs, so that the first change need not wait for it.
+    void Prepare(const OperationRow& row);
+
+    // The picture is another now: what the finer copies were made from must not be kept for them.
+    void Forget() { finer_.reset(); }
+
+    QString FileName() const { return document_.WorkingFile(QStringLiteral("tmp_preview.jpg")); }
 
   private:
-    void ConvertWholePicture(PictureSlot slot, const QString& intermediate);
-    void ConvertVisiblePart(PictureSlot slot, const QString& intermediate);
+    void WritePart(PictureSlot slot, const ShownPart& part, const QString& intermediate);
+    void WriteReduced(const PixelArray& picture);
 
     Image_Mods& document_;
     PictureFiles& files_;
-    ImageConvert& convert_;
+    EditorObserver*& observer_;
+    std::optional<FinerCopies> finer_;
 };
+
+// A part of a picture as a picture of its own, cut to what there is of it.
+PixelArray CutOut(const PixelArray& picture, int left, int top, int width, int height);
 
 } // namespace pictorel

@@ -9,8 +9,6 @@
 namespace pictorel {
 namespace {
 
-constexpr std::int16_t kDerive = -1;
-
 QString Joined(std::int16_t width, std::int16_t height) {
     return QStringLiteral("%1,%2").arg(width).arg(height);
 }
@@ -35,10 +33,10 @@ QString ComputeResizeSize(std::int16_t width0, std::int16_t height0, std::int16_
         return Joined(Share(width0, percent), Share(height0, percent));
     }
     QString result;
-    if (height == kDerive) {
+    if (height == kDeriveSide) {
         result = Joined(width, InProportion(width, width0, height0));
     }
-    if (width == kDerive) {
+    if (width == kDeriveSide) {
         result = Joined(InProportion(height, height0, width0), height);
     }
     return result;

@@ -13,6 +13,8 @@ namespace pictorel {
 QString ComputeResizeSize(std::int16_t width0, std::int16_t height0, std::int16_t width, std::int16_t height,
                           bool byPercent, std::int16_t percent);
 
+inline constexpr std::int16_t kDeriveSide = -1; // the side that follows from the other
+
 struct PictureSize {
     std::int16_t width;
     std::int16_t height;

@@ -128,7 +128,7 @@ QString SliderValueText(int slider, std::int32_t value) {
     return Whole(value * 2, false);
 }
 
-OperationParameters GatherParameters(int slider, const std::function<std::int32_t(int)>& valueOf) {
+Values GatherParameters(int slider, const std::function<std::int32_t(int)>& valueOf) {
     const SliderRow& row = kCatalogue.at(static_cast<std::size_t>(slider));
     if (row.gathering == Triple) {
         return {valueOf(row.firstOfTriple), valueOf(row.firstOfTriple + 1), valueOf(row.firstOfTriple + 2)};

@@ -14,6 +14,7 @@
 namespace pictorel {
 
 inline constexpr int kSliderCount = 34;
+inline constexpr std::array kSliderGroups{1, 2, 3}; // that are reset together: Adjustments, Filters, Effects
 
 enum class SliderPage { Adjustments, Filters, Effects };
 
@@ -64,6 +65,6 @@ std::span<const int> SlidersOfPage(SliderPage page) noexcept;
 QString SliderValueText(int slider, std::int32_t value);
 
 // The parameters of slider i's operation; `valueOf` gives the value a slider has now.
-OperationParameters GatherParameters(int slider, const std::function<std::int32_t(int)>& valueOf);
+Values GatherParameters(int slider, const std::function<std::int32_t(int)>& valueOf);
 
 } // namespace pictorel

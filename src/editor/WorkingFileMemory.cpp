@@ -1,8 +1,6 @@
 // Remembers which pixels the newest working file holds, see WorkingFileMemory.h.
 #include "editor/WorkingFileMemory.h"
 
-#include "editor/FinerCopies.h"
-
 #include <filesystem>
 
 namespace pictorel {
@@ -10,23 +8,15 @@ namespace pictorel {
 void WorkingFileMemory::Remember(const std::string& fileName, const PixelArray& picture) {
     if (picture.Reduction() != 1.0) {
         Forget(fileName); // a reduced copy must not push out the picture that it was made from
-        reducedName_ = fileName;
-        finer_ = picture.Finer();
         return;
     }
-    if (finer_ && !finer_->Picture().SharesPixelsWith(picture)) {
-        finer_.reset(); // the reduced copy is outdated, and a second picture would be kept for it
-    }
     fileName_ = fileName;
-    linkedName_.clear();
     picture_ = picture;
 }
 
 void WorkingFileMemory::FileRenamed(const std::string& from, const std::string& to) {
     if (from == fileName_) {
         fileName_ = to;
-    } else if (from == linkedName_) {
-        linkedName_ = to;
     } else {
         Forget(to); // another file has taken its place
     }
@@ -35,15 +25,8 @@ void WorkingFileMemory::FileRenamed(const std::string& from, const std::string& 
 void WorkingFileMemory::Forget(const std::string& fileName) {
     if (fileName == fileName_) {
         fileName_.clear();
-        linkedName_.clear();
         picture_ = PixelArray();
-    } else if (fileName == linkedName_) {
-        linkedName_.clear();
     }
-}
-
-std::shared_ptr<const FinerCopies> WorkingFileMemory::FinerOf(const std::string& fileName) const {
-    return fileName == reducedName_ ? finer_ : nullptr;
 }
 
 std::optional<std::string> WorkingFileMemory::FileOf(const PixelArray& picture) const {
@@ -51,12 +34,6 @@ std::optional<std::string> WorkingFileMemory::FileOf(const PixelArray& picture) 
                       picture_.Reduction() == picture.Reduction() && picture_.Details() == picture.Details();
     std::error_code error;
     return same && std::filesystem::exists(fileName_, error) ? std::optional(fileName_) : std::nullopt;
-}
-
-PixelArray WorkingFileMemory::PixelsOf(const std::string& fileName) const {
-    const bool known = !fileName.empty() && (fileName == fileName_ || fileName == linkedName_);
-    std::error_code error;
-    return known && std::filesystem::exists(fileName, error) ? picture_ : PixelArray();
 }
 
 bool WorkingFileMemory::LinkAs(const std::string& fileName, const PixelArray& picture) {
@@ -74,7 +51,6 @@ bool WorkingFileMemory::LinkAs(const std::string& fileName, const PixelArray& pi
     if (error) {
         return false;
     }
-    linkedName_ = fileName;
     return true;
 }
 

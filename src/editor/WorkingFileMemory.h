@@ -1,10 +1,8 @@
-// Remembers which pixels the newest working file holds, so that they are neither encoded nor decoded twice,
-// and what the reduced copy was made from.
+// Remembers which pixels the newest working file holds, so that they are neither encoded nor decoded twice.
 #pragma once
 
 #include "picture/PixelArray.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -16,17 +14,10 @@ class WorkingFileMemory {
   public:
     void Remember(const std::string& fileName, const PixelArray& picture);
 
-    // What the reduced copy in the file was made from; null for other files, and as soon as another picture
-    // is remembered. Only this memory keeps it alive.
-    std::shared_ptr<const FinerCopies> FinerOf(const std::string& fileName) const;
-
     void FileRenamed(const std::string& from, const std::string& to);
 
     // The file that holds exactly this picture, if it is the one remembered and still there.
     std::optional<std::string> FileOf(const PixelArray& picture) const;
-
-    // The pixels in the file, if it is the one remembered and still there; an empty array otherwise.
-    PixelArray PixelsOf(const std::string& fileName) const;
 
     // Makes sure that the file of this name holds the picture, by giving the remembered file a second name.
     // False where the picture is in no remembered file, or where the file system cannot.
@@ -36,11 +27,7 @@ class WorkingFileMemory {
     void Forget(const std::string& fileName); // it holds something else from now on
 
     std::string fileName_;
-    std::string linkedName_;
     PixelArray picture_;
-
-    std::string reducedName_;
-    std::shared_ptr<const FinerCopies> finer_;
 };
 
 } // namespace pictorel

@@ -49,14 +49,14 @@ void ShowSplashPopup(PopupControl& popup, const QWidget& window, const SplashPic
                      const QString& temporaryFolder) {
     const QString fileName = temporaryFolder + QStringLiteral("tmp0001.png");
     CarryOn([&] { WriteFile(fileName, splash.standard); }, //
-            [&] { WriteFile(DenseCompanion(fileName), splash.dense); }, [] { PumpEvents(); },
+            [&] { WriteFile(DenseCompanion(fileName), splash.dense); }, [] { LetAllEventsRun(); },
             [&] { Configure(popup, kSplash, fileName); },
             [&] {
                 const QRect screen = window.screen()->geometry();
                 popup.SetAnchor(screen.left() + screen.width() / 2.0 + popup.Width() / 2.0,
                                 screen.top() + screen.height() / 2.0 + popup.Height() / 2.0);
             },
-            [] { PumpEvents(); }, //
+            [] { LetAllEventsRun(); }, //
             [&] { popup.Show(); }, [&] { FileSystem().Delete(fileName); },
             [&] { FileSystem().Delete(DenseCompanion(fileName)); });
 }

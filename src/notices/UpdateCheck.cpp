@@ -56,7 +56,7 @@ QString ReadWebPageText(WebBrowser& browser, const QString& address) {
     while (page != nullptr && page->CurrentState() != WebBrowser::Complete) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
-    PumpEvents();
+    LetAllEventsRun();
     return page != nullptr ? page->BodyText() : QString();
 }
 

@@ -92,6 +92,24 @@ ImageView& frmPreview::View() {
     return *view_;
 }
 
+void frmPreview::ShowCopy(const PixelArray& reduced) {
+    constexpr double kSlightlySmaller = 0.001;
+    ImageView& view = View();
+    view.SetRedraw(false);
+    view.Show(reduced);
+    view.FitNew();
+    view.SetZoom(view.Zoom() - kSlightlySmaller);
+    view.SetRedraw(true);
+}
+
+void frmPreview::ShowPreview(const PixelArray& preview) {
+    ImageView& view = View();
+    view.SetRedraw(false);
+    view.Show(preview);
+    view.SetRedraw(true);
+    view.Fit();
+}
+
 void frmPreview::SetTitle(const QString& title) {
     View();
     window_->setWindowTitle(title);

@@ -1,7 +1,7 @@
 // The floating window that shows the preview of an adjustment while its slider is held.
 #pragma once
 
-#include "panels/LivePreview.h"
+#include "panels/PreviewWindow.h"
 #include "view/PictureView.h"
 
 #include <QWidget>
@@ -25,7 +25,11 @@ class frmPreview : public PreviewWindow {
     frmPreview(QWidget& owner, std::function<PreviewPlacement()> placement);
     ~frmPreview() override;
 
-    ImageView& View() override;
+    // The view inside, loading the window where it is not loaded.
+    ImageView& View();
+
+    void ShowCopy(const PixelArray& reduced) override;
+    void ShowPreview(const PixelArray& preview) override;
     void SetTitle(const QString& title) override;
     void ShowModeless() override;
     bool IsShown() const override;

@@ -5,16 +5,18 @@
 #include "controls/Events.h"
 #include "controls/Label.h"
 #include "controls/ProgressBar.h"
-#include "controls/PushButton.h"
-#include "controls/ReportList.h"
 #include "controls/Slider.h"
 #include "controls/TabControl.h"
-#include "editor/EditHistory.h"
-#include "editor/EditorServices.h"
-#include "editor/OperationDispatcher.h"
-#include "editor/ReducedCopy.h"
+#include "editor/Editor.h"
+#include "editor/SliderCatalogue.h"
+#include "panels/HistoryPanel.h"
+#include "panels/PictureControls.h"
+#include "panels/PreviewWindow.h"
 
+#include <array>
+#include <cstdint>
 #include <functional>
+#include <utility>
 
 namespace pictorel {
 
@@ -24,37 +26,21 @@ struct LivePreviewControls {
     ControlArray<Label> lbl_SliderName;
     TabControl& TabControl_Effects;
     ProgressBar& ProgressBarControl;
-    ReportList& HistoryList;
-    PushButton& UndoButton;
-    PushButton& RedoButton;
-};
-
-// The floating window that shows the preview.
-class PreviewWindow {
-  public:
-    virtual ~PreviewWindow() = default;
-
-    virtual ImageView& View() = 0; // loads the window where it is not loaded, without showing it
-    virtual void SetTitle(const QString& title) = 0;
-    virtual void ShowModeless() = 0;
-    virtual bool IsShown() const = 0;
-    virtual void RepaintNow() = 0;
-    virtual void Unload() = 0;
 };
 
 class LivePreview {
   public:
-    LivePreview(Image_Mods& document, LivePreviewControls controls, OperationDispatcher& dispatcher,
-                ReducedCopy& reducedCopy, EditHistory& history, EditorServices& services,
-                PreviewWindow& window);
+    LivePreview(Editor& editor, LivePreviewControls controls, PictureControls& pictureControls,
+                HistoryPanel& historyPanel, PreviewWindow& window);
 
     void Slider_Tab_MouseDown(int slider);
     void Slider_Tab_Change(int slider);
     void Slider_Tab_MouseUp(int slider);
     void Slider_Tab_Cancelled(int slider);
 
-    // The reduced copy no longer matches what the view shows and is rebuilt before the next preview.
-    bool PreviewOutdated = false;
+    // Marks the sliders that stand away from their default while the picture has no such edit.
+    void ShowPending();
+    void HistoryChanged();
 
     // Where the preview window goes, twips on the screen; computed at each press.
     std::int32_t PreviewWindowTop = 0;
@@ -64,17 +50,26 @@ class LivePreview {
     std::function<std::pair<float, float>()> WindowPosition;
 
   private:
+    void PlaceWindow(int slider);
     void WriteValueText(int slider);
     void Commit(int slider);
     void Progress(int value);
+    bool IsPending(int slider) const;
 
-    Image_Mods& document_;
+    Editor& editor_;
     LivePreviewControls controls_;
-    OperationDispatcher& dispatcher_;
-    ReducedCopy& reducedCopy_;
-    EditHistory& history_;
-    EditorServices& services_;
+    PictureControls& pictureControls_;
+    HistoryPanel& historyPanel_;
     PreviewWindow& window_;
+
+    // By slider: the state that its last commit made, 0 for none, and the value that it stood at.
+    struct LastEdit {
+        std::uint64_t state = 0;
+        int value = 0;
+    };
+    std::array<LastEdit, kSliderCount> edits_{};
+    bool modifiedBefore_ = false; // the changed mark before the press or the first key
+    bool trying_ = false;         // between that and its commit or its end
     Events events_;
 };
 

@@ -1,11 +1,13 @@
 // The Resize page, see ResizePanel.h.
 #include "panels/ResizePanel.h"
 
+#include "controls/FocusKeeper.h"
 #include "editor/ResizeArithmetic.h"
+#include "panels/IconTable.h"
 #include "picture/Limits.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
-#include "platform/PumpEvents.h"
+#include "platform/Texts.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,12 +15,8 @@
 namespace pictorel {
 namespace {
 
-constexpr PictureSlot kSlot = 0;
-constexpr std::int16_t kDerive = -1;
 constexpr int kOriginalLine = 0;
 constexpr int kNewLine = 1;
-constexpr int kLockedIcon = 2;
-constexpr int kUnlockedIcon = 3;
 
 enum ResizeMode { OriginalSize, Predefined, Custom, Percentage };
 
@@ -29,14 +27,11 @@ void Write(Label& label, const QString& text) {
 
 } // namespace
 
-ResizePanel::ResizePanel(Image_Mods& document, PictureFiles& files, ResizePanelControls controls,
-                         ImageOperations& operations, EditHistory& history, const IconStore& icons,
-                         Messages& messages, RefitView refitView)
-    : document_(document),
-      files_(files),
+ResizePanel::ResizePanel(Editor& editor, ResizePanelControls controls, HistoryPanel& historyPanel,
+                         const IconStore& icons, Messages& messages, RefitView refitView)
+    : editor_(editor),
       controls_(std::move(controls)),
-      operations_(operations),
-      history_(history),
+      historyPanel_(historyPanel),
       icons_(icons),
       messages_(messages),
       refitView_(std::move(refitView)) {
@@ -61,10 +56,11 @@ void ResizePanel::ClearList() {
 }
 
 void ResizePanel::RadioButton_Resize_Click(int mode) {
+    mode_ = mode;
     const bool custom = mode == Custom;
     if (custom) {
-        CarryOn([&] { controls_.UpDown_ImageWidth.SetValue(document_.ImageWidth(kSlot)); },
-                [&] { controls_.UpDown_ImageHeight.SetValue(document_.ImageHeight(kSlot)); });
+        CarryOn([&] { controls_.UpDown_ImageWidth.SetValue(PictureWidth()); },
+                [&] { controls_.UpDown_ImageHeight.SetValue(PictureHeight()); });
     }
     CarryOn(
         [&] {
@@ -82,12 +78,11 @@ void ResizePanel::RadioButton_Resize_Click(int mode) {
             (this->*setField)(controls_.Txt_ImageWidth, controls_.UpDown_ImageWidth);
             (this->*setField)(controls_.Txt_ImageHeight, controls_.UpDown_ImageHeight);
         },
-        [&] { controls_.LockButton.SetEnabled(custom); },
         [&] {
             const auto setField = mode == Percentage ? &ResizePanel::EnableField : &ResizePanel::DisableField;
             (this->*setField)(controls_.Txt_ResizePercent, controls_.UpDown_ResizePercent);
         },
-        [&] { controls_.ApplyButton.SetEnabled(mode != OriginalSize); },
+        [&] { SettleButtons(); },
         [&] {
             if (custom) {
                 // Last the width: a picture larger than the spinners count shows two sides that belong
@@ -101,19 +96,40 @@ void ResizePanel::RadioButton_Resize_Click(int mode) {
                 UpDown_ResizePercent_Change();
             }
         },
-        [&] { files_.ReadImageWidth(kSlot); }, //
-        [&] { files_.ReadImageHeight(kSlot); },
-        [&] {
-            const QString original = PixelSizeText(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot));
-            Write(controls_.lbl_Resize(kOriginalLine), original);
-            if (mode == OriginalSize) {
-                Write(controls_.lbl_Resize(kNewLine), original);
-            }
-        });
+        [&] { editor_.Files.ReadImageWidth(kSlot); },  //
+        [&] { editor_.Files.ReadImageHeight(kSlot); }, //
+        [&] { ShowSizes(); });
+}
+
+void ResizePanel::ResetToOriginalSize() {
+    CarryOn([&] { controls_.RadioButton_Resize(OriginalSize).setChecked(true); },
+            [&] { RadioButton_Resize_Click(OriginalSize); });
+}
+
+void ResizePanel::SettleButtons() {
+    controls_.LockButton.SetEnabled(mode_ == Custom);
+    controls_.ApplyButton.SetEnabled(mode_ != OriginalSize);
+}
+
+void ResizePanel::ShowSizes() {
+    const QString original = PixelSizeText(PictureWidth(), PictureHeight());
+    Write(controls_.lbl_Resize(kOriginalLine), original);
+    if (mode_ == OriginalSize) {
+        Write(controls_.lbl_Resize(kNewLine), original);
+    }
+}
+
+void ResizePanel::PictureSizeChanged() {
+    if (applying_ || mode_ == OriginalSize || mode_ == Predefined) {
+        ShowSizes(); // what was chosen or computed before holds for any picture
+    } else {
+        RadioButton_Resize_Click(mode_);
+    }
 }
 
 void ResizePanel::Combo_ResizePredefined_Click() {
-    if (controls_.Combo_ResizePredefined.SelectedText().trimmed().isEmpty()) {
+    // Filling the list selects a row as well, which nobody chose.
+    if (mode_ != Predefined || controls_.Combo_ResizePredefined.SelectedText().trimmed().isEmpty()) {
         return;
     }
     CarryOn([&] { UseSize(controls_.Combo_ResizePredefined.SelectedData()); });
@@ -152,9 +168,8 @@ void ResizePanel::UpDown_ImageWidth_Change() {
             ShowNewSize();
             return;
         }
-        UseComputedSize(ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), width,
-                                          kDerive, false, 0),
-                        width > document_.ImageWidth(kSlot));
+        UseComputedSize(ComputeResizeSize(PictureWidth(), PictureHeight(), width, kDeriveSide, false, 0),
+                        width > PictureWidth());
         controls_.Txt_ImageHeight.setText(isTooLarge_ ? QString() : QString::number(NewHeight));
     });
 }
@@ -167,17 +182,14 @@ void ResizePanel::UpDown_ImageHeight_Change() {
             ShowNewSize();
             return;
         }
-        UseComputedSize(ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), kDerive,
-                                          height, false, 0),
-                        height > document_.ImageHeight(kSlot));
+        UseComputedSize(ComputeResizeSize(PictureWidth(), PictureHeight(), kDeriveSide, height, false, 0),
+                        height > PictureHeight());
         controls_.Txt_ImageWidth.setText(isTooLarge_ ? QString() : QString::number(NewWidth));
     });
 }
 
 void ResizePanel::UsePercent(std::int16_t percent) {
-    UseComputedSize(
-        ComputeResizeSize(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot), 0, 0, true, percent),
-        percent > 100);
+    UseComputedSize(ComputeResizeSize(PictureWidth(), PictureHeight(), 0, 0, true, percent), percent > 100);
 }
 
 void ResizePanel::UpDown_ResizePercent_Change() {
@@ -213,43 +225,20 @@ bool ResizePanel::MayApply() {
 
 void ResizePanel::Apply_Click() {
     bool mayApply = false;
-    CarryOn([&] { SettleTyping(); }, [&] { mayApply = MayApply(); });
+    CarryOn([&] { SettleTyping(); }, [&] { mayApply = mode_ != OriginalSize && MayApply(); });
     if (!mayApply) {
         return;
     }
-    const bool wasModified = document_.ImageModified(kSlot);
+    const FocusKeeper focus(controls_.ApplyButton);
+    applying_ = true;
     CarryOn([&] { controls_.ApplyButton.SetEnabled(false); },
-            [&] { operations_.ApplyImageOperation(kSlot, kResizeOperation, false, NewWidth, NewHeight, 0); },
-            [] { PumpWindowEvents(); },            //
-            [&] { files_.ReadImageWidth(kSlot); }, //
-            [&] { files_.ReadImageHeight(kSlot); });
-    if (document_.ImageWidth(kSlot) == NewWidth && document_.ImageHeight(kSlot) == NewHeight) {
-        FinishApply();
-    } else {
-        CarryOn([&] { document_.ImageModified(kSlot) = wasModified; },
-                [&] {
-                    messages_.Show(QStringLiteral("There is not enough memory to make the picture %1.")
-                                       .arg(PixelSizeText(NewWidth, NewHeight)),
-                                   QStringLiteral("Resize"), MessageIcon::Exclamation);
-                });
-    }
-    CarryOn([&] { controls_.ApplyButton.SetEnabled(true); });
-}
-
-void ResizePanel::FinishApply() {
-    CarryOn(
-        [&] {
-            const int width = document_.ImageWidth(kSlot);
-            const int height = document_.ImageHeight(kSlot);
-            Write(controls_.lbl_ImageInfo, ImageInfoText(width, height));
-            Write(controls_.lbl_Resize(kOriginalLine), PixelSizeText(width, height));
-        },
-        [&] { refitView_(); },
-        [&] { history_.AddHistoryEntry(QStringLiteral("Resize"), kSlot, controls_.HistoryList); },
-        [&] {
-            EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton,
-                                               controls_.HistoryList);
-        });
+            [&] {
+                editor_.Commit(FromView(RowOf(Operation::Resize).caption), Operation::Resize,
+                               {NewWidth, NewHeight, 0}, refitView_);
+            },
+            [&] { historyPanel_.UpdateUndoRedoButtons(); }, //
+            [&] { controls_.ApplyButton.SetEnabled(true); });
+    applying_ = false;
 }
 
 } // namespace pictorel

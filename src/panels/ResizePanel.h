@@ -9,11 +9,9 @@
 #include "controls/Label.h"
 #include "controls/PushButton.h"
 #include "controls/RadioButton.h"
-#include "controls/ReportList.h"
 #include "controls/UpDown.h"
-#include "editor/EditHistory.h"
-#include "editor/ImageOperations.h"
-#include "editor/PictureFiles.h"
+#include "editor/Editor.h"
+#include "panels/HistoryPanel.h"
 #include "platform/Messages.h"
 
 #include <QIcon>
@@ -34,10 +32,6 @@ struct ResizePanelControls {
     PushButton& ApplyButton;        // Cmd_Tab(3)
     PushButton& LockButton;         // Cmd_Tab(4); its tag "1" means locked
     ControlArray<Label> lbl_Resize; // 0 the original size, 1 the new one
-    Label& lbl_ImageInfo;
-    PushButton& UndoButton;
-    PushButton& RedoButton;
-    ReportList& HistoryList;
 };
 
 // What "Apply" needs of the view: fit the resized picture to it.
@@ -45,11 +39,14 @@ using RefitView = std::function<void()>;
 
 class ResizePanel {
   public:
-    ResizePanel(Image_Mods& document, PictureFiles& files, ResizePanelControls controls,
-                ImageOperations& operations, EditHistory& history, const IconStore& icons, Messages& messages,
-                RefitView refitView);
+    ResizePanel(Editor& editor, ResizePanelControls controls, HistoryPanel& historyPanel,
+                const IconStore& icons, Messages& messages, RefitView refitView);
 
     void RadioButton_Resize_Click(int mode);
+    void ResetToOriginalSize(); // the mode of a picture just opened, its button marked
+
+    void PictureSizeChanged(); // by a turn, by undo, by another picture: lines and fields tell the present
+    void SettleButtons();      // "Apply" and the lock follow the mode, also where all controls went on
     void Combo_ResizePredefined_Click();
     void UpDown_ImageWidth_Change();
     void UpDown_ImageHeight_Change();
@@ -78,17 +75,19 @@ class ResizePanel {
     void UsePercent(std::int16_t percent);
     void ShowNewSize();
     bool MayApply(); // after a message where not
-    void FinishApply();
+    void ShowSizes();
+    std::int16_t PictureWidth() const { return editor_.Document.ImageWidth(kSlot); }
+    std::int16_t PictureHeight() const { return editor_.Document.ImageHeight(kSlot); }
     bool IsLocked() const { return controls_.LockButton.Tag() == QStringLiteral("1"); }
 
-    Image_Mods& document_;
-    PictureFiles& files_;
+    Editor& editor_;
     ResizePanelControls controls_;
-    ImageOperations& operations_;
-    EditHistory& history_;
+    HistoryPanel& historyPanel_;
     const IconStore& icons_;
     Messages& messages_;
     RefitView refitView_;
+    int mode_ = 0;            // element of RadioButton_Resize
+    bool applying_ = false;   // what changes the size is "Apply" itself
     bool isTooLarge_ = false; // the size asked for last; NewWidth and NewHeight are then those before it
     Events events_;
 };

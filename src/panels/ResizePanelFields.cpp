@@ -6,7 +6,6 @@
 namespace pictorel {
 namespace {
 
-constexpr PictureSlot kSlot = 0;
 constexpr int kBackspace = 8;
 
 } // namespace
@@ -16,10 +15,10 @@ void ResizePanel::BindFields() {
     BindField(controls_.Txt_ImageHeight, controls_.UpDown_ImageHeight);
     BindField(controls_.Txt_ResizePercent, controls_.UpDown_ResizePercent);
     events_.On(controls_.Txt_ImageWidth, &EditField::textChanged, [this](const QString&) {
-        Box_Change(controls_.Txt_ImageWidth, controls_.UpDown_ImageWidth, document_.ImageWidth);
+        Box_Change(controls_.Txt_ImageWidth, controls_.UpDown_ImageWidth, editor_.Document.ImageWidth);
     });
     events_.On(controls_.Txt_ImageHeight, &EditField::textChanged, [this](const QString&) {
-        Box_Change(controls_.Txt_ImageHeight, controls_.UpDown_ImageHeight, document_.ImageHeight);
+        Box_Change(controls_.Txt_ImageHeight, controls_.UpDown_ImageHeight, editor_.Document.ImageHeight);
     });
     events_.On(controls_.Txt_ResizePercent, &EditField::textChanged,
                [this](const QString&) { Txt_ResizePercent_Change(); });
@@ -108,6 +107,7 @@ void ResizePanel::SettleTyping() {
                                Field{controls_.Txt_ResizePercent, controls_.UpDown_ResizePercent}}) {
         if (field.box.isModified()) {
             Box_LostFocus(field.box, field.spinner);
+            field.box.setText(field.box.text()); // from here on Ctrl+Z is the picture's
         }
     }
 }

@@ -1,69 +1,39 @@
 // Quarter turns and mirrors, see RotateFlip.h.
 #include "panels/RotateFlip.h"
 
+#include "controls/FocusKeeper.h"
 #include "platform/CarryOn.h"
+#include "platform/Texts.h"
+
+#include <utility>
 
 namespace pictorel {
-namespace {
 
-constexpr PictureSlot kSlot = 0;
-
-} // namespace
-
-RotateFlip::RotateFlip(Image_Mods& document, PictureFiles& files, RotateFlipControls controls,
-                       OperationDispatcher& dispatcher, EditHistory& history, EditorServices& services,
-                       LivePreview& livePreview)
-    : document_(document),
-      files_(files),
-      controls_(controls),
-      dispatcher_(dispatcher),
-      history_(history),
-      services_(services),
-      livePreview_(livePreview) {
-    events_.On(controls_.Cmd_RotateLeft, &PushButton::clicked, [this] { Cmd_RotateLeft_Click(); });
-    events_.On(controls_.Cmd_RotateRight, &PushButton::clicked, [this] { Cmd_RotateRight_Click(); });
-    events_.On(controls_.Cmd_FlipV, &PushButton::clicked, [this] { Cmd_FlipV_Click(); });
-    events_.On(controls_.Cmd_FlipH, &PushButton::clicked, [this] { Cmd_FlipH_Click(); });
+RotateFlip::RotateFlip(Editor& editor, RotateFlipControls controls, HistoryPanel& historyPanel,
+                       std::function<void()> fitView)
+    : editor_(editor), controls_(controls), historyPanel_(historyPanel), fitView_(std::move(fitView)) {
+    struct Row {
+        PushButton& button;
+        Operation operation;
+        bool refits; // the picture's sides change places
+    };
+    for (const Row& row : {Row{controls_.Cmd_RotateLeft, Operation::TurnLeft, true},
+                           Row{controls_.Cmd_RotateRight, Operation::TurnRight, true},
+                           Row{controls_.Cmd_FlipV, Operation::FlipVertical, false},
+                           Row{controls_.Cmd_FlipH, Operation::FlipHorizontal, false}}) {
+        events_.On(row.button, &PushButton::clicked,
+                   [this, &button = row.button, operation = row.operation, refits = row.refits] {
+                       Edit(button, operation, refits ? fitView_ : std::function<void()>());
+                   });
+    }
 }
 
-void RotateFlip::Flip(PushButton& button, Operation operation, const char* caption) {
-    CarryOn([&] { button.SetEnabled(false); }, //
-            [&] { Apply(operation); },         //
-            [&] { Record(caption); },          //
-            [&] { livePreview_.PreviewOutdated = true; }, [&] { button.SetEnabled(true); });
-}
-
-void RotateFlip::Turn(PushButton& button, Operation operation, const char* caption) {
-    CarryOn([&] { button.SetEnabled(false); },        //
-            [&] { Apply(operation); },                //
-            [&] { files_.ReadImageWidth(kSlot); },    //
-            [&] { files_.ReadImageHeight(kSlot); },   //
-            [&] { document_.Views(kSlot).Fit(); },    //
-            [&] { services_.UpdateZoomView(kSlot); }, //
-            [&] { Record(caption); },
-            [&] {
-                controls_.lbl_ImageInfo.SetCaption(
-                    ImageInfoText(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot)));
-                controls_.lbl_ImageInfo.RepaintNow();
-            },
-            [&] {
-                controls_.lbl_ResizeOriginal.SetCaption(
-                    PixelSizeText(document_.ImageWidth(kSlot), document_.ImageHeight(kSlot)));
-                controls_.lbl_ResizeOriginal.RepaintNow();
-            },
-            [&] { livePreview_.PreviewOutdated = true; }, [&] { button.SetEnabled(true); });
-}
-
-void RotateFlip::Apply(Operation operation) {
-    dispatcher_.ApplyImageOperation(kSlot, static_cast<std::int32_t>(operation), false, 0, 0, 0);
-}
-
-void RotateFlip::Record(const char* caption) {
-    CarryOn([&] { history_.AddHistoryEntry(QString::fromLatin1(caption), kSlot, controls_.HistoryList); },
-            [&] {
-                EditHistory::UpdateUndoRedoButtons(controls_.UndoButton, controls_.RedoButton,
-                                                   controls_.HistoryList);
-            });
+void RotateFlip::Edit(PushButton& button, Operation operation, const std::function<void()>& afterApplying) {
+    const FocusKeeper focus(button);
+    CarryOn([&] { button.SetEnabled(false); },
+            [&] { editor_.Commit(FromView(RowOf(operation).caption), operation, {}, afterApplying); },
+            [&] { historyPanel_.UpdateUndoRedoButtons(); }, //
+            [&] { button.SetEnabled(true); });
 }
 
 } // namespace pictorel

@@ -2,13 +2,11 @@
 #pragma once
 
 #include "controls/Events.h"
-#include "controls/Label.h"
 #include "controls/PushButton.h"
-#include "controls/ReportList.h"
-#include "editor/EditHistory.h"
-#include "editor/OperationDispatcher.h"
-#include "editor/PictureFiles.h"
-#include "panels/LivePreview.h"
+#include "editor/Editor.h"
+#include "panels/HistoryPanel.h"
+
+#include <functional>
 
 namespace pictorel {
 
@@ -17,37 +15,21 @@ struct RotateFlipControls {
     PushButton& Cmd_RotateRight;
     PushButton& Cmd_FlipV;
     PushButton& Cmd_FlipH;
-    PushButton& UndoButton;
-    PushButton& RedoButton;
-    ReportList& HistoryList;
-    Label& lbl_ImageInfo;
-    Label& lbl_ResizeOriginal; // "Original size" line of the Resize panel
 };
 
 class RotateFlip {
   public:
-    RotateFlip(Image_Mods& document, PictureFiles& files, RotateFlipControls controls,
-               OperationDispatcher& dispatcher, EditHistory& history, EditorServices& services,
-               LivePreview& livePreview);
-
-    void Cmd_RotateLeft_Click() { Turn(controls_.Cmd_RotateLeft, Operation::TurnLeft, "Rotate Left"); }
-    void Cmd_RotateRight_Click() { Turn(controls_.Cmd_RotateRight, Operation::TurnRight, "Rotate Right"); }
-    void Cmd_FlipV_Click() { Flip(controls_.Cmd_FlipV, Operation::FlipVertical, "Flip Vertical"); }
-    void Cmd_FlipH_Click() { Flip(controls_.Cmd_FlipH, Operation::FlipHorizontal, "Flip Horizontal"); }
+    // `fitView` shows the whole picture after a turn.
+    RotateFlip(Editor& editor, RotateFlipControls controls, HistoryPanel& historyPanel,
+               std::function<void()> fitView);
 
   private:
-    void Turn(PushButton& button, Operation operation, const char* caption);
-    void Flip(PushButton& button, Operation operation, const char* caption);
-    void Apply(Operation operation);
-    void Record(const char* caption);
+    void Edit(PushButton& button, Operation operation, const std::function<void()>& afterApplying);
 
-    Image_Mods& document_;
-    PictureFiles& files_;
+    Editor& editor_;
     RotateFlipControls controls_;
-    OperationDispatcher& dispatcher_;
-    EditHistory& history_;
-    EditorServices& services_;
-    LivePreview& livePreview_;
+    HistoryPanel& historyPanel_;
+    std::function<void()> fitView_;
     Events events_;
 };
 

@@ -1,6 +1,7 @@
 // The tool panels, see ToolPanels.h.
 #include "panels/ToolPanels.h"
 
+#include "controls/FocusKeeper.h"
 #include "editor/SliderCatalogue.h"
 #include "platform/CarryOn.h"
 
@@ -11,14 +12,10 @@
 namespace pictorel {
 namespace {
 
-constexpr PictureSlot kSlot = 0;
-constexpr int kUndoButton = 2;
-constexpr int kRedoButton = 3;
-
 struct OneClickRow {
     int element; // of Cmd_Tab
     Operation operation;
-    OperationParameters parameters;
+    Values values;
 };
 
 constexpr std::array<OneClickRow, 5> kOneClick{{
@@ -31,9 +28,12 @@ constexpr std::array<OneClickRow, 5> kOneClick{{
 
 } // namespace
 
-ToolPanels::ToolPanels(ToolPanelControls controls, OperationDispatcher& dispatcher, EditHistory& history,
+ToolPanels::ToolPanels(Editor& editor, ToolPanelControls controls, HistoryPanel& historyPanel,
                        LivePreview& livePreview)
-    : controls_(std::move(controls)), dispatcher_(dispatcher), history_(history), livePreview_(livePreview) {
+    : editor_(editor),
+      controls_(std::move(controls)),
+      historyPanel_(historyPanel),
+      livePreview_(livePreview) {
     const auto bind = [this](const ControlArray<PushButton>& buttons, void (ToolPanels::*handler)(int)) {
         for (int i = 0; i < buttons.Count(); ++i) {
             events_.On(buttons(i), &PushButton::clicked, [this, handler, i] { (this->*handler)(i); });
@@ -51,18 +51,10 @@ void ToolPanels::Cmd_Tab_Click(int index) {
         return;
     }
     PushButton& button = controls_.Cmd_Tab(index);
-    CarryOn([&] { button.SetEnabled(false); },
-            [&] {
-                const OperationParameters& p = row->parameters;
-                dispatcher_.ApplyImageOperation(kSlot, static_cast<std::int32_t>(row->operation), false,
-                                                p.value1, p.value2, p.value3);
-            },
-            [&] { livePreview_.PreviewOutdated = true; },
-            [&] { history_.AddHistoryEntry(button.Caption(), kSlot, controls_.HistoryList); },
-            [&] {
-                EditHistory::UpdateUndoRedoButtons(controls_.Cmd_Panel(kUndoButton),
-                                                   controls_.Cmd_Panel(kRedoButton), controls_.HistoryList);
-            },
+    const FocusKeeper focus(button);
+    CarryOn([&] { button.SetEnabled(false); }, //
+            [&] { editor_.Commit(button.Caption(), row->operation, row->values); },
+            [&] { historyPanel_.UpdateUndoRedoButtons(); }, //
             [&] { button.SetEnabled(true); });
 }
 
@@ -90,12 +82,7 @@ void ToolPanels::ResetSliderGroup(int group) {
     for (PushButton* const reset : controls_.Cmd_ResetEffects) {
         reset->SetVisible(false);
     }
-}
-
-void ToolPanels::SetEditingEnabled(bool enabled) {
-    for (Control* const control : controls_.pictureDependent) {
-        control->SetEnabled(enabled);
-    }
+    livePreview_.ShowPending();
 }
 
 } // namespace pictorel

@@ -1,35 +1,28 @@
-// The tool panels: one-click buttons, resets, and the switch of every picture-dependent control.
+// The tool panels: one-click buttons and resets.
 #pragma once
 
 #include "controls/ControlArray.h"
 #include "controls/Events.h"
-#include "controls/GroupBox.h"
 #include "controls/Label.h"
 #include "controls/PushButton.h"
-#include "controls/RadioButton.h"
-#include "controls/ReportList.h"
 #include "controls/Slider.h"
-#include "editor/EditHistory.h"
-#include "editor/OperationDispatcher.h"
+#include "editor/Editor.h"
+#include "panels/HistoryPanel.h"
 #include "panels/LivePreview.h"
 
 namespace pictorel {
 
 struct ToolPanelControls {
-    ControlArray<PushButton> Cmd_Panel;
     ControlArray<PushButton> Cmd_Tab;
     ControlArray<PushButton> Cmd_Reset;
     ControlArray<PushButton> Cmd_ResetEffects;
     ControlArray<Slider> Slider_Tab;
     ControlArray<Label> lbl_SliderTab;
-    ReportList& HistoryList;
-    // What SetEditingEnabled switches, in its order; Cmd_Panel(0), Open, is not among it.
-    std::vector<Control*> pictureDependent;
 };
 
 class ToolPanels {
   public:
-    ToolPanels(ToolPanelControls controls, OperationDispatcher& dispatcher, EditHistory& history,
+    ToolPanels(Editor& editor, ToolPanelControls controls, HistoryPanel& historyPanel,
                LivePreview& livePreview);
 
     void Cmd_Tab_Click(int index); // the one-click operations; other elements belong to the Resize panel
@@ -40,12 +33,10 @@ class ToolPanels {
     // than 1, 2 or 3 resets no slider.
     void ResetSliderGroup(int group);
 
-    void SetEditingEnabled(bool enabled);
-
   private:
+    Editor& editor_;
     ToolPanelControls controls_;
-    OperationDispatcher& dispatcher_;
-    EditHistory& history_;
+    HistoryPanel& historyPanel_;
     LivePreview& livePreview_;
     Events events_;
 };

@@ -10,8 +10,6 @@
 
 namespace pictorel {
 
-class FinerCopies;
-
 // A value: copying costs nothing, and writing to a shared array first makes it one's own. Dimension 1 are the
 // four components of a pixel in the order blue, green, red, alpha (not premultiplied; 255 opaque), dimension
 // 2 runs across the width, dimension 3 down the height. Rows start on 64-byte boundaries; what lies between
@@ -55,17 +53,12 @@ class PixelArray {
     double Reduction() const noexcept { return reduction_; }
     void SetReduction(double reduction) noexcept { reduction_ = reduction; }
 
-    // What a reduced copy was made from, while that is the open picture; null for other arrays.
-    std::shared_ptr<const FinerCopies> Finer() const noexcept { return finer_.lock(); }
-    void SetFiner(const std::shared_ptr<const FinerCopies>& finer) noexcept { finer_ = finer; }
-
     const Metadata& Details() const noexcept;
     void SetDetails(Metadata details);
 
   private:
     std::shared_ptr<std::uint8_t> buffer_;
     std::shared_ptr<const Metadata> details_;
-    std::weak_ptr<const FinerCopies> finer_;
     std::ptrdiff_t stride_ = 0;
     int width_ = 0;
     int height_ = 0;

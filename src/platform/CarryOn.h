@@ -6,15 +6,19 @@
 
 namespace pictorel {
 
-// Runs every step in order. A step that throws is dropped where it threw and the next one runs; nothing is
-// reported, which is what the handlers that use this promise. A value that a failing step was to set stays as
-// it was.
+// Writes to the log what a step that failed was about.
+void LogSkipped(const std::exception& error) noexcept;
+
+// Runs every step in order. A step that throws is dropped where it threw and the next one runs; the log says
+// what was dropped, the person is told nothing, which is what the handlers that use this promise. A value
+// that a failing step was to set stays as it was.
 template <typename... Steps>
 void CarryOn(Steps&&... steps) {
     const auto run = [](auto&& step) {
         try {
             step();
-        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): dropping it is the purpose
+        } catch (const std::exception& error) {
+            LogSkipped(error);
         }
     };
     (run(std::forward<Steps>(steps)), ...);
@@ -25,7 +29,8 @@ template <typename Routine>
 bool StopAtFirstError(Routine&& routine) {
     try {
         return std::forward<Routine>(routine)();
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        LogSkipped(error);
         return false;
     }
 }

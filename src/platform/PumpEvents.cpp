@@ -1,4 +1,4 @@
-// Lets pending window events run, see PumpEvents.h.
+// Lets events run in the middle of a handler, see PumpEvents.h.
 #include "platform/PumpEvents.h"
 
 #include <QCoreApplication>
@@ -6,12 +6,12 @@
 
 namespace pictorel {
 
-void PumpEvents() {
-    QCoreApplication::processEvents();
+void PaintPendingEvents() {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 
-void PumpWindowEvents() {
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+void LetAllEventsRun() {
+    QCoreApplication::processEvents();
 }
 
 } // namespace pictorel

@@ -1,7 +1,6 @@
 // The widget that shows one picture, see PictureView.h.
 #include "view/PictureView.h"
 
-#include "picture/ForEachBand.h"
 #include "picture/ImagingError.h"
 #include "view/ZoomLadder.h"
 
@@ -29,34 +28,6 @@ double CarriedCentre(double centre, int before, int after) {
         return 0.5 * after;
     }
     return before == after ? centre : std::clamp(centre / before, 0.0, 1.0) * after;
-}
-
-PixelArray Crop(const PixelArray& picture, Span across, Span down) {
-    PixelArray crop = PixelArray::Like(picture, across.Length(), down.Length());
-    std::uint8_t* const rows = crop.WritableRows();
-    ForEachBand(crop.Height(), 2 * crop.RowBytes(), [&](int first, int end) {
-        for (int y = first; y < end; ++y) {
-            std::copy_n(picture.Row(down.begin + y) + std::ptrdiff_t{4} * across.begin, crop.RowBytes(),
-                        rows + y * crop.Stride());
-        }
-    });
-    return crop;
-}
-
-// `picture` with the alpha of `plane`, of the same size.
-PixelArray WithAlphaOf(PixelArray picture, const PixelArray& plane) {
-    std::uint8_t* const rows = picture.WritableRows();
-    ForEachBand(picture.Height(), 2 * picture.RowBytes(), [&](int first, int end) {
-        for (int y = first; y < end; ++y) {
-            const std::uint8_t* const source = plane.Row(y);
-            std::uint8_t* const row = rows + y * picture.Stride();
-            for (int x = 0; x < picture.Width(); ++x) {
-                row[4 * x + 3] = plane.HasAlpha() ? source[4 * x + 3] : 255;
-            }
-        }
-    });
-    picture.SetHasAlpha(plane.HasAlpha());
-    return picture;
 }
 
 } // namespace
@@ -87,28 +58,10 @@ void PictureView::Show(const PixelArray& picture) {
     ViewChanged();
 }
 
-void PictureView::ShowSecondPlane(const PixelArray& plane) {
-    if (plane.Width() != Picture().Width() || plane.Height() != Picture().Height()) {
-        throw ImagingError(ImagingFailure::InvalidValue,
-                           "The transparency is not of the size of the picture that it belongs to.");
-    }
-    const bool sameAlpha =
-        plane.HasAlpha() == Picture().HasAlpha() && (!plane.HasAlpha() || plane.SharesPixelsWith(Picture()));
-    if (sameAlpha) {
-        return;
-    }
-    pyramid_ = pyramids_->Of(WithAlphaOf(Picture(), plane));
-    frameStale_ = true;
-    ViewChanged();
-}
-
-PixelArray PictureView::CopyAsShown() const {
+ShownPart PictureView::PartShown() const {
     const Span across = Across().Visible();
     const Span down = Down().Visible();
-    if (across.Length() == Picture().Width() && down.Length() == Picture().Height()) {
-        return Picture();
-    }
-    return Crop(Picture(), across, down);
+    return {zoom_, across.begin, down.begin, across.Length(), down.Length()};
 }
 
 void PictureView::SetRedraw(bool on) {

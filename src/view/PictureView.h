@@ -1,8 +1,8 @@
 // The widget that shows one picture, zoomed and moved.
 #pragma once
 
-#include "editor/ImageView.h"
 #include "picture/PicturePyramid.h"
+#include "view/ImageView.h"
 #include "view/ViewRenderer.h"
 
 #include <QImage>
@@ -30,11 +30,8 @@ class PictureView : public QWidget, public ImageView {
     // place of the centre, moved into the picture.
     void Show(const PixelArray& picture) override;
 
-    // A plane without alpha makes the picture opaque. Throws ImagingError(InvalidValue) for another size.
-    void ShowSecondPlane(const PixelArray& plane) override;
-
-    // Empty without a picture, one pixel when nothing of it can be seen.
-    PixelArray CopyAsShown() const override;
+    // One pixel when nothing of the picture can be seen.
+    ShownPart PartShown() const override;
 
     void SetRedraw(bool on) override;
     void SetBorderStyle(int style) override; // 0 none, 1 a thin line

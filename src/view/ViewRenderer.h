@@ -1,8 +1,8 @@
 // Draws what a view shows of a picture into memory; knows no window system.
 #pragma once
 
-#include "editor/ImageView.h"
 #include "picture/PicturePyramid.h"
+#include "view/ImageView.h"
 #include "view/ViewAxis.h"
 
 #include <cstddef>

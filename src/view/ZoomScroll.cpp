@@ -3,8 +3,8 @@
 
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
-#include "platform/PumpEvents.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -31,8 +31,8 @@ QString PercentText(int percent) {
 
 } // namespace
 
-ZoomScroll::ZoomScroll(Image_Mods& document, ZoomScrollControls controls, PreviewCopy preview)
-    : document_(document), controls_(std::move(controls)), preview_(std::move(preview)) {
+ZoomScroll::ZoomScroll(Editor& editor, ImageView& view, ZoomScrollControls controls)
+    : editor_(editor), view_(view), controls_(std::move(controls)) {
     for (int i = 0; i < controls_.Slider_ImageZoom.Count(); ++i) {
         events_.On(controls_.Cmd_ZoomIn(i), &PushButton::clicked, [this, i] { Cmd_ZoomIn_Click(i); });
         events_.On(controls_.Cmd_ZoomOut(i), &PushButton::clicked, [this, i] { Cmd_ZoomOut_Click(i); });
@@ -52,32 +52,47 @@ ZoomScroll::ZoomScroll(Image_Mods& document, ZoomScrollControls controls, Previe
     }
 }
 
+int ZoomScroll::OffsetX(PictureSlot slot) const {
+    return RoundDown(view_.CentreX() - 0.5 * editor_.Document.ImageWidth(slot));
+}
+
+int ZoomScroll::OffsetY(PictureSlot slot) const {
+    return RoundDown(view_.CentreY() - 0.5 * editor_.Document.ImageHeight(slot));
+}
+
 void ZoomScroll::ScrollImageView(PictureSlot slot) {
-    CarryOn([&] { document_.Views(slot).SetRedraw(false); },
+    const auto wasMoved = [](const ScrollBar& bar, int offset) {
+        return bar.value() != std::clamp(offset, bar.minimum(), bar.maximum());
+    };
+    CarryOn([&] { view_.SetRedraw(false); },
             [&] {
-                document_.Views(slot).SetCentreX(0.5 * document_.ImageWidth(slot) +
-                                                 controls_.ScrollBar_ImageX(slot).value());
+                const ScrollBar& bar = controls_.ScrollBar_ImageX(slot);
+                if (wasMoved(bar, OffsetX(slot))) {
+                    view_.SetCentreX(0.5 * editor_.Document.ImageWidth(slot) + bar.value());
+                }
             },
             [&] {
-                document_.Views(slot).SetCentreY(0.5 * document_.ImageHeight(slot) +
-                                                 controls_.ScrollBar_ImageY(slot).value());
+                const ScrollBar& bar = controls_.ScrollBar_ImageY(slot);
+                if (wasMoved(bar, OffsetY(slot))) {
+                    view_.SetCentreY(0.5 * editor_.Document.ImageHeight(slot) + bar.value());
+                }
             },
-            [&] { document_.Views(slot).SetZoom(controls_.Slider_ImageZoom(slot).Value() / 100.0); },
-            [&] { document_.Views(slot).SetRedraw(true); });
+            [&] {
+                const Slider& slider = controls_.Slider_ImageZoom(slot);
+                if (slider.Value() !=
+                    std::clamp(WholePercent(view_.Zoom()), slider.minimum(), slider.maximum())) {
+                    view_.SetZoom(slider.Value() / 100.0);
+                }
+            },
+            [&] { view_.SetRedraw(true); });
 }
 
 void ZoomScroll::UpdateZoomView(PictureSlot slot) {
     ZoomControlsSyncing = true;
     CarryOn(
-        [&] {
-            controls_.ScrollBar_ImageX(slot).setValue(
-                RoundDown(document_.Views(slot).CentreX() - 0.5 * document_.ImageWidth(slot)));
-        },
-        [&] {
-            controls_.ScrollBar_ImageY(slot).setValue(
-                RoundDown(document_.Views(slot).CentreY() - 0.5 * document_.ImageHeight(slot)));
-        },
-        [&] { controls_.Slider_ImageZoom(slot).SetValue(WholePercent(document_.Views(slot).Zoom())); },
+        [&] { controls_.ScrollBar_ImageX(slot).setValue(OffsetX(slot)); },
+        [&] { controls_.ScrollBar_ImageY(slot).setValue(OffsetY(slot)); },
+        [&] { controls_.Slider_ImageZoom(slot).SetValue(WholePercent(view_.Zoom())); },
         [&] {
             controls_.lbl_ZoomPercent(slot).SetCaption(PercentText(controls_.Slider_ImageZoom(slot).Value()));
             controls_.lbl_ZoomPercent(slot).RepaintNow();
@@ -85,37 +100,31 @@ void ZoomScroll::UpdateZoomView(PictureSlot slot) {
     ZoomControlsSyncing = false;
 }
 
+void ZoomScroll::ClampZoom() {
+    const double zoom = std::clamp(view_.Zoom(), kSmallestZoom, kLargestZoom);
+    if (zoom != view_.Zoom()) {
+        view_.SetZoom(zoom);
+    }
+}
+
 void ZoomScroll::Cmd_ZoomIn_Click(int index) {
-    const auto slot = static_cast<PictureSlot>(index);
-    CarryOn([&] { document_.Views(slot).ZoomIn(); },
-            [&] {
-                if (document_.Views(slot).Zoom() > kLargestZoom) {
-                    document_.Views(slot).SetZoom(kLargestZoom);
-                }
-            },
-            [&] { UpdateZoomView(slot); });
+    CarryOn([&] { view_.ZoomIn(); }, [&] { ClampZoom(); },
+            [&] { UpdateZoomView(static_cast<PictureSlot>(index)); }, [&] { MarkPreviewOutdated(); });
 }
 
 void ZoomScroll::Cmd_ZoomOut_Click(int index) {
-    const auto slot = static_cast<PictureSlot>(index);
-    CarryOn([&] { document_.Views(slot).ZoomOut(); },
-            [&] {
-                if (document_.Views(slot).Zoom() < kSmallestZoom) {
-                    document_.Views(slot).SetZoom(kSmallestZoom);
-                }
-            },
-            [&] { UpdateZoomView(slot); });
+    CarryOn([&] { view_.ZoomOut(); }, [&] { ClampZoom(); },
+            [&] { UpdateZoomView(static_cast<PictureSlot>(index)); }, [&] { MarkPreviewOutdated(); });
 }
 
 void ZoomScroll::Cmd_ZoomFit_Click(int index) {
-    const auto slot = static_cast<PictureSlot>(index);
-    CarryOn([&] { document_.Views(slot).Fit(); }, //
-            [&] { UpdateZoomView(slot); }, [&] { preview_.SetOutdated(true); });
+    CarryOn([&] { view_.Fit(); }, [&] { ClampZoom(); },
+            [&] { UpdateZoomView(static_cast<PictureSlot>(index)); }, [&] { MarkPreviewOutdated(); });
 }
 
 void ZoomScroll::Cmd_ActualSize_Click(int index) {
     CarryOn([&] { controls_.Slider_ImageZoom(0).SetValue(kActualSize); }, //
-            [&] { Slider_ImageZoom_Change(index); }, [&] { preview_.SetOutdated(true); });
+            [&] { Slider_ImageZoom_Change(index); }, [&] { MarkPreviewOutdated(); });
 }
 
 void ZoomScroll::Slider_ImageZoom_Change(int index) {
@@ -128,31 +137,34 @@ void ZoomScroll::Slider_ImageZoom_Change(int index) {
                 PercentText(controls_.Slider_ImageZoom(index).Value()));
             controls_.lbl_ZoomPercent(index).RepaintNow();
         },
-        [&] { ScrollImageView(static_cast<PictureSlot>(index)); });
+        [&] { ScrollImageView(static_cast<PictureSlot>(index)); }, [&] { MarkPreviewOutdated(); });
 }
 
 void ZoomScroll::Slider_ImageZoom_MouseUp(int /*index*/) {
-    CarryOn([&] { preview_.Rebuild(); }, [&] { preview_.SetOutdated(false); });
+    const Editor::Command command(editor_);
+    CarryOn([&] { editor_.ReducedCopy.UpdatePreviewImage(kSlot); },
+            [&] { editor_.Document.PreviewOutdated = false; });
 }
 
 void ZoomScroll::ScrollBar_Change(int index) {
     if (ZoomControlsSyncing) {
         return;
     }
-    CarryOn([] { PumpEvents(); }, //
-            [&] { ScrollImageView(static_cast<PictureSlot>(index)); }, [&] { preview_.SetOutdated(true); });
+    CarryOn([&] { ScrollImageView(static_cast<PictureSlot>(index)); }, [&] { MarkPreviewOutdated(); });
 }
 
 void ZoomScroll::CentreAxes(bool across, bool down) {
-    ZoomControlsSyncing = true;
-    CarryOn(
-        [&] { controls_.ScrollBar_ImageX(0).setValue(across ? 0 : controls_.ScrollBar_ImageX(0).value()); },
-        [&] { controls_.ScrollBar_ImageY(0).setValue(down ? 0 : controls_.ScrollBar_ImageY(0).value()); });
-    ZoomControlsSyncing = false;
+    if (across) {
+        view_.SetCentreX(0.5 * editor_.Document.ImageWidth(kSlot));
+    }
+    if (down) {
+        view_.SetCentreY(0.5 * editor_.Document.ImageHeight(kSlot));
+    }
+    UpdateZoomView(kSlot);
 }
 
 void ZoomScroll::ImageView_Changed(int index) {
-    CarryOn([&] { UpdateZoomView(static_cast<PictureSlot>(index)); }, [&] { preview_.SetOutdated(true); });
+    CarryOn([&] { UpdateZoomView(static_cast<PictureSlot>(index)); }, [&] { MarkPreviewOutdated(); });
 }
 
 } // namespace pictorel

@@ -7,9 +7,8 @@
 #include "controls/PushButton.h"
 #include "controls/ScrollBar.h"
 #include "controls/Slider.h"
-#include "editor/Image_Mods.h"
-
-#include <functional>
+#include "editor/Editor.h"
+#include "view/ImageView.h"
 
 namespace pictorel {
 
@@ -26,18 +25,14 @@ struct ZoomScrollControls {
     ControlArray<ScrollBar> ScrollBar_ImageY;
 };
 
-// What the reduced copy has to be told.
-struct PreviewCopy {
-    std::function<void()> Rebuild;
-    std::function<void(bool outdated)> SetOutdated;
-};
-
 class ZoomScroll {
   public:
-    ZoomScroll(Image_Mods& document, ZoomScrollControls controls, PreviewCopy preview);
+    ZoomScroll(Editor& editor, ImageView& view, ZoomScrollControls controls);
 
-    void ScrollImageView(PictureSlot slot); // controls to view
-    void UpdateZoomView(PictureSlot slot);  // view to controls
+    // Controls to view: what a control was moved to, the view follows. What none was moved in (the exact zoom
+    // of a best fit, a centre further out than the bars reach) stays as it is.
+    void ScrollImageView(PictureSlot slot);
+    void UpdateZoomView(PictureSlot slot); // view to controls
 
     void Cmd_ZoomIn_Click(int index);
     void Cmd_ZoomOut_Click(int index);
@@ -47,7 +42,7 @@ class ZoomScroll {
     void Slider_ImageZoom_MouseUp(int index);
     void ScrollBar_Change(int index);
 
-    // Sets the scroll bars back to the picture's middle; the view follows with the next ScrollImageView.
+    // Brings the picture's middle back to the middle of the view.
     void CentreAxes(bool across, bool down);
 
     // The person zoomed or moved the picture in the view itself.
@@ -57,9 +52,14 @@ class ZoomScroll {
     bool ZoomControlsSyncing = false;
 
   private:
-    Image_Mods& document_;
+    int OffsetX(PictureSlot slot) const; // of the view's centre from the picture's middle, as the bars count
+    int OffsetY(PictureSlot slot) const;
+    void ClampZoom();
+    void MarkPreviewOutdated() { editor_.Document.PreviewOutdated = true; }
+
+    Editor& editor_;
+    ImageView& view_;
     ZoomScrollControls controls_;
-    PreviewCopy preview_;
     Events events_;
 };
 

@@ -1,5 +1,5 @@
 // Files that are no pictures, or broken ones, through the Open command.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 
 #include <QDir>
 #include <QFile>
@@ -38,7 +38,7 @@ class BadInput : public testing::Test {
         EXPECT_EQ(editor.Document().OpenDialogFolder, fileName);
     }
 
-    Editor editor;
+    EditorWindow editor;
 };
 
 TEST_F(BadInput, NoPictureIsRefusedAndTheOpenOneStays) {

@@ -1,5 +1,5 @@
 // Pictures dropped on the window are opened as Open opens them, or not taken at all.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/EditField.h"
 
 #include <QDialog>
@@ -38,7 +38,7 @@ class Drop : public testing::Test {
         return QUrl::fromLocalFile(editor.MakeFile(name, MakeScene(width, 60)));
     }
 
-    Editor editor;
+    EditorWindow editor;
 };
 
 TEST_F(Drop, OpensTheFirstFile) {

@@ -1,5 +1,5 @@
 // The edit history through the window: rows, working files, undo and redo.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/Label.h"
 
 #include <QDir>
@@ -13,11 +13,11 @@ constexpr int kInvert = 2; // of Cmd_Tab
 constexpr int kUndo = 2;   // of Cmd_Panel
 constexpr int kRedo = 3;
 
-QStringList WorkingFiles(Editor& editor) {
+QStringList WorkingFiles(EditorWindow& editor) {
     return QDir(editor.Document().GetTempFolder()).entryList({"tmpimg_*"}, QDir::Files, QDir::Name);
 }
 
-void ExpectSound(Editor& editor) {
+void ExpectSound(EditorWindow& editor) {
     ASSERT_GE(editor.ActiveRow(), 0);
     ASSERT_LE(editor.History().Count(), 15);
     EXPECT_EQ(WorkingFiles(editor).size(), editor.History().Count());
@@ -31,7 +31,7 @@ void ExpectSound(Editor& editor) {
 }
 
 TEST(History, UndoAndRedoBringBackWhatWasThere) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(301, 203)));
     std::vector<PixelArray> states{editor.Shown()};
     for (const auto& [name, index] : std::vector<std::pair<const char*, int>>{
@@ -56,7 +56,7 @@ TEST(History, UndoAndRedoBringBackWhatWasThere) {
 }
 
 TEST(History, ANewEditDropsTheRowsThatCouldBeRedone) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     editor.Click("Cmd_Tab", 0);
     editor.Click("Cmd_Tab", 1);
@@ -70,7 +70,7 @@ TEST(History, ANewEditDropsTheRowsThatCouldBeRedone) {
 }
 
 TEST(History, TheSixteenthRowPushesOutTheFirst) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(40, 30)));
     for (int edit = 0; edit < 14; ++edit) {
         editor.Click("Cmd_Tab", kInvert);
@@ -91,7 +91,7 @@ TEST(History, TheSixteenthRowPushesOutTheFirst) {
 }
 
 TEST(History, PickingARowJumpsToIt) {
-    Editor editor;
+    EditorWindow editor;
     const PixelArray scene = MakeScene(60, 40);
     editor.Open(editor.MakeFile("scene.bmp", scene));
     editor.Click("Cmd_Tab", kInvert);
@@ -109,7 +109,7 @@ TEST(History, PickingARowJumpsToIt) {
 }
 
 TEST(History, AWorkingFileThatIsGoneIsReportedAndThePictureStays) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     editor.Click("Cmd_Tab", kInvert);
     const PixelArray before = editor.Shown();
@@ -122,7 +122,7 @@ TEST(History, AWorkingFileThatIsGoneIsReportedAndThePictureStays) {
 }
 
 TEST(History, EditingGoesOnAfterTheTemporaryFolderVanished) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     ASSERT_TRUE(QDir(editor.Document().GetTempFolder()).removeRecursively());
     editor.Click("Cmd_Tab", kInvert);
@@ -134,7 +134,7 @@ TEST(History, EditingGoesOnAfterTheTemporaryFolderVanished) {
 }
 
 TEST(History, TransparencySurvivesUndo) {
-    Editor editor;
+    EditorWindow editor;
     PixelArray scene = MakeScene(60, 40);
     scene.SetHasAlpha(true);
     std::uint8_t* const rows = scene.WritableRows();

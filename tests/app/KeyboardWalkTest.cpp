@@ -1,5 +1,5 @@
 // The window without a mouse and without eyes: the way of the Tab key, and a name for every control.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/Label.h"
 #include "controls/TabControl.h"
 
@@ -10,7 +10,7 @@
 namespace pictorel {
 namespace {
 
-QStringList WalkFrom(QWidget& start, Editor& editor) {
+QStringList WalkFrom(QWidget& start, EditorWindow& editor) {
     QStringList names;
     start.setFocus(Qt::TabFocusReason);
     for (QWidget* at = &start; at != nullptr && names.size() < 100; at = editor.Window().focusWidget()) {
@@ -25,7 +25,7 @@ QStringList WalkFrom(QWidget& start, Editor& editor) {
 }
 
 TEST(KeyboardWalk, GoesAsTheEyeGoes) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(400, 300)));
     editor.Click("Cmd_Tab", 2);
     editor.Window().activateWindow();
@@ -58,7 +58,7 @@ TEST(KeyboardWalk, GoesAsTheEyeGoes) {
 }
 
 TEST(KeyboardWalk, EveryControlHasANameThatCanBeSaid) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(400, 300)));
     int named = 0;
     for (QWidget* const widget : editor.Window().findChildren<QWidget*>()) {

@@ -1,5 +1,5 @@
 // Where the layout puts the controls for a given outer size, and which fit it chooses.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ struct PlaceCase {
 };
 
 TEST(Layout, PlacesEverythingFromTheOuterSize) {
-    Editor editor;
+    EditorWindow editor;
     editor.Window().showNormal();
     const QSize frame = editor.Window().frameGeometry().size() - editor.Window().size();
     editor.Window().resize(QSize(1046, 865) - frame);
@@ -44,7 +44,7 @@ TEST(Layout, PlacesEverythingFromTheOuterSize) {
 }
 
 TEST(Layout, AWindowTooSmallKeepsTheLastPlaces) {
-    Editor editor;
+    EditorWindow editor;
     editor.Window().showNormal();
     editor.Window().resize(300, 200);
     ASSERT_TRUE(editor.WaitUntil([&] { return editor.Window().width() == 300; }));
@@ -55,14 +55,14 @@ TEST(Layout, AWindowTooSmallKeepsTheLastPlaces) {
 }
 
 TEST(Layout, ASmallPictureIsShownAtActualSizeAndALargeOneFits) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("small.bmp", MakeScene(200, 100)));
     editor.Window().showNormal();
     editor.Window().resize(1200, 800);
-    ASSERT_TRUE(editor.WaitUntil([&] { return editor.Document().Views(0).Zoom() == 1.0; }));
+    ASSERT_TRUE(editor.WaitUntil([&] { return editor.View().Zoom() == 1.0; }));
     editor.Open(editor.MakeFile("large.bmp", MakeScene(3000, 2000)));
     editor.Window().resize(1100, 800);
-    ASSERT_TRUE(editor.WaitUntil([&] { return editor.Document().Views(0).Zoom() < 0.5; }));
+    ASSERT_TRUE(editor.WaitUntil([&] { return editor.View().Zoom() < 0.5; }));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // The notices and side windows around the main window.
 #include "app/ApplicationStrings.h"
 #include "app/Browser.h"
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/NoticeWindow.h"
 #include "controls/WebBrowser.h"
 
@@ -72,7 +72,6 @@ NoticeWindow* ShownNotice() {
 
 TEST(Splash, StandsCentredForItsTimeAndLeavesNothing) {
     frmMain window;
-    StartUp startUp(window);
     QRect place;
     QStringList filesWhileShown;
     QTimer look;
@@ -91,7 +90,7 @@ TEST(Splash, StandsCentredForItsTimeAndLeavesNothing) {
         last = shown.elapsed();
     });
     look.start(5);
-    EXPECT_EQ(startUp.Form_Load(QString()), StartResult::Started);
+    EXPECT_EQ(window.Start().Form_Load(QString()), StartResult::Started);
     EXPECT_EQ(place.size(), QSize(579, 403));
     const QPoint off = place.center() - QGuiApplication::primaryScreen()->geometry().center();
     EXPECT_LE(off.manhattanLength(), 2);
@@ -102,7 +101,7 @@ TEST(Splash, StandsCentredForItsTimeAndLeavesNothing) {
 }
 
 TEST(Tag, PointsFromTheWindowsCornerAndGoesWhenOpenIsClicked) {
-    Editor editor;
+    EditorWindow editor;
     ASSERT_TRUE(editor.WaitUntil([] { return ShownNotice() != nullptr; }));
     EXPECT_EQ(ShownNotice()->geometry(),
               QRect(editor.Window().frameGeometry().topLeft() + QPoint(40, 100), QSize(360, 112)));
@@ -123,7 +122,7 @@ TEST(UpdateNotice, SaysWhatIsNewAndOpensTheDownloadPage) {
         QTest::mouseClick(notice.findChild<QWidget*>(QStringLiteral("Cmd_Msg_2")), Qt::LeftButton);
         QTest::mouseClick(notice.findChild<QWidget*>(QStringLiteral("Cmd_Msg_1")), Qt::LeftButton);
     });
-    Editor editor;
+    EditorWindow editor;
     EXPECT_EQ(headline, "There is a new version of Pictorel available !");
     EXPECT_EQ(notes.trimmed(), "Version 9.9");
     EXPECT_EQ(browser.asked, QStringList{Link(2)});
@@ -136,7 +135,7 @@ TEST(UpdateNotice, EscapeMeansLaterAndStartUpGoesOn) {
     When(QStringLiteral("frmUpdates"), [](QWidget& notice) {
         QTest::keyClick(notice.findChild<QWidget*>(QStringLiteral("Cmd_Msg_0")), Qt::Key_Escape);
     });
-    Editor editor;
+    EditorWindow editor;
     EXPECT_TRUE(browser.asked.isEmpty());
     EXPECT_TRUE(editor.Get("Cmd_Panel", 0).IsEnabled());
     EXPECT_TRUE(editor.WaitUntil([] { return ShownNotice() != nullptr; })) << "the tag is shown";
@@ -157,7 +156,7 @@ TEST(VersionCheck, ClosingTheWindowEndsTheWait) {
 }
 
 TEST(SideWindows, CloseByEscapeByEnterAndByTheirButton) {
-    Editor editor;
+    EditorWindow editor;
     struct SideWindow {
         int button; // of the tool bar
         const char* name;
@@ -186,7 +185,7 @@ TEST(SideWindows, CloseByEscapeByEnterAndByTheirButton) {
 
 TEST(SideWindows, OpenTheirLinks) {
     Browser browser;
-    Editor editor;
+    EditorWindow editor;
     const auto follow = [](QWidget& window, const char* label) {
         emit window.findChild<QLabel*>(QString(label))->linkActivated(QString());
     };

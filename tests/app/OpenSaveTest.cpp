@@ -1,5 +1,5 @@
 // Opening and saving through the window, and the question about unsaved changes.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/Label.h"
 
 #include <QDir>
@@ -11,7 +11,7 @@ namespace pictorel {
 namespace {
 
 TEST(Open, ShowsThePictureAndStartsAHistory) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("a picture.bmp", MakeScene(320, 200)));
     EXPECT_EQ(editor.HistoryCaptions(), QStringList{"Open"});
     EXPECT_EQ(editor.ActiveRow(), 0);
@@ -28,7 +28,7 @@ TEST(Open, ShowsThePictureAndStartsAHistory) {
 }
 
 TEST(Open, ShowsWhatWasSavedAsAMetafile) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("source.bmp", MakeScene(320, 200)));
     for (const char* const name : {"picture.wmf", "picture.emf"}) {
         editor.Save(editor.Path(name));
@@ -40,7 +40,7 @@ TEST(Open, ShowsWhatWasSavedAsAMetafile) {
 }
 
 TEST(Open, CancelChangesNothing) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("one.bmp", MakeScene(40, 30)));
     const QString folder = editor.Document().OpenDialogFolder;
     editor.person.WillCancelFileDialog();
@@ -59,7 +59,7 @@ TEST(Open, AsksAboutUnsavedChangesAndDoesAsAnswered) {
     for (const ChangedCase& c :
          {ChangedCase{QMessageBox::Cancel, false, false}, ChangedCase{QMessageBox::No, false, true},
           ChangedCase{QMessageBox::Yes, true, false}, ChangedCase{QMessageBox::Yes, false, true}}) {
-        Editor editor;
+        EditorWindow editor;
         editor.Open(editor.MakeFile("first.bmp", MakeScene(40, 30)));
         editor.Click("Cmd_Tab", 2);
         const QString second = editor.MakeFile("second.bmp", MakeScene(50, 60));
@@ -89,7 +89,7 @@ struct SaveCase {
 };
 
 TEST(Save, WritesTheFormatOfTheExtension) {
-    Editor editor;
+    EditorWindow editor;
     const PixelArray scene = MakeScene(64, 48);
     editor.Open(editor.MakeFile("source.bmp", scene));
     for (const SaveCase& c :
@@ -106,7 +106,7 @@ TEST(Save, WritesTheFormatOfTheExtension) {
 }
 
 TEST(Save, RefusesAnExtensionThatIsNoneOfTheEleven) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("source.bmp", MakeScene(64, 48)));
     editor.Click("Cmd_Tab", 2);
     for (const char* const name : {"photo.jpeg", "photo.tiff", "photo.txt"}) {
@@ -120,7 +120,7 @@ TEST(Save, RefusesAnExtensionThatIsNoneOfTheEleven) {
 }
 
 TEST(Save, AFailureLeavesTheOldFileWholeAndThePictureChanged) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("source.bmp", MakeScene(64, 48)));
     editor.Click("Cmd_Tab", 2);
     QFile target(editor.Path("kept.png"));
@@ -139,7 +139,7 @@ TEST(Save, AFailureLeavesTheOldFileWholeAndThePictureChanged) {
 }
 
 TEST(Close, AsksAboutUnsavedChangesAndClearsUp) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("source.bmp", MakeScene(64, 48)));
     editor.Click("Cmd_Tab", 2);
     editor.person.WillPress(QMessageBox::Cancel);

@@ -1,5 +1,5 @@
 // One-click buttons, resets, rotate and flip through the window.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/Label.h"
 #include "controls/Slider.h"
 
@@ -9,7 +9,7 @@ namespace pictorel {
 namespace {
 
 TEST(Panels, InvertTwiceGivesBackThePicture) {
-    Editor editor;
+    EditorWindow editor;
     const PixelArray scene = MakeScene(120, 90);
     editor.Open(editor.MakeFile("scene.bmp", scene));
     editor.Click("Cmd_Tab", 2);
@@ -20,7 +20,7 @@ TEST(Panels, InvertTwiceGivesBackThePicture) {
 }
 
 TEST(Panels, EveryOneClickButtonChangesThePictureAndNamesItsRow) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(120, 90)));
     QStringList expected{"Open"};
     for (const int element : {0, 1, 2, 5, 6}) {
@@ -37,7 +37,7 @@ TEST(Panels, EveryOneClickButtonChangesThePictureAndNamesItsRow) {
 }
 
 TEST(Panels, ResetSetsSlidersAndTextsAndLeavesThePicture) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     const PixelArray before = editor.Shown();
     for (const auto& [slider, value] :
@@ -55,7 +55,7 @@ TEST(Panels, ResetSetsSlidersAndTextsAndLeavesThePicture) {
 }
 
 TEST(RotateFlip, FourTurnsRestoreThePictureAndTheLabelsFollow) {
-    Editor editor;
+    EditorWindow editor;
     const PixelArray scene = MakeScene(120, 90);
     editor.Open(editor.MakeFile("scene.bmp", scene));
     for (int turn = 1; turn <= 4; ++turn) {
@@ -69,14 +69,14 @@ TEST(RotateFlip, FourTurnsRestoreThePictureAndTheLabelsFollow) {
 }
 
 TEST(RotateFlip, AFlipKeepsZoomAndLabels) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(120, 90)));
     editor.Click("Cmd_ZoomIn");
-    const double zoom = editor.Document().Views(0).Zoom();
+    const double zoom = editor.View().Zoom();
     const QString info = editor.Get<Label>("lbl_ImageInfo").Caption();
     editor.Click("Cmd_FlipV");
     editor.Click("Cmd_FlipH");
-    EXPECT_EQ(editor.Document().Views(0).Zoom(), zoom);
+    EXPECT_EQ(editor.View().Zoom(), zoom);
     EXPECT_EQ(editor.Get<Label>("lbl_ImageInfo").Caption(), info);
     EXPECT_EQ(editor.HistoryCaptions(), (QStringList{"Open", "Flip Vertical", "Flip Horizontal"}));
 }

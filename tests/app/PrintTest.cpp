@@ -1,5 +1,5 @@
 // The Print command: what stands on the page of the PDF that the dialog's "Print to File" makes.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -74,7 +74,7 @@ class Printing : public testing::Test {
         return Page(editor.Path("out.pdf"));
     }
 
-    Editor editor;
+    EditorWindow editor;
 };
 
 PixelArray Framed(int width, int height) {

@@ -1,5 +1,5 @@
 // The Resize page through the window.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/ComboBox.h"
 #include "controls/EditField.h"
 #include "controls/Label.h"
@@ -39,7 +39,7 @@ class ResizePage : public testing::Test {
         editor.History().setFocus();
     }
 
-    Editor editor;
+    EditorWindow editor;
 };
 
 TEST_F(ResizePage, PercentageActsWhileTyping) {
@@ -234,8 +234,8 @@ TEST_F(ResizePage, ASmallResultIsShownInTheMiddleOfTheView) {
     Choose(3);
     Type("Txt_ResizePercent", "5");
     editor.Click("Cmd_Tab", 3);
-    EXPECT_EQ(editor.Document().Views(0).Zoom(), 1.0);
-    EXPECT_EQ(editor.Document().Views(0).CentreX(), 75);
+    EXPECT_EQ(editor.View().Zoom(), 1.0);
+    EXPECT_EQ(editor.View().CentreX(), 75);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // The Scan button through the window, against the scanner library's own virtual device.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "programs/scanner/TestScanner.h"
 
 #include <QDir>
@@ -17,7 +17,7 @@ namespace {
 constexpr int kInvert = 2; // of Cmd_Tab
 constexpr int kScan = 5;   // of Cmd_Panel
 
-bool TakesCommands(Editor& editor) {
+bool TakesCommands(EditorWindow& editor) {
     return editor.Get<ContainerPanel>("Resizer_Main").IsEnabled();
 }
 
@@ -39,7 +39,7 @@ class DisabledWatch : public QObject {
 };
 
 // Presses Scan and waits for its end, which may come while the button is still being pressed.
-void Scan(Editor& editor) {
+void Scan(EditorWindow& editor) {
     const DisabledWatch watch(editor.Get<ContainerPanel>("Resizer_Main"));
     editor.Click("Cmd_Panel", kScan);
     EXPECT_TRUE(editor.WaitUntil([&] { return TakesCommands(editor); }, 20000));
@@ -49,7 +49,7 @@ void Scan(Editor& editor) {
 
 TEST(Scan, BringsAPageInAsANewPicture) {
     const TestScanner scanner({"read-delay true", "read-delay-duration 100000"});
-    Editor editor;
+    EditorWindow editor;
     Scan(editor);
     EXPECT_TRUE(editor.person.Messages().empty());
     EXPECT_EQ(editor.Shown().Width(), kTestPageSide);
@@ -67,7 +67,7 @@ TEST(Scan, BringsAPageInAsANewPicture) {
 TEST(Scan, TakesNoCommandButPaintsMeanwhile) {
     const TestScanner scanner(
         {"read-limit true", "read-limit-size 8000", "read-delay true", "read-delay-duration 100000"});
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     editor.Click("Cmd_Panel", kScan);
     int moments = 0;
@@ -89,7 +89,7 @@ TEST(Scan, TakesNoCommandButPaintsMeanwhile) {
 
 TEST(Scan, NoScannerIsSaid) {
     const TestScanner scanner({}, 1, "# none");
-    Editor editor;
+    EditorWindow editor;
     for (const bool withPicture : {false, true}) {
         if (withPicture) {
             editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
@@ -108,7 +108,7 @@ TEST(Scan, NoScannerIsSaid) {
 
 TEST(Scan, AFaultLeavesPictureAndHistoryAlone) {
     const TestScanner scanner({"read-status-code \"SANE_STATUS_NO_DOCS\""});
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     const PixelArray before = editor.Shown();
     Scan(editor);
@@ -123,7 +123,7 @@ TEST(Scan, AFaultLeavesPictureAndHistoryAlone) {
 
 TEST(Scan, APageThatCannotBeWrittenIsSaid) {
     const TestScanner scanner;
-    Editor editor;
+    EditorWindow editor;
     // A folder that is not empty stands where the page's file has to go.
     ASSERT_TRUE(QDir().mkpath(editor.WorkingFile("tmp_scan.jpg/inside")));
     Scan(editor);
@@ -143,7 +143,7 @@ TEST(Scan, AsksAboutUnsavedChangesAndDoesAsAnswered) {
     for (const QuestionCase& c :
          {QuestionCase{QMessageBox::Cancel, false, false}, QuestionCase{QMessageBox::No, false, true},
           QuestionCase{QMessageBox::Yes, true, false}, QuestionCase{QMessageBox::Yes, false, true}}) {
-        Editor editor;
+        EditorWindow editor;
         editor.Open(editor.MakeFile("first.bmp", MakeScene(60, 40)));
         editor.Click("Cmd_Tab", kInvert);
         editor.person.WillPress(c.answer);

@@ -1,5 +1,5 @@
 // Keys that click buttons: from every control, only while the button can be clicked.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/EditField.h"
 #include "controls/RadioButton.h"
 #include "controls/Slider.h"
@@ -24,7 +24,7 @@ class Keys : public testing::Test {
     }
     void OpenScene() { editor.Open(editor.MakeFile("scene.bmp", MakeScene(400, 300))); }
 
-    Editor editor;
+    EditorWindow editor;
 };
 
 TEST_F(Keys, OpenSaveUndoRedo) {
@@ -46,7 +46,7 @@ TEST_F(Keys, OpenSaveUndoRedo) {
 
 TEST_F(Keys, Zoom) {
     OpenScene();
-    ImageView& view = editor.Document().Views(0);
+    ImageView& view = editor.View();
     Press(Qt::Key_0);
     EXPECT_GT(view.Zoom(), 1.0);
     Press(Qt::Key_1);
@@ -79,7 +79,7 @@ TEST_F(Keys, DoNothingWithoutAPicture) {
         Press(key);
     }
     EXPECT_EQ(editor.History().Count(), 0);
-    EXPECT_EQ(editor.Document().Views(0).Zoom(), 1.0);
+    EXPECT_EQ(editor.View().Zoom(), 1.0);
     EXPECT_TRUE(editor.person.Messages().empty());
 }
 
@@ -91,9 +91,9 @@ TEST_F(Keys, WorkFromEveryControl) {
             continue;
         }
         widget->setFocus(Qt::TabFocusReason);
-        editor.Document().Views(0).SetZoom(2.0);
+        editor.View().SetZoom(2.0);
         Press(Qt::Key_1);
-        EXPECT_EQ(editor.Document().Views(0).Zoom(), 1.0) << widget->objectName().toStdString();
+        EXPECT_EQ(editor.View().Zoom(), 1.0) << widget->objectName().toStdString();
         ++tried;
     }
     EXPECT_GT(tried, 30);

@@ -1,5 +1,5 @@
 // The roads out of the editor: signals, closing at any moment, and the end of the session.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "platform/PumpEvents.h"
 #include "platform/TerminationSignals.h"
 #include "programs/scanner/TestScanner.h"
@@ -18,7 +18,7 @@ constexpr int kInvert = 2; // of Cmd_Tab
 constexpr int kTooLong = 15000;
 
 // Runs the event loop as the process does, with `during` in it; true where the editor ended the loop.
-bool RunLoop(Editor& editor, const std::function<void()>& during, int milliseconds = kTooLong) {
+bool RunLoop(EditorWindow& editor, const std::function<void()>& during, int milliseconds = kTooLong) {
     TerminationSignals signalsToLoop;
     signalsToLoop.SetHandler([&editor] { editor.Window().End().RequestEnd(); });
     constexpr int kTimeIsUp = 99;
@@ -27,18 +27,18 @@ bool RunLoop(Editor& editor, const std::function<void()>& during, int millisecon
     return QCoreApplication::exec() != kTimeIsUp;
 }
 
-void OpenAndChange(Editor& editor) {
+void OpenAndChange(EditorWindow& editor) {
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     editor.Click("Cmd_Tab", kInvert);
 }
 
-QStringList LeftFiles(Editor& editor) {
+QStringList LeftFiles(EditorWindow& editor) {
     return QDir(editor.Document().GetTempFolder()).entryList({"tmp*"}, QDir::Files);
 }
 
 TEST(ShutDown, EverySignalAsksOnceAndDoesAsAnswered) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-        Editor editor;
+        EditorWindow editor;
         OpenAndChange(editor);
         editor.person.WillPress(QMessageBox::Cancel);
         EXPECT_FALSE(RunLoop(
@@ -63,7 +63,7 @@ TEST(ShutDown, EverySignalAsksOnceAndDoesAsAnswered) {
 }
 
 TEST(ShutDown, ASignalWhileTheQuestionIsOpenIsNoSecondQuestion) {
-    Editor editor;
+    EditorWindow editor;
     OpenAndChange(editor);
     QTimer nagger; // under the question and under its Save dialog
     QObject::connect(&nagger, &QTimer::timeout, [] { ::raise(SIGTERM); });
@@ -77,7 +77,7 @@ TEST(ShutDown, ASignalWhileTheQuestionIsOpenIsNoSecondQuestion) {
 }
 
 TEST(ShutDown, AnOpenDialogIsCancelledFirst) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     EXPECT_TRUE(RunLoop(editor, [&] {
         QTimer::singleShot(100, [] {
@@ -90,14 +90,14 @@ TEST(ShutDown, AnOpenDialogIsCancelledFirst) {
 }
 
 TEST(ShutDown, AHandlerThatRunsComesToItsEndFirst) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
     bool visibleAfterwards = false;
     EXPECT_TRUE(RunLoop(editor, [&] {
         ::raise(SIGTERM);
         editor.Window().close();
         for (int i = 0; i < 50; ++i) {
-            PumpEvents();
+            LetAllEventsRun();
         }
         visibleAfterwards = editor.Window().isVisible() && editor.History().Count() == 1;
     }));
@@ -109,7 +109,7 @@ TEST(ShutDown, EndsInMidScan) {
         {"read-limit true", "read-limit-size 100", "read-delay true", "read-delay-duration 200000"});
     for (const int after : {0, 20, 400}) { // milliseconds: while sources are looked for, and under way
         {
-            Editor editor;
+            EditorWindow editor;
             editor.Open(editor.MakeFile("scene.bmp", MakeScene(60, 40)));
             EXPECT_TRUE(RunLoop(editor, [&] {
                 editor.Click("Cmd_Panel", 5);
@@ -123,7 +123,7 @@ TEST(ShutDown, EndsInMidScan) {
 }
 
 TEST(ShutDown, TheSessionsEndAsksOnce) {
-    Editor editor;
+    EditorWindow editor;
     OpenAndChange(editor);
     ShutDown& end = editor.Window().End();
     EXPECT_TRUE(end.SessionMayEnd(false)) << "nobody may be asked";

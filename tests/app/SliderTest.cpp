@@ -1,5 +1,5 @@
 // Sliders through the window: preview while held, commit on release.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/Label.h"
 #include "controls/Slider.h"
 #include "controls/TabControl.h"
@@ -17,13 +17,13 @@ namespace pictorel {
 namespace {
 
 // Once those that are to go are gone.
-QWidget* PreviewWindowOf(Editor& editor) {
+QWidget* PreviewWindowOf(EditorWindow& editor) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return editor.Window().findChild<QWidget*>(QStringLiteral("frmPreview"));
 }
 
 TEST(Sliders, PreviewWhileHeldAndCommitOnRelease) {
-    Editor editor;
+    EditorWindow editor;
     const PixelArray scene = MakeScene(400, 300);
     editor.Open(editor.MakeFile("scene.bmp", scene));
     auto& slider = editor.Get<Slider>("Slider_Tab", 0);
@@ -48,7 +48,7 @@ TEST(Sliders, PreviewWhileHeldAndCommitOnRelease) {
 }
 
 TEST(Sliders, EveryShownSliderAtItsDefaultLeavesThePixels) {
-    Editor editor;
+    EditorWindow editor;
     const PixelArray scene = MakeScene(90, 70);
     editor.Open(editor.MakeFile("scene.bmp", scene));
     for (int i = 0; i < 34; ++i) {
@@ -63,7 +63,7 @@ TEST(Sliders, EveryShownSliderAtItsDefaultLeavesThePixels) {
 }
 
 TEST(Sliders, TheReducedCopyIs250PixelsWide) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(1000, 750)));
     editor.Click("Cmd_ZoomFit");
     auto& slider = editor.Get<Slider>("Slider_Tab", 18);
@@ -75,7 +75,7 @@ TEST(Sliders, TheReducedCopyIs250PixelsWide) {
 }
 
 TEST(Sliders, TheCopyOfAPictureSmallerThanItIsNotRefused) {
-    Editor editor;
+    EditorWindow editor;
     editor.Open(editor.MakeFile("scene.bmp", MakeScene(100, 80)));
     auto& slider = editor.Get<Slider>("Slider_Tab", 18);
     emit slider.Pressed();
@@ -96,7 +96,7 @@ class SliderHeld : public ::testing::Test {
         ASSERT_NE(slider_.Value(), 0);
     }
 
-    Editor editor_;
+    EditorWindow editor_;
     Slider& slider_ = editor_.Get<Slider>("Slider_Tab", 0);
 };
 

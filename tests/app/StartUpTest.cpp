@@ -1,5 +1,5 @@
 // What the window looks like after start-up, before a picture is open.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/ComboBox.h"
 #include "controls/TabControl.h"
 
@@ -16,7 +16,7 @@ struct EnabledCase {
 };
 
 TEST(StartUp, EnablesOnlyWhatNeedsNoPicture) {
-    Editor editor;
+    EditorWindow editor;
     for (const EnabledCase& c : {
              EnabledCase{"Cmd_Panel", 0, true},
              {"Cmd_Panel", 1, false},
@@ -53,7 +53,7 @@ TEST(StartUp, EnablesOnlyWhatNeedsNoPicture) {
 }
 
 TEST(StartUp, OpenBlinksUntilItIsClicked) {
-    Editor editor;
+    EditorWindow editor;
     PushButton& open = editor.Get("Cmd_Panel", 0);
     EXPECT_TRUE(editor.WaitUntil([&] { return open.IsHighlighted(); }));
     editor.person.WillCancelFileDialog();
@@ -63,7 +63,7 @@ TEST(StartUp, OpenBlinksUntilItIsClicked) {
 }
 
 TEST(StartUp, HistoryShowsItsFirstColumnOnly) {
-    Editor editor;
+    EditorWindow editor;
     EXPECT_EQ(editor.History().header()->hiddenSectionCount(), 2);
     EXPECT_EQ(editor.History().headerItem()->text(0), QStringLiteral("History"));
     EXPECT_EQ(editor.History().Count(), 0);
@@ -74,19 +74,18 @@ TEST(StartUp, HomePageIsAskedForByTheExactWordOnly) {
     // Only the refusals can be tried here: the word itself opens a browser.
     for (const char* const words : {"Homepage", "homepage please", " homepage"}) {
         frmMain window;
-        StartUp startUp(window);
         QTimer closer;
         QObject::connect(&closer, &QTimer::timeout, [&] {
             window.findChild<PopupControl*>(QStringLiteral("PopupControl_Splash"))->Close();
         });
         closer.start(1);
-        EXPECT_EQ(startUp.Form_Load(QString::fromLatin1(words)), StartResult::Started) << words;
+        EXPECT_EQ(window.Start().Form_Load(QString::fromLatin1(words)), StartResult::Started) << words;
         window.close();
     }
 }
 
 TEST(StartUp, EveryControlHasANameOfItsOwn) {
-    Editor editor;
+    EditorWindow editor;
     QSet<QString> names;
     for (const QWidget* const widget : editor.Window().findChildren<QWidget*>()) {
         if (dynamic_cast<const Control*>(widget) != nullptr) {
@@ -99,7 +98,7 @@ TEST(StartUp, EveryControlHasANameOfItsOwn) {
 }
 
 TEST(ControlArrays, AnIndexOutsideNamesTheControl) {
-    Editor editor;
+    EditorWindow editor;
     try {
         editor.Get("Cmd_Panel", 8);
         FAIL() << "there is no ninth button";

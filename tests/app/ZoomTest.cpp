@@ -1,5 +1,5 @@
 // Zooming and moving the picture: view, slider, label and scroll bars in step whichever of them is moved.
-#include "app/Editor.h"
+#include "app/EditorWindow.h"
 #include "controls/Label.h"
 #include "controls/ScrollBar.h"
 #include "controls/Slider.h"
@@ -22,7 +22,7 @@ class Zoom : public testing::Test {
         editor.WaitUntil([&] { return editor.Window().width() == 1280; });
     }
 
-    ImageView& View() { return editor.Document().Views(0); }
+    ImageView& View() { return editor.View(); }
     QWidget& ViewWidget() { return editor.Get<Control>("ImageView").Widget(); }
     Slider& ZoomSlider() { return editor.Get<Slider>("Slider_ImageZoom"); }
     int BarX() { return editor.Get<ScrollBar>("ScrollBar_ImageX").value(); }
@@ -53,7 +53,7 @@ class Zoom : public testing::Test {
             << after;
     }
 
-    Editor editor;
+    EditorWindow editor;
 };
 
 TEST_F(Zoom, EveryWayOfZoomingKeepsTheControlsInStep) {

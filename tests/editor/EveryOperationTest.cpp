@@ -1,8 +1,6 @@
 // What holds for all operations and all sliders alike, from the table down to the pixels.
 #include "editor/OperationTable.h"
 #include "editor/SliderCatalogue.h"
-#include "editor/WorkingPicture.h"
-#include "picture/ImagingError.h"
 #include "picture/MadeDetails.h"
 #include "picture/engine/TestPictures.h"
 
@@ -18,13 +16,8 @@ using engine::test::Size;
 
 constexpr ColourValue kBackground = 0x00FFFFFF;
 
-PixelArray After(const PixelArray& picture, const OperationRow& row, const OperationParameters& parameters) {
-    WorkingPicture working;
-    working.SetPicture(picture);
-    row.perform(working, parameters, kBackground);
-    PixelArray result;
-    working.CopyPicture(result);
-    return result;
+PixelArray After(const PixelArray& picture, const OperationRow& row, const Values& values) {
+    return row.apply(picture, values, kBackground);
 }
 
 const OperationRow& OperationOf(const SliderRow& slider) {
@@ -32,7 +25,7 @@ const OperationRow& OperationOf(const SliderRow& slider) {
 }
 
 // Parameters as slider i gives them while the others stand at their defaults.
-OperationParameters ParametersAt(int slider, std::int32_t value) {
+Values ParametersAt(int slider, std::int32_t value) {
     return GatherParameters(slider, [=](int other) {
         return other == slider ? value : SliderCatalogue()[static_cast<std::size_t>(other)].defaultValue;
     });
@@ -91,11 +84,11 @@ TEST(EveryOperation, CarriesAlongWhatIsNotPixels) {
     picture.SetDetails(MadeDetails());
     for (const OperationRow& row : OperationTable()) {
         const PixelArray result = After(picture, row, {20, 30, 4});
-        EXPECT_TRUE(result.HasAlpha()) << row.name;
-        EXPECT_EQ(result.Reduction(), 0.5) << row.name;
-        EXPECT_EQ(result.Details().exif, picture.Details().exif) << row.name;
-        EXPECT_EQ(result.Details().icc, picture.Details().icc) << row.name;
-        EXPECT_NE(result.Details().dotsPerInchX, 0) << row.name;
+        EXPECT_TRUE(result.HasAlpha()) << row.caption;
+        EXPECT_EQ(result.Reduction(), 0.5) << row.caption;
+        EXPECT_EQ(result.Details().exif, picture.Details().exif) << row.caption;
+        EXPECT_EQ(result.Details().icc, picture.Details().icc) << row.caption;
+        EXPECT_NE(result.Details().dotsPerInchX, 0) << row.caption;
     }
 }
 
@@ -103,19 +96,12 @@ TEST(EveryOperation, OfAPictureWithoutAlphaHasNone) {
     const PixelArray picture = Random({30, 20});
     for (const OperationRow& row : OperationTable()) {
         const PixelArray result = After(picture, row, {20, 30, 4});
-        EXPECT_FALSE(result.HasAlpha()) << row.name;
+        EXPECT_FALSE(result.HasAlpha()) << row.caption;
         for (int y = 0; y < result.Height(); ++y) {
             for (int x = 0; x < result.Width(); ++x) {
-                ASSERT_EQ(engine::test::At(result, x, y)[3], 255) << row.name << " at " << x << ", " << y;
+                ASSERT_EQ(engine::test::At(result, x, y)[3], 255) << row.caption << " at " << x << ", " << y;
             }
         }
-    }
-}
-
-TEST(EveryOperation, WithoutAPictureThrows) {
-    for (const OperationRow& row : OperationTable()) {
-        WorkingPicture working;
-        EXPECT_THROW(row.perform(working, {20, 30, 4}, kBackground), ImagingError) << row.name;
     }
 }
 

@@ -1,88 +1,134 @@
-// The calls that operation codes make: those whose numbers are changed, swapped or chosen between on the way.
+// The rows of the operation table: numbers that are changed, swapped or chosen between on their way to the
+// engine, directions, channels, and what is refused.
 #include "editor/OperationTable.h"
-#include "editor/RecordingTransform.h"
+#include "picture/ImagingError.h"
+#include "picture/engine/Filters.h"
+#include "picture/engine/Geometry.h"
+#include "picture/engine/PointOperations.h"
+#include "picture/engine/Stylize.h"
+#include "picture/engine/TestPictures.h"
 #include "platform/Numbers.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace pictorel::test {
 namespace {
 
-constexpr ColourValue kBackground = 4711;
+using engine::test::At;
+using engine::test::Pixel;
+using engine::test::Random;
+using engine::test::SamePixels;
 
-void Perform(RecordingTransform& transform, Operation operation, const OperationParameters& parameters) {
-    OperationTable()[static_cast<std::size_t>(operation)].perform(transform, parameters, kBackground);
+constexpr ColourValue kBackground = 0x00112233; // blue 0x11, green 0x22, red 0x33
+
+PixelArray After(const PixelArray& picture, Operation operation, const Values& values) {
+    return RowOf(operation).apply(picture, values, kBackground);
 }
 
-struct Case {
-    Operation operation;
-    OperationParameters parameters;
-    const char* calls;
-};
-
-TEST(OperationTable, MakesTheCalls) {
-    const auto cases = {
-        Case{Operation::SharpenOrBlur, {5}, "Blur(5)"},
-        Case{Operation::SharpenOrBlur, {-5}, "Sharpen(5)"},
-        Case{Operation::SharpenOrBlur, {0}, "Blur(0) Sharpen(0) Sharpen(0)"},
-        Case{Operation::MaximalOrMinimal, {3}, "MinimalFilter(3)"},
-        Case{Operation::MaximalOrMinimal, {2}, "MinimalFilter(2)"},
-        Case{Operation::MaximalOrMinimal, {1}, "MinimalFilter(0) MaximalFilter(0) MaximalFilter(-1)"},
-        Case{Operation::MaximalOrMinimal, {0}, "MaximalFilter(0)"},
-        Case{Operation::MaximalOrMinimal, {-3}, "MaximalFilter(3)"},
-        Case{Operation::Emboss,
-             {10, 200, 4},
-             "Emboss(10,4,2)"}, // angle, amount, height come; height stands second
-        Case{Operation::Halftone, {1, 25}, "Halftone(1,1.25)"},
-        Case{Operation::Halftone, {1, 0}, "Halftone(1,1)"},
-        Case{Operation::Contrast, {150}, "Contrast(1.5)"},
-        Case{Operation::Saturation, {-7}, "Saturation(-0.07)"},
-        Case{Operation::Brightness, {-255}, "Brightness(-255)"},
-        Case{Operation::MotionBlur, {7}, "MotionBlur(90,7)"},
-        Case{Operation::Diffuse, {30}, "Diffuse(2,30)"},
-        Case{Operation::Noise, {30}, "Noise(30,false)"},
-        Case{Operation::Colorize, {255, 128, 0}, "Colorize(255,128,0)"},
-        Case{Operation::Skew, {30, -1}, "Skew(true,30)"},
-        Case{Operation::Skew, {30, 0}, "Skew(false,30)"},
-        Case{Operation::Perspective, {-30, -1}, "Perspective(true,-30)"},
-        Case{Operation::Perspective, {-30, 0}, "Perspective(false,-30)"},
-        Case{Operation::FlipVertical, {}, "Mirror(true)"},
-        Case{Operation::FlipHorizontal, {}, "Mirror(false)"},
-        Case{Operation::Rotate, {45}, "Rotate(45,4711)"},
-        Case{Operation::Resize, {800, 600, 9}, "Resize(800,600,0,4711)"},
-        Case{Operation::TurnLeft, {90}, "QuarterTurn(-1)"},
-        Case{Operation::TurnRight, {90}, "QuarterTurn(1)"},
+TEST(OperationTable, NumbersBecomeParameters) {
+    struct Case {
+        Operation operation;
+        Values values;
+        std::function<PixelArray(const PixelArray&)> wanted;
     };
+    using P = const PixelArray&;
+    const auto cases = {
+        Case{Operation::SharpenOrBlur, {25}, [](P p) { return engine::GaussianBlur(p, 2.5); }},
+        Case{Operation::SharpenOrBlur, {-50}, [](P p) { return engine::UnsharpMask(p, 2); }},
+        Case{Operation::SharpenOrBlur, {0}, [](P p) { return p; }},
+        Case{Operation::MaximalOrMinimal, {3}, [](P p) { return engine::MinimumFilter(p, 3); }},
+        Case{Operation::MaximalOrMinimal, {1}, [](P p) { return engine::MinimumFilter(p, 1); }},
+        Case{Operation::MaximalOrMinimal, {0}, [](P p) { return p; }},
+        Case{Operation::MaximalOrMinimal, {-3}, [](P p) { return engine::MaximumFilter(p, 3); }},
+        Case{Operation::Emboss, {10, 200, 4}, [](P p) { return engine::Emboss(p, 10, 4, 2.0); }},
+        Case{Operation::Halftone, {1, 25}, [](P p) { return engine::Halftone(p, 1, 1.25); }},
+        Case{Operation::Halftone, {1, 0}, [](P p) { return engine::Halftone(p, 1, 1.0); }},
+        Case{Operation::Contrast, {150}, [](P p) { return engine::Contrast(p, 1.5); }},
+        Case{Operation::Saturation, {-7}, [](P p) { return engine::Saturation(p, -0.07); }},
+        Case{Operation::MotionBlur, {7}, [](P p) { return engine::MotionBlur(p, 90, 7); }},
+        Case{Operation::GaussianBlur, {3}, [](P p) { return engine::GaussianBlur(p, 3); }},
+        Case{Operation::Diffuse, {30}, [](P p) { return engine::Diffuse(p, 2, 30); }},
+        Case{Operation::Colorize, {255, 128, 0}, [](P p) { return engine::Colorize(p, 255, 128, 0); }},
+        Case{Operation::Skew, {30, -1}, [](P p) { return engine::Skew(p, true, 30, kBackground); }},
+        Case{Operation::Skew, {30, 0}, [](P p) { return engine::Skew(p, false, 30, kBackground); }},
+        Case{Operation::Perspective,
+             {-30, -1},
+             [](P p) { return engine::Perspective(p, true, -30, kBackground); }},
+        Case{Operation::Rotate, {45}, [](P p) { return engine::Rotate(p, 45, kBackground); }},
+    };
+    const PixelArray picture = Random({61, 43});
     for (const Case& c : cases) {
-        RecordingTransform transform;
-        Perform(transform, c.operation, c.parameters);
-        EXPECT_EQ(transform.calls, c.calls);
+        EXPECT_TRUE(SamePixels(After(picture, c.operation, c.values), c.wanted(picture)))
+            << RowOf(c.operation).caption << " " << c.values.value1;
     }
 }
 
-TEST(OperationTable, WhatIsNoByteMakesNoCall) {
-    const auto cases = {
-        Case{Operation::Threshold, {300}, ""},         Case{Operation::Threshold, {-1}, ""},
-        Case{Operation::Colorize, {-1, 255, 255}, ""}, Case{Operation::Colorize, {255, 256, 255}, ""},
-        Case{Operation::Colorize, {255, 255, -1}, ""},
+// Four pixels that tell every direction and channel apart: 1 2 over 3 4.
+PixelArray FourPixels() {
+    return engine::test::Draw({2, 2}, [](int x, int y) {
+        const auto v = static_cast<std::uint8_t>(10 * (1 + x + 2 * y));
+        return Pixel{v, static_cast<std::uint8_t>(v + 1), static_cast<std::uint8_t>(v + 2), 255};
+    });
+}
+
+TEST(OperationTable, TurnsAndMirrorsTheRightWay) {
+    struct Case {
+        Operation operation;
+        std::array<int, 4> order; // of the numbers 1..4, row by row
     };
-    for (const Case& c : cases) {
-        RecordingTransform transform;
-        EXPECT_THROW(Perform(transform, c.operation, c.parameters), NumberError);
-        EXPECT_EQ(transform.calls, "");
+    for (const Case& c :
+         {Case{Operation::TurnLeft, {2, 4, 1, 3}}, Case{Operation::TurnRight, {3, 1, 4, 2}},
+          Case{Operation::FlipVertical, {3, 4, 1, 2}}, Case{Operation::FlipHorizontal, {2, 1, 4, 3}}}) {
+        const PixelArray result = After(FourPixels(), c.operation, {});
+        const std::array order{At(result, 0, 0)[0] / 10, At(result, 1, 0)[0] / 10, At(result, 0, 1)[0] / 10,
+                               At(result, 1, 1)[0] / 10};
+        EXPECT_EQ(order, c.order) << RowOf(c.operation).caption;
     }
 }
 
-TEST(OperationTable, OfSeveralCallsTheLastOneCounts) {
-    const auto cases = {
-        Case{Operation::SharpenOrBlur, {0}, "Blur(0) Sharpen(0) Sharpen(0)"},
-        Case{Operation::MaximalOrMinimal, {1}, "MinimalFilter(0) MaximalFilter(0) MaximalFilter(-1)"},
+TEST(OperationTable, ReachesTheChannelThatTheCodeNames) {
+    struct Case {
+        Operation operation;
+        Values values;
+        Pixel result; // of blue 10, green 11, red 12
     };
-    for (const Case& c : cases) {
-        RecordingTransform transform;
-        transform.fails = true;
-        EXPECT_THROW(Perform(transform, c.operation, c.parameters), ImagingError);
-        EXPECT_EQ(transform.calls, c.calls) << "a failing call does not keep the next from being made";
+    for (const Case& c :
+         {Case{Operation::Red, {100}, {10, 11, 112, 255}}, Case{Operation::Green, {100}, {10, 111, 12, 255}},
+          Case{Operation::Blue, {100}, {110, 11, 12, 255}},
+          Case{Operation::Colorize, {255, 0, 0}, {0, 0, 12, 255}}}) {
+        EXPECT_EQ(At(After(FourPixels(), c.operation, c.values), 0, 0), c.result)
+            << RowOf(c.operation).caption;
+    }
+}
+
+TEST(OperationTable, ExposedAreaGetsTheBackground) {
+    for (const auto& [operation, values] :
+         {std::pair{Operation::Skew, Values{60, 0}}, std::pair{Operation::Perspective, Values{60, -1}},
+          std::pair{Operation::Rotate, Values{45}}}) {
+        EXPECT_EQ(At(After(Random({40, 30}), operation, values), 0, 0), (Pixel{0x11, 0x22, 0x33, 255}))
+            << RowOf(operation).caption;
+    }
+}
+
+TEST(OperationTable, RefusesWhatTheOperationCannotTake) {
+    const PixelArray picture = Random({9, 9});
+    for (const Values& values : {Values{-1, 255, 255}, Values{255, 256, 255}, Values{255, 255, -1}}) {
+        EXPECT_THROW(After(picture, Operation::Colorize, values), NumberError);
+    }
+    EXPECT_THROW(After(picture, Operation::Threshold, {300}), NumberError);
+    EXPECT_THROW(After(picture, Operation::Threshold, {-1}), NumberError);
+    EXPECT_THROW(After(picture, Operation::Resize, {40000, 10}), ImagingError);
+    EXPECT_THROW(After(picture, Operation::Resize, {0, 10}), ImagingError);
+}
+
+TEST(OperationTable, NoOperationWritesToThePictureItWasGiven) {
+    const PixelArray picture = Random({33, 21});
+    const PixelArray safe = engine::test::Crop(picture, 0, 0, {33, 21});
+    for (const OperationRow& row : OperationTable()) {
+        row.apply(picture, {20, 30, 4}, kBackground);
+        ASSERT_TRUE(SamePixels(picture, safe)) << row.caption;
     }
 }
 

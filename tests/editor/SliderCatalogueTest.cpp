@@ -104,10 +104,10 @@ TEST(GatherParameters, TakesWhatTheOperationNeeds) {
     const auto valueOf = [](int slider) { return 1000 + slider; };
     struct Case {
         int slider;
-        OperationParameters parameters;
+        Values parameters;
     };
-    const OperationParameters colour{1000 + kColorizeRed, 1000 + kColorizeGreen, 1000 + kColorizeBlue};
-    const OperationParameters emboss{1000 + kEmbossAngle, 1000 + kEmbossAmount, 1000 + kEmbossHeight};
+    const Values colour{1000 + kColorizeRed, 1000 + kColorizeGreen, 1000 + kColorizeBlue};
+    const Values emboss{1000 + kEmbossAngle, 1000 + kEmbossAmount, 1000 + kEmbossHeight};
     const auto cases = {
         Case{kBrightness, {1000, 0, 0}},
         Case{kColorizeRed, colour},
@@ -122,7 +122,7 @@ TEST(GatherParameters, TakesWhatTheOperationNeeds) {
         Case{kPerspectiveHorizontal, {1000 + kPerspectiveHorizontal, 0, 0}},
     };
     for (const Case& c : cases) {
-        const OperationParameters gathered = GatherParameters(c.slider, valueOf);
+        const Values gathered = GatherParameters(c.slider, valueOf);
         EXPECT_EQ(gathered.value1, c.parameters.value1) << c.slider;
         EXPECT_EQ(gathered.value2, c.parameters.value2) << c.slider;
         EXPECT_EQ(gathered.value3, c.parameters.value3) << c.slider;

@@ -1,5 +1,4 @@
 // Which picture is known to be in which working file, and when that knowledge ends.
-#include "editor/FinerCopies.h"
 #include "editor/TemporaryFolder.h"
 #include "editor/WorkingFileMemory.h"
 #include "picture/MadeDetails.h"
@@ -12,10 +11,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using engine::test::Random;
-
-std::shared_ptr<FinerCopies> Finer(const PixelArray& picture) {
-    return std::make_shared<FinerCopies>(std::make_shared<PicturePyramid>(picture));
-}
 
 class WorkingFileMemoryTest : public ::testing::Test {
   protected:
@@ -47,16 +42,6 @@ TEST_F(WorkingFileMemoryTest, KnowsWhatIsTheSamePicture) {
     EXPECT_EQ(folder_.Names(), std::vector<std::string>{"1.jpg"});
 }
 
-TEST_F(WorkingFileMemoryTest, KnowsThePixelsUnderBothNames) {
-    ASSERT_TRUE(memory_.LinkAs(folder_.Path("2.jpg"), picture_));
-    EXPECT_EQ(ContentOf(folder_.Path("2.jpg")), "one");
-    EXPECT_TRUE(memory_.PixelsOf(file_).SharesPixelsWith(picture_));
-    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("2.jpg")).SharesPixelsWith(picture_));
-    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("3.jpg")).IsEmpty());
-    EXPECT_TRUE(memory_.PixelsOf("").IsEmpty());
-    EXPECT_TRUE(WorkingFileMemory().PixelsOf("").IsEmpty());
-}
-
 TEST_F(WorkingFileMemoryTest, FollowsRenamedFiles) {
     const std::string renamed = folder_.Make("3.jpg", "one");
     memory_.FileRenamed(file_, renamed);
@@ -64,22 +49,6 @@ TEST_F(WorkingFileMemoryTest, FollowsRenamedFiles) {
     const std::string other = folder_.Make("4.jpg", "four");
     memory_.FileRenamed(other, renamed); // takes the place of the remembered one
     EXPECT_FALSE(memory_.FileOf(picture_));
-}
-
-TEST_F(WorkingFileMemoryTest, KeepsTheFinerCopiesUntilAnotherPictureComes) {
-    PixelArray copy = Random({3, 3});
-    copy.SetReduction(1.0 / 3);
-    copy.SetFiner(Finer(picture_));
-    EXPECT_FALSE(copy.Finer()); // nobody keeps them
-    const auto finer = Finer(picture_);
-    copy.SetFiner(finer);
-    memory_.Remember(folder_.Path("copy.jpg"), copy);
-    EXPECT_EQ(memory_.FinerOf(folder_.Path("copy.jpg")), finer);
-    EXPECT_FALSE(memory_.FinerOf(file_));
-    memory_.Remember(file_, picture_);
-    EXPECT_TRUE(memory_.FinerOf(folder_.Path("copy.jpg")));
-    memory_.Remember(folder_.Path("2.jpg"), Random({9, 9}));
-    EXPECT_FALSE(memory_.FinerOf(folder_.Path("copy.jpg")));
 }
 
 TEST_F(WorkingFileMemoryTest, ALinkTakesThePlaceOfAnOlderFile) {
@@ -96,7 +65,6 @@ TEST_F(WorkingFileMemoryTest, WritingAPictureToItsOwnFileKeepsTheFile) {
 TEST_F(WorkingFileMemoryTest, WhereNoLinkCanBeMadeBothFilesStay) {
     EXPECT_FALSE(memory_.LinkAs(folder_.Path("missing folder/2.jpg"), picture_));
     EXPECT_EQ(memory_.FileOf(picture_), file_);
-    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("missing folder/2.jpg")).IsEmpty());
 }
 
 TEST_F(WorkingFileMemoryTest, AReducedCopyDoesNotPushThePictureOut) {
@@ -104,7 +72,6 @@ TEST_F(WorkingFileMemoryTest, AReducedCopyDoesNotPushThePictureOut) {
     reduced.SetReduction(0.25);
     memory_.Remember(folder_.Make("preview.jpg", "small"), reduced);
     EXPECT_EQ(memory_.FileOf(picture_), file_);
-    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("preview.jpg")).IsEmpty());
 }
 
 TEST_F(WorkingFileMemoryTest, AReducedCopyWrittenOverTheFileEndsIt) {
@@ -116,12 +83,10 @@ TEST_F(WorkingFileMemoryTest, AReducedCopyWrittenOverTheFileEndsIt) {
     fs::remove(second);
     folder_.Make("2.jpg", "small");
     memory_.Remember(second, reduced);
-    EXPECT_TRUE(memory_.PixelsOf(second).IsEmpty());
     EXPECT_EQ(memory_.FileOf(picture_), file_) << "the first name still holds it";
 
     folder_.Make("1.jpg", "small");
     memory_.Remember(file_, reduced);
-    EXPECT_TRUE(memory_.PixelsOf(file_).IsEmpty());
     EXPECT_FALSE(memory_.FileOf(picture_)) << "a reduced copy would be taken for the picture";
 }
 
@@ -129,9 +94,7 @@ TEST_F(WorkingFileMemoryTest, ADeletedFileHoldsNothing) {
     const std::string second = folder_.Path("2.jpg");
     ASSERT_TRUE(memory_.LinkAs(second, picture_));
     fs::remove(second);
-    EXPECT_TRUE(memory_.PixelsOf(second).IsEmpty());
     fs::remove(file_);
-    EXPECT_TRUE(memory_.PixelsOf(file_).IsEmpty());
     EXPECT_FALSE(memory_.FileOf(picture_));
     EXPECT_FALSE(memory_.LinkAs(second, picture_));
 }
@@ -141,7 +104,6 @@ TEST_F(WorkingFileMemoryTest, TheNextFileTakesThePlaceOfTheFirst) {
     const PixelArray next = Random({5, 5});
     memory_.Remember(folder_.Make("3.jpg", "three"), next);
     EXPECT_FALSE(memory_.FileOf(picture_));
-    EXPECT_TRUE(memory_.PixelsOf(folder_.Path("2.jpg")).IsEmpty());
     EXPECT_EQ(memory_.FileOf(next), folder_.Path("3.jpg"));
 }
 

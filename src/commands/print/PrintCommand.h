@@ -4,7 +4,7 @@
 #include "commands/print/ImagePaint.h"
 #include "controls/Events.h"
 #include "controls/PushButton.h"
-#include "editor/Image_Mods.h"
+#include "editor/Editor.h"
 #include "platform/Messages.h"
 
 namespace pictorel {
@@ -12,12 +12,12 @@ namespace pictorel {
 class PrintCommand {
   public:
     // `button` is the tool bar's Print button.
-    PrintCommand(const Image_Mods& document, ImagePaint& imagePaint, PushButton& button, Messages& messages);
+    PrintCommand(Editor& editor, ImagePaint& imagePaint, PushButton& button, Messages& messages);
 
     void Print();
 
   private:
-    const Image_Mods& document_;
+    Editor& editor_;
     ImagePaint& imagePaint_;
     Messages& messages_;
     Events events_;

@@ -10,30 +10,27 @@
 namespace pictorel {
 
 // Opening and acquiring return at once; what they began is told by the handler and seen in the numbers below.
-// The number in each comment is the member's number in the interface catalogue that the Scan command is
-// written against; members without one are our own.
 class ImageTwain {
   public:
     virtual ~ImageTwain() = default;
 
-    virtual bool IsSourceManagerOpen() const = 0; // 8; also while it still brings a page in
-    virtual void OpenSourceManager() = 0;         // 6; begins to look for sources
-    virtual std::int32_t SourceCount() const = 0; // 3; 0 until they are known
+    virtual bool IsSourceManagerOpen() const = 0; // also while it still brings a page in
+    virtual void OpenSourceManager() = 0;         // begins to look for sources
+    virtual std::int32_t SourceCount() const = 0; // 0 until they are known
 
     // Called once after each opening, by the event loop: the sources are known, or none can be found out.
     virtual void SetSourcesKnownHandler(std::function<void()> handler) = 0;
 
-    virtual void SelectSource(
-        std::int32_t source) = 0;              // 5; throws ImagingError where there is no such source
-    virtual void Acquire(bool showDialog) = 0; // 10; one page; throws ImagingError where no source is at hand
+    virtual void SelectSource(std::int32_t source) = 0; // throws ImagingError where there is no such source
+    virtual void Acquire(bool showDialog) = 0; // one page; throws ImagingError where no source is at hand
 
-    // 7; a page on its way is still brought in, and the manager closes after it.
+    // A page on its way is still brought in, and the manager closes after it.
     virtual void CloseSourceManager() = 0;
 
     virtual bool IsAcquiring() const = 0;           // a page is on its way
     virtual int PercentAcquired() const = 0;        // 0 where the scanner does not tell
-    virtual std::int32_t AcquiredCount() const = 0; // 1; pages waiting
-    virtual void CopyAcquired(std::int32_t page, PixelArray& picture) = 0; // 2; and it waits no longer
+    virtual std::int32_t AcquiredCount() const = 0; // pages waiting
+    virtual void CopyAcquired(std::int32_t page, PixelArray& picture) = 0; // and it waits no longer
 
     // What ended the last acquisition without a page, as a sentence for the person; asking forgets it.
     virtual std::string TakeFailure() = 0;

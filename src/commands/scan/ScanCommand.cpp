@@ -1,29 +1,28 @@
 // The Scan command, see ScanCommand.h.
 #include "commands/scan/ScanCommand.h"
 
+#include "editor/ImageCodec.h"
+#include "editor/SaveFormats.h"
 #include "platform/CarryOn.h"
-#include "platform/PumpEvents.h"
 
 #include <QApplication>
+
+#include <utility>
 
 namespace pictorel {
 namespace {
 
-constexpr PictureSlot kSlot = 0;
-constexpr int kPageQuality = 100;
 constexpr int kFullPercent = 100;
 
 } // namespace
 
-ScanCommand::ScanCommand(Image_Mods& document, PictureFiles& files, FileCommands& fileCommands,
-                         ImageTwain& imageTwain, ScanCommandControls controls, EditorServices& services,
-                         Messages& messages)
-    : document_(document),
-      files_(files),
+ScanCommand::ScanCommand(Editor& editor, FileCommands& fileCommands, ImageTwain& imageTwain,
+                         ScanCommandControls controls, ScanCommandServices services, Messages& messages)
+    : editor_(editor),
       fileCommands_(fileCommands),
       imageTwain_(imageTwain),
       controls_(controls),
-      services_(services),
+      services_(std::move(services)),
       messages_(messages) {
     events_.On(controls_.ScanButton, &PushButton::clicked, [this] { Scan(); });
     events_.On(controls_.Timer_Scanner, &QTimer::timeout, [this] { Timer_Scanner_Timer(); });
@@ -34,7 +33,7 @@ void ScanCommand::Scan() {
     if (imageTwain_.IsSourceManagerOpen() || controls_.Timer_Scanner.isActive()) {
         return;
     }
-    CarryOn([&] { services_.SetCommandsEnabled(false); }, //
+    CarryOn([&] { services_.setCommandsEnabled(false); }, //
             [&] { imageTwain_.OpenSourceManager(); });
     if (!imageTwain_.IsSourceManagerOpen()) {
         Finish();
@@ -57,14 +56,14 @@ void ScanCommand::SourcesKnown() {
             Acquire();
         }
     }
-    CarryOn([] { PumpEvents(); }, [&] { imageTwain_.CloseSourceManager(); });
+    CarryOn([&] { imageTwain_.CloseSourceManager(); });
     if (!controls_.Timer_Scanner.isActive()) {
         Finish();
     }
 }
 
 void ScanCommand::Acquire() {
-    CarryOn([&] { services_.EndAttention(); }, // the notice that says how to begin would lie over the page
+    CarryOn([&] { services_.endAttention(); }, // the notice that says how to begin would lie over the page
             [&] { controls_.ScanButton.SetEnabled(false); }, //
             [&] { controls_.Timer_Scanner.start(); },        //
             [&] { imageTwain_.SelectSource(0); },            //
@@ -77,8 +76,9 @@ void ScanCommand::Acquire() {
 }
 
 void ScanCommand::Timer_Scanner_Timer() {
-    // Under a question about the open picture ("Save Changes ?") it is not replaced by another.
-    if (QApplication::activeModalWidget() != nullptr) {
+    // Neither in the midst of a command nor under a question about the open picture ("Save Changes ?") is it
+    // replaced by another.
+    if (editor_.IsBusy() || QApplication::activeModalWidget() != nullptr) {
         return;
     }
     if (imageTwain_.AcquiredCount() >= 1) {
@@ -106,37 +106,37 @@ void ScanCommand::TakePage() {
             messages_.Show(QStringLiteral("Can not save image file!"), QString(), MessageIcon::Critical);
         });
     };
-    const QString fileName = document_.GetTempFolder() + QStringLiteral("tmp_scan.jpg");
+    const QString fileName = editor_.Document.WorkingFile(QStringLiteral("tmp_scan.jpg"));
     if (!WritePage(fileName)) {
         Finish();
         refuse();
         return;
     }
     bool loaded = false;
-    CarryOn([] { PumpEvents(); }, [&] { loaded = files_.LoadImageFile(kSlot, fileName); });
+    CarryOn([&] { loaded = editor_.Files.LoadImageFile(kSlot, fileName); });
     Finish();
     if (loaded) {
-        document_.PictureName = QObject::tr("Scan");
+        editor_.Document.PictureName = QObject::tr("Scan");
         fileCommands_.ShowAsFreshlyOpened();
     } else {
         refuse();
     }
-    CarryOn([&] { document_.FileSystem.Delete(fileName); });
+    CarryOn([&] { editor_.Document.FileSystem.Delete(fileName); });
 }
 
 bool ScanCommand::WritePage(const QString& fileName) {
     return StopAtFirstError([&] {
         PixelArray page;
         imageTwain_.CopyAcquired(0, page);
-        document_.ImageCodec->SetQuality(kPageQuality);
-        document_.ImageCodec->Write(page, fileName.toStdString(), "JPG");
+        editor_.Document.ImageCodec->SetQuality(kSaveQuality);
+        editor_.Document.ImageCodec->Write(page, fileName.toStdString(), "JPG");
         return true;
     });
 }
 
 void ScanCommand::Finish() {
     CarryOn([&] { controls_.ProgressBarControl.SetVisible(false); },
-            [&] { services_.SetCommandsEnabled(true); });
+            [&] { services_.setCommandsEnabled(true); });
 }
 
 void ScanCommand::Abandon() {

@@ -6,12 +6,12 @@
 #include "controls/Events.h"
 #include "controls/ProgressBar.h"
 #include "controls/PushButton.h"
-#include "editor/EditorServices.h"
-#include "editor/Image_Mods.h"
-#include "editor/PictureFiles.h"
+#include "editor/Editor.h"
 #include "platform/Messages.h"
 
 #include <QTimer>
+
+#include <functional>
 
 namespace pictorel {
 
@@ -21,12 +21,18 @@ struct ScanCommandControls {
     ProgressBar& ProgressBarControl;
 };
 
+// What a scan asks of the rest of the window.
+struct ScanCommandServices {
+    std::function<void(bool on)> setCommandsEnabled; // off: no control takes input, each keeps its own state
+    std::function<void()> endAttention;
+};
+
 // From the click until the page is there or is given up, the window paints but takes no command, so neither
 // this one nor an edit can come in between. Whatever ends without a page leaves picture and history alone.
 class ScanCommand {
   public:
-    ScanCommand(Image_Mods& document, PictureFiles& files, FileCommands& fileCommands, ImageTwain& imageTwain,
-                ScanCommandControls controls, EditorServices& services, Messages& messages);
+    ScanCommand(Editor& editor, FileCommands& fileCommands, ImageTwain& imageTwain,
+                ScanCommandControls controls, ScanCommandServices services, Messages& messages);
 
     void Scan();
     void Timer_Scanner_Timer();
@@ -40,12 +46,11 @@ class ScanCommand {
     bool WritePage(const QString& fileName);
     void Finish(); // gives the commands back
 
-    Image_Mods& document_;
-    PictureFiles& files_;
+    Editor& editor_;
     FileCommands& fileCommands_;
     ImageTwain& imageTwain_;
     ScanCommandControls controls_;
-    EditorServices& services_;
+    ScanCommandServices services_;
     Messages& messages_;
     bool abandoned_ = false;
     Events events_;

@@ -1,6 +1,6 @@
 // Picture files on a real disk: by content, refused cleanly, saved whole; and the thrift of working files.
 #include "editor/FileSizeLimit.h"
-#include "editor/PictureFileCodec.h"
+#include "editor/ImageCodec.h"
 #include "editor/TemporaryFolder.h"
 #include "picture/ImagingError.h"
 #include "picture/MadeDetails.h"
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 using engine::test::Random;
 using engine::test::SamePixels;
 
-class PictureFileCodecTest : public ::testing::Test {
+class ImageCodecTest : public ::testing::Test {
   protected:
     // Whether the two names lead to one file.
     bool AreOneFile(const char* a, const char* b) const {
@@ -24,11 +24,11 @@ class PictureFileCodecTest : public ::testing::Test {
 
     const TemporaryFolder folder_;
     const std::shared_ptr<WorkingFileMemory> memory_ = std::make_shared<WorkingFileMemory>();
-    PictureFileCodec codec_{
-        [](const std::string& fileName) { return fileName.find("/tmp_") != std::string::npos; }, memory_};
+    ImageCodec codec_{[](const std::string& fileName) { return fileName.find("/tmp_") != std::string::npos; },
+                      memory_};
 };
 
-TEST_F(PictureFileCodecTest, ContentDecidesWhateverTheName) {
+TEST_F(ImageCodecTest, ContentDecidesWhateverTheName) {
     const PixelArray picture = Random({37, 23});
     codec_.Write(picture, folder_.Path("a.bmp"), "bmp");
     for (const char* const name : {"a.jpg", "a", "Übersee 日本.txt"}) {
@@ -39,7 +39,7 @@ TEST_F(PictureFileCodecTest, ContentDecidesWhateverTheName) {
     }
 }
 
-TEST_F(PictureFileCodecTest, WhatIsNoPictureIsRefusedWithAnEmptyArray) {
+TEST_F(ImageCodecTest, WhatIsNoPictureIsRefusedWithAnEmptyArray) {
     const PixelArray picture = Random({64, 64});
     codec_.Write(picture, folder_.Path("good.bmp"), "BMP");
     codec_.Write(picture, folder_.Path("good.jpg"), "JPG");
@@ -73,7 +73,7 @@ TEST_F(PictureFileCodecTest, WhatIsNoPictureIsRefusedWithAnEmptyArray) {
     EXPECT_TRUE(read.IsEmpty());
 }
 
-TEST_F(PictureFileCodecTest, AnUnknownFormatLeavesTheFileAlone) {
+TEST_F(ImageCodecTest, AnUnknownFormatLeavesTheFileAlone) {
     const std::string file = folder_.Make("a.xyz", "mine");
     for (const char* const format : {"XYZ", "", "BMPX", "B"}) {
         try {
@@ -87,7 +87,7 @@ TEST_F(PictureFileCodecTest, AnUnknownFormatLeavesTheFileAlone) {
     EXPECT_EQ(ContentOf(file), "mine");
 }
 
-TEST_F(PictureFileCodecTest, QualityIsThatOfTheNextFile) {
+TEST_F(ImageCodecTest, QualityIsThatOfTheNextFile) {
     const PixelArray picture = Random({200, 150});
     codec_.SetQuality(30);
     codec_.Write(picture, folder_.Path("small.jpg"), "jpg");
@@ -96,7 +96,7 @@ TEST_F(PictureFileCodecTest, QualityIsThatOfTheNextFile) {
     EXPECT_LT(fs::file_size(folder_.Path("small.jpg")) * 2, fs::file_size(folder_.Path("large.jpg")));
 }
 
-TEST_F(PictureFileCodecTest, AFailedSaveLosesNothing) {
+TEST_F(ImageCodecTest, AFailedSaveLosesNothing) {
     const PixelArray old = Random({20, 20});
     codec_.Write(old, folder_.Path("a.bmp"), "BMP");
     {
@@ -108,7 +108,7 @@ TEST_F(PictureFileCodecTest, AFailedSaveLosesNothing) {
     EXPECT_TRUE(SamePixels(read, old));
 }
 
-TEST_F(PictureFileCodecTest, OnlyWorkingFilesCarryAndBelieveThePrivateSegment) {
+TEST_F(ImageCodecTest, OnlyWorkingFilesCarryAndBelieveThePrivateSegment) {
     PixelArray picture = Random({40, 30}, engine::test::Alpha::Random);
     picture.SetReduction(0.5);
     picture.SetDetails(MadeDetails());
@@ -125,7 +125,7 @@ TEST_F(PictureFileCodecTest, OnlyWorkingFilesCarryAndBelieveThePrivateSegment) {
     EXPECT_EQ(read.Reduction(), 1.0);
 }
 
-TEST_F(PictureFileCodecTest, TheSamePictureIsEncodedOnce) {
+TEST_F(ImageCodecTest, TheSamePictureIsEncodedOnce) {
     PixelArray picture = Random({60, 40});
     codec_.Write(picture, folder_.Path("tmp_history.jpg"), "JPG");
     codec_.Write(picture, folder_.Path("tmp_preview0.jpg"), "JPG");
@@ -142,7 +142,7 @@ TEST_F(PictureFileCodecTest, TheSamePictureIsEncodedOnce) {
     EXPECT_TRUE(AreOneFile("tmp_history.jpg", "tmp_preview0.jpg"));
 }
 
-TEST_F(PictureFileCodecTest, TheUsersFilesAreNeverLinked) {
+TEST_F(ImageCodecTest, TheUsersFilesAreNeverLinked) {
     const PixelArray picture = Random({60, 40});
     codec_.Write(picture, folder_.Path("tmp_history.jpg"), "JPG");
     codec_.Write(picture, folder_.Path("mine.jpg"), "JPG");
@@ -152,7 +152,7 @@ TEST_F(PictureFileCodecTest, TheUsersFilesAreNeverLinked) {
     EXPECT_FALSE(AreOneFile("mine.jpg", "copy.jpg"));
 }
 
-TEST_F(PictureFileCodecTest, AChangedPictureIsEncodedAndItsTwinStaysAsItWas) {
+TEST_F(ImageCodecTest, AChangedPictureIsEncodedAndItsTwinStaysAsItWas) {
     PixelArray picture = Random({60, 40});
     codec_.Write(picture, folder_.Path("tmp_1.jpg"), "JPG");
     codec_.Write(picture, folder_.Path("tmp_2.jpg"), "JPG"); // one file by now
@@ -165,7 +165,7 @@ TEST_F(PictureFileCodecTest, AChangedPictureIsEncodedAndItsTwinStaysAsItWas) {
     EXPECT_NE(ContentOf(folder_.Path("tmp_2.jpg")), before);
 }
 
-TEST_F(PictureFileCodecTest, AFailedWorkingFileIsNotRemembered) {
+TEST_F(ImageCodecTest, AFailedWorkingFileIsNotRemembered) {
     const PixelArray picture = Random({60, 40});
     {
         const FileSizeLimit limit(100);

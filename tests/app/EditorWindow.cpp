@@ -1,5 +1,7 @@
-// The editor as the tests drive it, see Editor.h.
-#include "app/Editor.h"
+// The editor as the tests drive it, see EditorWindow.h.
+#include "app/EditorWindow.h"
+
+#include "editor/ImageCodec.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -11,28 +13,28 @@
 
 namespace pictorel {
 
-Editor::Editor() : window_(std::make_unique<frmMain>()), startUp_(std::make_unique<StartUp>(*window_)) {
+EditorWindow::EditorWindow() : window_(std::make_unique<frmMain>()) {
     // The splash is waited for by the start-up sequence itself; nobody needs to see it here.
     QTimer closer;
     QObject::connect(&closer, &QTimer::timeout, [this] {
         window_->findChild<PopupControl*>(QStringLiteral("PopupControl_Splash"))->Close();
     });
     closer.start(1);
-    EXPECT_EQ(startUp_->Form_Load(QString()), StartResult::Started);
+    EXPECT_EQ(window_->Start().Form_Load(QString()), StartResult::Started);
     closer.stop();
     WaitUntil([this] { return Get("Cmd_Panel", 0).IsEnabled(); });
 }
 
-Editor::~Editor() {
+EditorWindow::~EditorWindow() {
     Document().ImageModified(0) = false;
     window_->close();
 }
 
-bool Editor::WaitUntil(const std::function<bool()>& condition, int milliseconds) {
+bool EditorWindow::WaitUntil(const std::function<bool()>& condition, int milliseconds) {
     return QTest::qWaitFor(condition, milliseconds);
 }
 
-QStringList Editor::HistoryCaptions() {
+QStringList EditorWindow::HistoryCaptions() {
     QStringList captions;
     for (int row = 0; row < History().Count(); ++row) {
         captions.append(History().Item(row, 0).value);
@@ -40,7 +42,7 @@ QStringList Editor::HistoryCaptions() {
     return captions;
 }
 
-int Editor::ActiveRow() {
+int EditorWindow::ActiveRow() {
     int active = -1;
     for (int row = 0; row < History().Count(); ++row) {
         if (History().Item(row, 2).value == QStringLiteral("1")) {
@@ -50,44 +52,52 @@ int Editor::ActiveRow() {
     return std::max(active, -1);
 }
 
-void Editor::Click(const char* name, int index) {
+void EditorWindow::Click(const char* name, int index) {
     QTest::mouseClick(&Get<Control>(name, index).Widget(), Qt::LeftButton);
     QTest::qWait(1);
 }
 
-void Editor::PickHistoryRow(int row) {
+void EditorWindow::PickHistoryRow(int row) {
     ReportList& list = History();
     const QRect place = list.visualItemRect(list.topLevelItem(row));
     QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::NoModifier, place.center());
     QTest::qWait(1);
 }
 
-void Editor::Open(const QString& fileName) {
+void EditorWindow::Open(const QString& fileName) {
     person.WillChooseFile(fileName);
     Click("Cmd_Panel", 0);
 }
 
-void Editor::Save(const QString& fileName) {
+void EditorWindow::Save(const QString& fileName) {
     person.WillChooseFile(fileName);
     Click("Cmd_Panel", 1);
 }
 
-QString Editor::MakeFile(const QString& name, const PixelArray& picture) {
+QString EditorWindow::MakeFile(const QString& name, const PixelArray& picture) {
     QString path = Path(name);
     Document().ImageCodec->Write(picture, path.toStdString(), QFileInfo(name).suffix().toStdString());
     return path;
 }
 
-PixelArray Editor::Read(const QString& fileName) {
+PixelArray EditorWindow::Read(const QString& fileName) {
     PixelArray picture;
     Document().ImageCodec->Read(fileName.toStdString(), picture);
     return picture;
 }
 
-PixelArray Editor::Shown() {
-    PixelArray picture;
-    Document().Transforms(0).CopyPicture(picture);
-    return picture;
+PixelArray EditorWindow::Shown() {
+    return Document().WorkingPicture(0);
+}
+
+Control& EditorWindow::Find(const char* name, int index) {
+    const QString single = QString::fromLatin1(name);
+    for (const QString& wanted : {QStringLiteral("%1_%2").arg(single).arg(index), single}) {
+        if (auto* const control = dynamic_cast<Control*>(window_->findChild<QWidget*>(wanted))) {
+            return *control;
+        }
+    }
+    throw ControlError(std::string(name) + ": there is no such control");
 }
 
 PixelArray MakeScene(int width, int height) {

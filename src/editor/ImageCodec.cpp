@@ -1,8 +1,7 @@
-// Picture files of every format, see PictureFileCodec.h.
-#include "editor/PictureFileCodec.h"
+// Picture files of every format, see ImageCodec.h.
+#include "editor/ImageCodec.h"
 
 #include "editor/AtomicFile.h"
-#include "editor/FinerCopies.h"
 #include "picture/BufferPool.h"
 #include "picture/ImagingError.h"
 #include "picture/codecs/jpeg/JpegCodec.h"
@@ -12,11 +11,11 @@
 
 namespace pictorel {
 
-PictureFileCodec::PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
-                                   codecs::CodecTable formats)
+ImageCodec::ImageCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
+                       codecs::CodecTable formats)
     : isWorkingFile_(std::move(isWorkingFile)), memory_(std::move(memory)), formats_(std::move(formats)) {}
 
-bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
+bool ImageCodec::Read(const std::string& fileName, PixelArray& picture) {
     picture = PixelArray();
     const auto bytes = ReadWholeFile(fileName);
     const codecs::Codec* const codec = bytes ? formats_.FindByContent(*bytes) : nullptr;
@@ -27,10 +26,6 @@ bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
         const bool working = isWorkingFile_(fileName);
         picture = codec->read(*bytes, {working});
         if (working) {
-            if (const auto finer = memory_->FinerOf(fileName)) {
-                finer->Ordinary(); // so that the first change of a slider need not wait for it
-                picture.SetFiner(finer);
-            }
             memory_->Remember(fileName, picture);
         }
         return true;
@@ -45,8 +40,7 @@ bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
     }
 }
 
-void PictureFileCodec::Write(const PixelArray& picture, const std::string& fileName,
-                             std::string_view format) {
+void ImageCodec::Write(const PixelArray& picture, const std::string& fileName, std::string_view format) {
     const codecs::Codec* const codec = formats_.FindByExtension(format);
     if (codec == nullptr) {
         throw ImagingError(ImagingFailure::UnsupportedFormat,

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "app/Person.h"
-#include "app/StartUp.h"
 #include "app/frmMain.h"
 
 #include <QTemporaryDir>
@@ -12,19 +11,22 @@
 
 namespace pictorel {
 
-class Editor {
+class EditorWindow {
   public:
-    Editor();
-    ~Editor();
+    EditorWindow();
+    ~EditorWindow();
 
     Person person;
 
     frmMain& Window() { return *window_; }
     Image_Mods& Document() { return window_->Document(); }
 
+    PictureView& View() { return Get<PictureViewControl>("ImageView"); }
+
+    // The control of this name, or element of the control array.
     template <typename T = PushButton>
     T& Get(const char* name, int index = 0) {
-        return window_->Controls().Array<T>(name)(index);
+        return dynamic_cast<T&>(Find(name, index));
     }
     ReportList& History() { return Get<ReportList>("HistoryList"); }
     QStringList HistoryCaptions();
@@ -49,9 +51,10 @@ class Editor {
     PixelArray Shown(); // the working picture
 
   private:
+    Control& Find(const char* name, int index);
+
     QTemporaryDir folder_;
     std::unique_ptr<frmMain> window_;
-    std::unique_ptr<StartUp> startUp_;
 };
 
 // A picture of smooth colours with some edges, opaque.

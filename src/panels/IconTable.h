@@ -42,22 +42,9 @@ static_assert(
     }(),
     "the store is filled in id order");
 
-// A picture of the store on an element of a control array.
-struct ButtonImage {
-    std::string_view array;
-    int element;
-    int icon;
-};
-
-inline constexpr std::array<ButtonImage, 19> kButtonImages{{
-    {"Cmd_Tab", 4, 2},         {"Cmd_Panel", 0, 4},       {"Cmd_Panel", 1, 8},        {"Cmd_Panel", 2, 5},
-    {"Cmd_Panel", 3, 6},       {"Cmd_Panel", 4, 7},       {"Cmd_Panel", 5, 17},       {"Cmd_Panel", 6, 18},
-    {"Cmd_Panel", 7, 20},      {"Cmd_ZoomIn", 0, 9},      {"Cmd_ZoomOut", 0, 10},     {"Cmd_FlipV", 0, 11},
-    {"Cmd_FlipH", 0, 12},      {"Cmd_RotateLeft", 0, 13}, {"Cmd_RotateRight", 0, 14}, {"Cmd_ZoomFit", 0, 15},
-    {"Cmd_ActualSize", 0, 16}, {"Cmd_Recommend", 0, 26},  {"Cmd_Recommend", 1, 27},
-}};
-
 inline constexpr int kResetIcon = 1;
+inline constexpr int kLockedIcon = 2;
+inline constexpr int kUnlockedIcon = 3;
 inline constexpr int kUpdateIcon = 24;
 inline constexpr int kFirstAdjustmentIcon = 28; // of Cmd_Icon(0)
 

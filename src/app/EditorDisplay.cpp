@@ -1,0 +1,60 @@
+// What the window shows of the editor, see EditorDisplay.h.
+#include "app/EditorDisplay.h"
+
+#include "platform/PumpEvents.h"
+
+namespace pictorel {
+
+void EditorDisplay::PictureLoaded(PictureSlot slot) {
+    parts_.view.SetRedraw(false);
+    parts_.view.Show(editor_.Document.WorkingPicture(slot));
+    parts_.view.FitNew();
+    parts_.view.SetRedraw(true);
+    parts_.zoomScroll.UpdateZoomView(slot);
+    ShowSize(slot);
+}
+
+void EditorDisplay::PictureChanged(PictureSlot slot) {
+    parts_.view.SetRedraw(false);
+    parts_.view.Show(editor_.Document.WorkingPicture(slot));
+    parts_.view.SetRedraw(true);
+}
+
+void EditorDisplay::SizeChanged(PictureSlot slot) {
+    ShowSize(slot);
+    parts_.resizePanel.PictureSizeChanged();
+}
+
+void EditorDisplay::ShowSize(PictureSlot slot) {
+    parts_.lbl_ImageInfo.SetCaption(
+        ImageInfoText(editor_.Document.ImageWidth(slot), editor_.Document.ImageHeight(slot)));
+    parts_.lbl_ImageInfo.RepaintNow();
+}
+
+void EditorDisplay::HistoryChanged() {
+    parts_.historyPanel.Show();
+    parts_.livePreview.HistoryChanged();
+}
+
+void EditorDisplay::PreviewLoaded() {
+    parts_.previewWindow.ShowCopy(editor_.Document.PreviewPixels);
+}
+
+void EditorDisplay::PreviewChanged(const PixelArray& preview) {
+    parts_.previewWindow.ShowPreview(preview);
+}
+
+void EditorDisplay::Progressed(int step) {
+    parts_.progressBar.setValue(step);
+    parts_.progressBar.RepaintNow();
+}
+
+void EditorDisplay::PaintPending() {
+    PaintPendingEvents();
+}
+
+ShownPart EditorDisplay::PartShown(PictureSlot /*slot*/) const {
+    return parts_.view.PartShown();
+}
+
+} // namespace pictorel

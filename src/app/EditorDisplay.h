@@ -1,0 +1,48 @@
+// What the window shows of the editor: picture, sizes, history, previews, progress.
+#pragma once
+
+#include "controls/Label.h"
+#include "controls/ProgressBar.h"
+#include "editor/Editor.h"
+#include "panels/HistoryPanel.h"
+#include "panels/LivePreview.h"
+#include "panels/PreviewWindow.h"
+#include "panels/ResizePanel.h"
+#include "view/ImageView.h"
+#include "view/ZoomScroll.h"
+
+namespace pictorel {
+
+struct EditorDisplayParts {
+    ImageView& view;
+    ZoomScroll& zoomScroll;
+    PreviewWindow& previewWindow;
+    HistoryPanel& historyPanel;
+    LivePreview& livePreview;
+    ResizePanel& resizePanel;
+    Label& lbl_ImageInfo;
+    ProgressBar& progressBar;
+};
+
+class EditorDisplay : public EditorObserver {
+  public:
+    EditorDisplay(Editor& editor, EditorDisplayParts parts) : editor_(editor), parts_(parts) {}
+
+    void PictureLoaded(PictureSlot slot) override;
+    void PictureChanged(PictureSlot slot) override;
+    void SizeChanged(PictureSlot slot) override;
+    void HistoryChanged() override;
+    void PreviewLoaded() override;
+    void PreviewChanged(const PixelArray& preview) override;
+    void Progressed(int step) override;
+    void PaintPending() override;
+    ShownPart PartShown(PictureSlot slot) const override;
+
+  private:
+    void ShowSize(PictureSlot slot);
+
+    Editor& editor_;
+    EditorDisplayParts parts_;
+};
+
+} // namespace pictorel

@@ -1,0 +1,166 @@
+// The editor without a window: loading, committing, going back, and what failures leave.
+#include "editor/HeadlessEditor.h"
+#include "picture/engine/Geometry.h"
+#include "picture/engine/PointOperations.h"
+#include "picture/engine/TestPictures.h"
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace pictorel::test {
+namespace {
+
+using engine::test::Random;
+using engine::test::SamePixels;
+
+class EditorTest : public ::testing::Test, protected HeadlessEditor {
+  protected:
+    EditorTest() { Open(MakeFile("first.png", picture_)); }
+
+    void RemoveWorkingFile(int number) {
+        QFile::remove(editor.Document.WorkingFile(QStringLiteral("tmpimg_0_%1.jpg").arg(number)));
+    }
+
+    PixelArray picture_ = Random({60, 40});
+};
+
+TEST_F(EditorTest, ARefusedFileChangesNothing) {
+    Commit(Operation::Invert);
+    const PixelArray shown = Shown();
+    const QString sliver = MakeFile("sliver.png", Random({1, 90}));
+    const QString text = QString::fromStdString(folder.Make("text.jpg", "no picture"));
+    for (const QString& file : {sliver, text, QStringLiteral("/nowhere/at.all")}) {
+        EXPECT_FALSE(Open(file));
+        EXPECT_EQ(messages.texts.back(), "Unsupported file format!");
+        EXPECT_TRUE(Shown().SharesPixelsWith(shown));
+        EXPECT_EQ(editor.Document.ImageWidth(kSlot), 60);
+        EXPECT_EQ(editor.Document.ImageHeight(kSlot), 40);
+        EXPECT_EQ(States().Count(), 2);
+        EXPECT_TRUE(editor.Document.ImageModified(kSlot));
+        EXPECT_EQ(editor.Document.PictureName, "first.png");
+    }
+}
+
+TEST_F(EditorTest, AnEditIsAppliedRecordedAndMarked) {
+    EXPECT_FALSE(editor.Document.ImageModified(kSlot));
+    EXPECT_FALSE(editor.Document.PreviewOutdated);
+    ASSERT_TRUE(Commit(Operation::TurnLeft));
+    EXPECT_TRUE(SamePixels(Shown(), engine::QuarterTurnLeft(picture_)));
+    EXPECT_TRUE(editor.Document.ImagePixels.SharesPixelsWith(Shown()));
+    EXPECT_EQ(editor.Document.ImageWidth(kSlot), 40);
+    EXPECT_TRUE(editor.Document.ImageModified(kSlot));
+    EXPECT_TRUE(editor.Document.PreviewOutdated);
+    EXPECT_EQ(States().Active(), 1);
+    editor.Undo();
+    EXPECT_EQ(editor.Document.ImageWidth(kSlot), 60);
+    EXPECT_TRUE(editor.Document.ImageModified(kSlot)) << "going back is no saving";
+}
+
+TEST_F(EditorTest, AnOperationThatFailsChangesNothingAndSaysSo) {
+    const PixelArray shown = Shown();
+    EXPECT_FALSE(Commit(Operation::Resize, {30000, 30000000, 0}));
+    EXPECT_EQ(messages.texts.size(), 1U);
+    EXPECT_TRUE(Shown().SharesPixelsWith(shown));
+    EXPECT_EQ(States().Count(), 1);
+    EXPECT_FALSE(editor.Document.ImageModified(kSlot));
+}
+
+TEST_F(EditorTest, CallsNeverPileUp) {
+    editor.ApplyImageOperation(kSlot, static_cast<int>(Operation::Brightness), false, {100});
+    editor.ApplyImageOperation(kSlot, static_cast<int>(Operation::Brightness), false, {10});
+    EXPECT_TRUE(SamePixels(Shown(), engine::Brightness(picture_, 10)));
+    for (const int code : {-1, 36, 4711}) {
+        EXPECT_TRUE(editor.ApplyImageOperation(kSlot, code, false, {}));
+        EXPECT_TRUE(SamePixels(Shown(), picture_));
+    }
+    EXPECT_FALSE(editor.ApplyImageOperation(kSlot, static_cast<int>(Operation::Threshold), false, {300}));
+    EXPECT_TRUE(SamePixels(Shown(), picture_));
+    EXPECT_TRUE(editor.Document.ImageModified(kSlot));
+    EXPECT_FALSE(editor.ApplyImageOperation(101, 0, false, {})) << "there is no such slot";
+}
+
+TEST_F(EditorTest, APreviewNeverTakesThePicturesPlace) {
+    editor.ReducedCopy.ShowImagePreview(editor.ReducedCopy.FileName());
+    editor.ApplyImageOperation(kSlot, static_cast<int>(Operation::Invert), true, {});
+    EXPECT_TRUE(SamePixels(Shown(), picture_));
+    EXPECT_EQ(editor.Document.PreviewPixels.Width(), 250);
+    EXPECT_EQ(States().Count(), 1);
+}
+
+TEST_F(EditorTest, AStateWhoseFileHasGoneIsSaidAndNotOfferedAgain) {
+    Commit(Operation::Invert);
+    Commit(Operation::FlipVertical);
+    const PixelArray shown = Shown();
+    RemoveWorkingFile(2);
+    editor.Undo();
+    EXPECT_EQ(messages.texts, std::vector<std::string>{"Unsupported file format!"});
+    EXPECT_TRUE(Shown().SharesPixelsWith(shown));
+    EXPECT_EQ(States().Active(), 2) << "the row of what is on the screen";
+    EXPECT_EQ(States().UndoRow(), 0);
+    editor.Undo();
+    EXPECT_EQ(States().Active(), 0);
+    EXPECT_EQ(messages.texts.size(), 1U);
+    EXPECT_EQ(States().RedoRow(), 2);
+}
+
+TEST_F(EditorTest, AStateThatCannotBeWrittenIsSaidAndNotOffered) {
+    // A folder in the working file's place cannot be replaced by a file.
+    ASSERT_TRUE(QDir().mkpath(editor.Document.WorkingFile("tmpimg_0_2.jpg")));
+    EXPECT_FALSE(Commit(Operation::Invert));
+    ASSERT_EQ(messages.texts.size(), 1U);
+    EXPECT_NE(messages.texts.front().find("tmpimg_0_2.jpg"), std::string::npos);
+    EXPECT_TRUE(SamePixels(Shown(), engine::Invert(picture_))) << "the edit itself is there";
+    Commit(Operation::FlipVertical);
+    EXPECT_EQ(States().UndoRow(), 0);
+}
+
+TEST_F(EditorTest, WhatIsMissingOfTheOldHistoryStopsNoOpen) {
+    Commit(Operation::Invert);
+    Commit(Operation::Invert);
+    RemoveWorkingFile(1);
+    RemoveWorkingFile(3);
+    ASSERT_TRUE(Open(MakeFile("next.png", Random({9, 9}))));
+    EXPECT_EQ(States().Count(), 1);
+    EXPECT_EQ(QDir(editor.Document.GetTempFolder()).entryList({"tmpimg_*"}), QStringList{"tmpimg_0_1.jpg"});
+    EXPECT_TRUE(messages.texts.empty());
+}
+
+TEST_F(EditorTest, ACommandIsBusyToItsEnd) {
+    class Watch : public EditorObserver {
+      public:
+        explicit Watch(const Editor& editor) : editor_(editor) {}
+        void PaintPending() override { sawIdle = sawIdle || !editor_.IsBusy(); }
+        void HistoryChanged() override { sawIdle = sawIdle || !editor_.IsBusy(); }
+        bool sawIdle = false;
+
+      private:
+        const Editor& editor_;
+    } watch(editor);
+    editor.SetObserver(&watch);
+    Commit(Operation::Invert);
+    editor.Undo();
+    editor.SetObserver(nullptr);
+    EXPECT_FALSE(watch.sawIdle);
+    EXPECT_FALSE(editor.IsBusy());
+}
+
+TEST_F(EditorTest, TheZoomedInPartIsWhatThePreviewStartsFrom) {
+    class Zoomed : public EditorObserver {
+      public:
+        ShownPart PartShown(PictureSlot /*slot*/) const override { return {2.0, 10, 5, 20, 16}; }
+    } zoomed;
+    editor.SetObserver(&zoomed);
+    editor.ReducedCopy.UpdatePreviewImage(kSlot);
+    ASSERT_TRUE(editor.ReducedCopy.ShowImagePreview(editor.ReducedCopy.FileName()));
+    editor.SetObserver(nullptr);
+    EXPECT_EQ(editor.Document.PreviewPixels.Width(), 250);
+    EXPECT_EQ(editor.Document.PreviewPixels.Height(), 200);
+    EXPECT_DOUBLE_EQ(editor.Document.PreviewPixels.Reduction(), 12.5);
+    EXPECT_FALSE(QFile::exists(editor.Document.WorkingFile("tmp_preview0.jpg")));
+}
+
+} // namespace
+} // namespace pictorel::test
