@@ -25,6 +25,7 @@ void ResizePanel::BindFields() {
 }
 
 void ResizePanel::BindField(EditField& box, UpDown& spinner) {
+    spinner.SetBuddy(box);
     events_.On(box, &EditField::FocusLost, [this, &box, &spinner] { Box_LostFocus(box, spinner); });
     events_.On(box, &EditField::returnPressed, [this, &box, &spinner] { Box_LostFocus(box, spinner); });
     box.SetKeyFilter([&box](QChar key) { return FilterNumericKey(box, key.unicode()); });

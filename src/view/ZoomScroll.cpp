@@ -77,13 +77,6 @@ void ZoomScroll::ScrollImageView(PictureSlot slot) {
                     view_.SetCentreY(0.5 * editor_.Document.ImageHeight(slot) + bar.value());
                 }
             },
-            [&] {
-                const Slider& slider = controls_.Slider_ImageZoom(slot);
-                if (slider.Value() !=
-                    std::clamp(WholePercent(view_.Zoom()), slider.minimum(), slider.maximum())) {
-                    view_.SetZoom(slider.Value() / 100.0);
-                }
-            },
             [&] { view_.SetRedraw(true); });
 }
 
@@ -137,6 +130,7 @@ void ZoomScroll::Slider_ImageZoom_Change(int index) {
                 PercentText(controls_.Slider_ImageZoom(index).Value()));
             controls_.lbl_ZoomPercent(index).RepaintNow();
         },
+        [&] { view_.SetZoom(controls_.Slider_ImageZoom(index).Value() / 100.0); },
         [&] { ScrollImageView(static_cast<PictureSlot>(index)); }, [&] { MarkPreviewOutdated(); });
 }
 

@@ -118,7 +118,8 @@ TEST(History, AWorkingFileThatIsGoneIsReportedAndThePictureStays) {
     ASSERT_EQ(editor.person.Messages().size(), 1U);
     EXPECT_EQ(editor.person.Messages().front().text, "Unsupported file format!");
     EXPECT_EQ(LargestDifference(editor.Shown(), before), 0);
-    EXPECT_EQ(editor.ActiveRow(), 0);
+    EXPECT_EQ(editor.ActiveRow(), 1) << "the row of the picture that is on the screen";
+    EXPECT_FALSE(editor.Get("Cmd_Panel", kUndo).IsEnabled()) << "there is nothing left to go back to";
 }
 
 TEST(History, EditingGoesOnAfterTheTemporaryFolderVanished) {

@@ -100,7 +100,7 @@ TEST(StartUp, EveryControlHasANameOfItsOwn) {
 TEST(ControlArrays, AnIndexOutsideNamesTheControl) {
     EditorWindow editor;
     try {
-        editor.Get("Cmd_Panel", 8);
+        editor.Window().Controls().Cmd_Panel(8);
         FAIL() << "there is no ninth button";
     } catch (const ControlError& error) {
         EXPECT_NE(std::string(error.what()).find("Cmd_Panel(8)"), std::string::npos);
