@@ -4,17 +4,17 @@
 #include "editor/WorkingPicture.h"
 #include "picture/ImagingError.h"
 #include "picture/MadeDetails.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 
 namespace pictorel::test {
 namespace {
 
-using engine::test::Alpha;
-using engine::test::Random;
-using engine::test::SamePixels;
-using engine::test::Size;
+using test::Alpha;
+using test::Random;
+using test::SamePixels;
+using test::Size;
 
 constexpr ColourValue kBackground = 0x00FFFFFF;
 
@@ -106,7 +106,7 @@ TEST(EveryOperation, OfAPictureWithoutAlphaHasNone) {
         EXPECT_FALSE(result.HasAlpha()) << row.name;
         for (int y = 0; y < result.Height(); ++y) {
             for (int x = 0; x < result.Width(); ++x) {
-                ASSERT_EQ(engine::test::At(result, x, y)[3], 255) << row.name << " at " << x << ", " << y;
+                ASSERT_EQ(test::At(result, x, y)[3], 255) << row.name << " at " << x << ", " << y;
             }
         }
     }

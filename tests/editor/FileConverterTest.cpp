@@ -3,14 +3,14 @@
 #include "editor/PictureFileCodec.h"
 #include "editor/TemporaryFolder.h"
 #include "picture/ImagingError.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 
 namespace pictorel::test {
 namespace {
 
-using engine::test::Random;
+using test::Random;
 
 // Gives one picture for every file and records what is asked for.
 class RecordingCodec : public ImageCodec {
@@ -43,7 +43,7 @@ class RecordingCodec : public ImageCodec {
 };
 
 TEST(FileConverter, WritesAJpegOfTheSizeThatKnowsItsReduction) {
-    PixelArray source = Random({400, 300}, engine::test::Alpha::Random);
+    PixelArray source = Random({400, 300}, test::Alpha::Random);
     for (const double reduction : {1.0, 0.5}) { // a copy of a copy is reduced twice
         source.SetReduction(reduction);
         RecordingCodec codec(source);

@@ -3,7 +3,7 @@
 #include "editor/TemporaryFolder.h"
 #include "editor/WorkingFileMemory.h"
 #include "picture/MadeDetails.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@ namespace pictorel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using engine::test::Random;
+using test::Random;
 
 std::shared_ptr<FinerCopies> Finer(const PixelArray& picture) {
     return std::make_shared<FinerCopies>(std::make_shared<PicturePyramid>(picture));

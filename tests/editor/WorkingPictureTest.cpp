@@ -5,7 +5,7 @@
 #include "picture/engine/Filters.h"
 #include "picture/engine/PointOperations.h"
 #include "picture/engine/Resample.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 
@@ -14,10 +14,10 @@
 namespace pictorel::test {
 namespace {
 
-using engine::test::At;
-using engine::test::Pixel;
-using engine::test::Random;
-using engine::test::SamePixels;
+using test::At;
+using test::Pixel;
+using test::Random;
+using test::SamePixels;
 using Call = std::function<void(ImageTransform&)>;
 
 PixelArray After(const PixelArray& picture, const Call& call) {
@@ -31,7 +31,7 @@ PixelArray After(const PixelArray& picture, const Call& call) {
 
 // Four pixels that tell every direction apart: 1 2 over 3 4.
 PixelArray FourPixels() {
-    return engine::test::Draw({2, 2}, [](int x, int y) {
+    return test::Draw({2, 2}, [](int x, int y) {
         const auto v = static_cast<std::uint8_t>(10 * (1 + x + 2 * y));
         return Pixel{v, static_cast<std::uint8_t>(v + 1), static_cast<std::uint8_t>(v + 2), 255};
     });
@@ -133,7 +133,7 @@ TEST(WorkingPicture, AnErrorLeavesThePictureAsItWas) {
 
 TEST(WorkingPicture, NeverWritesToThePictureItWasGiven) {
     const PixelArray picture = Random({33, 21});
-    const PixelArray safe = engine::test::Crop(picture, 0, 0, {33, 21});
+    const PixelArray safe = test::Crop(picture, 0, 0, {33, 21});
     After(picture, [](ImageTransform& t) {
         t.Brightness(30);
         t.Mirror(true);
