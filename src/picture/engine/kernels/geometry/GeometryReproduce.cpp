@@ -3,6 +3,7 @@
 #include "picture/engine/Geometry.h"
 #include "picture/engine/Resample.h"
 #include "picture/engine/kernels/base/Parameters.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/resample/ResampleSeparable.h"
 
 #include <algorithm>
@@ -12,8 +13,6 @@
 
 namespace pictorel::engine {
 namespace {
-
-constexpr int kPixelBytes = PixelArray::kComponents;
 
 // Where tile i of `tiles` begins on a side of `length` pixels; tile `tiles` begins at the end.
 int TileEdge(int i, int length, int tiles) {
@@ -53,9 +52,9 @@ PixelArray TiledWhole(const PixelArray& source, int across, int down) {
         const std::uint8_t* const from = copies.Row(copyBegin(height, result.Height() / down) + row - top);
         for (int i = 0; i < across; ++i) {
             const int width = TileLength(i, result.Width(), across);
-            std::memcpy(rows + row * result.Stride() + TileEdge(i, result.Width(), across) * kPixelBytes,
-                        from + copyBegin(width, result.Width() / across) * kPixelBytes,
-                        static_cast<std::size_t>(width) * kPixelBytes);
+            std::memcpy(rows + row * result.Stride() + TileEdge(i, result.Width(), across) * kComponents,
+                        from + copyBegin(width, result.Width() / across) * kComponents,
+                        static_cast<std::size_t>(width) * kComponents);
         }
     };
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
@@ -134,8 +133,8 @@ PixelArray Continued(const PixelArray& tile, int width, int height) {
     std::uint8_t* const rows = result.WritableRows();
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; x += tile.Width()) {
-            std::memcpy(rows + y * result.Stride() + x * kPixelBytes, tile.Row(y % tile.Height()),
-                        static_cast<std::size_t>(std::min(tile.Width(), width - x)) * kPixelBytes);
+            std::memcpy(rows + y * result.Stride() + x * kComponents, tile.Row(y % tile.Height()),
+                        static_cast<std::size_t>(std::min(tile.Width(), width - x)) * kComponents);
         }
     }
     return result;

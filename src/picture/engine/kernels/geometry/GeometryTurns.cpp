@@ -1,18 +1,17 @@
 // Mirrors and quarter turns: pixels change places and nothing else, see Geometry.h.
 #include "picture/ForEachBand.h"
 #include "picture/engine/Geometry.h"
+#include "picture/engine/kernels/base/RowKernels.h"
 #include "picture/engine/kernels/base/RowLoop.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/base/TileRows.h"
-#include "picture/engine/kernels/geometry/TurnTile.h"
+#include "picture/engine/kernels/geometry/TurnKernels.h"
 
 #include <algorithm>
 #include <cstddef>
 
 namespace pictorel::engine {
 namespace {
-
-constexpr std::ptrdiff_t kPixelBytes = PixelArray::kComponents;
 
 // Tiles of a result that is turned: as wide as a line of the cache, which is written whole, and as high as
 // makes long runs of the source's rows.
@@ -35,8 +34,9 @@ PixelArray Turned(const PixelArray& source, const std::uint8_t* start, std::ptrd
         const std::uint8_t* const from = start + left * alongRow + first * alongColumn;
         const std::uint8_t* const ahead =
             right + kTileWidth <= width ? from + kTileWidth * alongRow : nullptr;
-        simd::Transpose({from, alongRow, rows + first * stride + left * kPixelBytes,
-                         isUpwards ? -stride : stride, right - left, bottom - top, streams, ahead});
+        TurnKernels::Best().Transpose({from, alongRow, rows + first * stride + left * kPixelBytes,
+                                       isUpwards ? -stride : stride, right - left, bottom - top, streams,
+                                       ahead});
     };
     const int tileRows = (height + kTileHeight - 1) / kTileHeight;
     ForEachBand(tileRows, 2 * kTileHeight * result.RowBytes(), [&](int first, int end) {
@@ -52,7 +52,7 @@ PixelArray Turned(const PixelArray& source, const std::uint8_t* start, std::ptrd
             }
         }
         if (streams) {
-            simd::EndStreaming();
+            TurnKernels::Best().EndStreaming();
         }
     });
     return result;
@@ -66,15 +66,15 @@ PixelArray MirrorTopToBottom(const PixelArray& source) {
     const bool streams = IsStreamed(result);
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            CopyRow(source.Row(result.Height() - 1 - y), result.RowBytes(), streams,
-                    rows + y * result.Stride());
+            RowKernels::Best().CopyRow(source.Row(result.Height() - 1 - y), result.RowBytes(), streams,
+                                       rows + y * result.Stride(), nullptr);
         }
     });
     return result;
 }
 
 PixelArray MirrorLeftToRight(const PixelArray& source) {
-    return MapRows(source, simd::MirrorRow);
+    return MapRows(source, TurnKernels::Best().MirrorRow);
 }
 
 PixelArray QuarterTurnLeft(const PixelArray& source) {

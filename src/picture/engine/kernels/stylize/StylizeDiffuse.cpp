@@ -1,14 +1,15 @@
 // Diffuse: pixels change places with random neighbours, see Stylize.h.
 #include "picture/ForEachBand.h"
 #include "picture/engine/Stylize.h"
+#include "picture/engine/kernels/base/FixedPoint.h"
 #include "picture/engine/kernels/base/Parameters.h"
 #include "picture/engine/kernels/base/Rounding.h"
+#include "picture/engine/kernels/base/RowKernels.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/base/TileRows.h"
 #include "picture/engine/kernels/base/WholePixel.h"
-#include "picture/engine/kernels/rank/RankRows.h"
+#include "picture/engine/kernels/rank/RankKernels.h"
 #include "picture/engine/kernels/resample/ResampleSeparable.h"
-#include "picture/engine/kernels/stylize/DiffuseRows.h"
+#include "picture/engine/kernels/stylize/DiffuseKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,14 +38,14 @@ PixelArray Scattered(const PixelArray& source, int radius, double percent) {
                           radius, static_cast<std::uint32_t>(moved - 1)};
     const bool streams = IsStreamed(result);
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
-        constexpr std::size_t kRoom = 16;
-        std::vector<std::int32_t> sources(static_cast<std::size_t>(result.Width()) + kRoom);
+        std::vector<std::int32_t> sources(static_cast<std::size_t>(result.Width()) + kVectorPixels);
         std::vector<std::uint8_t> row(result.RowBytes());
         for (int y = first; y < end; ++y) {
-            simd::ChooseSources(scatter, y, sources.data());
+            DiffuseKernels::Best().ChooseSources(scatter, y, sources.data());
             TakePixels(pixels, sources.data(), result.Width(), row.data());
             const int ahead = std::min(y + scatter.radius + kRowsAhead, scatter.lastRow);
-            CopyRow(row.data(), row.size(), streams, rows + y * result.Stride(), source.Row(ahead));
+            RowKernels::Best().CopyRow(row.data(), row.size(), streams, rows + y * result.Stride(),
+                                       source.Row(ahead));
         }
     });
     return result;
@@ -112,8 +113,8 @@ PixelArray ExpectedScatter(const PixelArray& source, int radius, double percent)
             if (source.HasAlpha()) {
                 MixPremultiplied(source.Row(y), result.Width(), static_cast<float>(share), to);
             } else {
-                simd::MixRow(source.Row(y), to, static_cast<int>(share * (1 << kShareBits)),
-                             {source.Row(y), to, result.Width(), false});
+                RankKernels::Best().MixRow(source.Row(y), to, static_cast<int>(share * kFixedUnit),
+                                           {source.Row(y), to, result.Width(), false});
             }
         }
     });

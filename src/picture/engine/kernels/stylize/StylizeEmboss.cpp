@@ -1,9 +1,11 @@
 // Emboss: a grey relief lit from one side, see Stylize.h.
 #include "picture/engine/Stylize.h"
+#include "picture/engine/kernels/base/FixedPoint.h"
 #include "picture/engine/kernels/base/Parameters.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/blur/FineRows.h"
-#include "picture/engine/kernels/stylize/EmbossRows.h"
+#include "picture/engine/kernels/blur/WideRows.h"
+#include "picture/engine/kernels/stylize/EmbossKernels.h"
 
 #include <algorithm>
 #include <array>
@@ -15,13 +17,11 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
 constexpr int kTaps = 4;
-constexpr int kVector = 16;
 
 // Numbers of a row with room for whole vectors.
 std::size_t RoomFor(int width) {
-    return (static_cast<std::size_t>(width) / kVector + 2) * kVector;
+    return (static_cast<std::size_t>(width) / kVectorPixels + 2) * kVectorPixels;
 }
 
 // Luma of the rows of a strip of columns, beyond the picture that of its edge pixels. The last few rows made
@@ -35,10 +35,10 @@ class LumaRing {
           numbers_(kRows, -1),
           rows_(kRows * RoomFor(columns)) {}
 
-    const WideLuma* Row(int y) {
+    const EmbossLuma* Row(int y) {
         const int inside = std::clamp(y, 0, source_.Height() - 1);
         const std::size_t slot = static_cast<std::size_t>(inside) % kRows;
-        WideLuma* const row = rows_.data() + slot * RoomFor(columns_);
+        EmbossLuma* const row = rows_.data() + slot * RoomFor(columns_);
         if (numbers_[slot] != inside) {
             numbers_[slot] = inside;
             Fill(source_.Row(inside), row);
@@ -51,17 +51,18 @@ class LumaRing {
   private:
     static constexpr std::size_t kRows = 32; // the highest relief that people make spans fewer
 
-    void Fill(const std::uint8_t* from, WideLuma* row) const {
+    void Fill(const std::uint8_t* from, EmbossLuma* row) const {
         const int first = std::clamp(-left_, 0, columns_); // the first that lies in the picture
         const int end = std::clamp(source_.Width() - left_, first, columns_);
         if (first == end) {
             const int edge = left_ < 0 ? 0 : source_.Width() - 1;
-            scalar::WideLumaRow(from + static_cast<std::ptrdiff_t>(edge) * kComponents, 1, row);
+            EmbossKernels::Plain().EmbossLumaRow(from + static_cast<std::ptrdiff_t>(edge) * kComponents, 1,
+                                                 row);
             std::fill_n(row + 1, columns_ - 1, row[0]);
             return;
         }
         const std::ptrdiff_t firstByte = static_cast<std::ptrdiff_t>(first + left_) * kComponents;
-        simd::WideLumaRow(from + firstByte, end - first, row + first);
+        EmbossKernels::Best().EmbossLumaRow(from + firstByte, end - first, row + first);
         std::fill_n(row, first, row[first]);
         std::fill_n(row + end, columns_ - end, row[end - 1]);
     }
@@ -70,14 +71,14 @@ class LumaRing {
     int left_;
     int columns_;
     std::vector<int> numbers_; // of the rows in the slots
-    std::vector<WideLuma> rows_;
+    std::vector<EmbossLuma> rows_;
 };
 
 // Four weights for luma a fraction `t` of a pixel behind the second of four: cubic convolution (Keys 1981,
 // a = -0.5).
 FourWeights CubicAt(double t) {
     const auto fixed = [](double weight) {
-        return static_cast<std::int16_t>(std::min(std::lround(weight * 32768), 32767L));
+        return static_cast<std::int16_t>(std::min(std::lround(weight * kFixedUnit), kFixedUnit - 1L));
     };
     return {fixed(((-0.5 * t + 1) * t - 0.5) * t), fixed((1.5 * t - 2.5) * t * t + 1),
             fixed(((-1.5 * t + 2) * t + 0.5) * t), fixed((0.5 * t - 0.5) * t * t)};
@@ -113,15 +114,16 @@ class ShiftedRows {
   private:
     struct Line {
         std::optional<int> row;
-        std::vector<WideLuma> luma;
+        std::vector<EmbossLuma> luma;
     };
 
-    const WideLuma* Row(int row) {
+    const EmbossLuma* Row(int row) {
         Line& line = lines_[static_cast<std::size_t>(row & (kTaps - 1))];
         if (line.row != row) {
             line.row = row;
-            const WideLuma* const luma = luma_.Row(row) + (left_ + across_.first - luma_.Left());
-            simd::SumFour({luma, luma + 1, luma + 2, luma + 3}, across_.weights, width_, line.luma.data());
+            const EmbossLuma* const luma = luma_.Row(row) + (left_ + across_.first - luma_.Left());
+            EmbossKernels::Best().SumFour({luma, luma + 1, luma + 2, luma + 3}, across_.weights, width_,
+                                          line.luma.data());
         }
         return line.luma.data();
     }
@@ -152,8 +154,8 @@ PixelArray Emboss(const PixelArray& source, double degrees, int height, double a
     const Shift shadeAcross(-shiftX);
     const Shift shadeDown(-shiftY);
     // In whole vectors of pixels, so that reading them stays within a row.
-    const int reach =
-        (static_cast<int>(std::ceil(std::abs(shiftX))) + kTaps + kVector - 1) / kVector * kVector;
+    const int reach = (static_cast<int>(std::ceil(std::abs(shiftX))) + kTaps + kVectorPixels - 1) /
+                      kVectorPixels * kVectorPixels;
     const bool streams = IsStreamed(result);
     constexpr int kStripWidth = 8192; // mostly whole rows, which the processor fetches ahead
     const int rowsAhead = std::max(lightDown.first, shadeDown.first) + kTaps + kRowsAhead;
@@ -163,10 +165,10 @@ PixelArray Emboss(const PixelArray& source, double degrees, int height, double a
         ShiftedRows shade(luma, area.left, area.width, shadeAcross, shadeDown);
         const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(area.left) * kComponents;
         for (int y = area.top; y < area.top + area.height; ++y) {
-            simd::MakeRelief({light.At(y), shade.At(y), light.Weights(), shade.Weights(), gain,
-                              source.Row(y) + offset, rows + y * result.Stride() + offset, area.width,
-                              streams,
-                              source.Row(std::clamp(y + rowsAhead, 0, source.Height() - 1)) + offset});
+            EmbossKernels::Best().MakeRelief(
+                {light.At(y), shade.At(y), light.Weights(), shade.Weights(), gain, source.Row(y) + offset,
+                 rows + y * result.Stride() + offset, area.width, streams,
+                 source.Row(std::clamp(y + rowsAhead, 0, source.Height() - 1)) + offset});
         }
     });
     return result;

@@ -145,7 +145,7 @@ PixelArray Toned(const PixelArray& source, const std::array<Tone, 256>& tones, G
             std::uint8_t* const to = rows + y * result.Stride();
             for (int x = 0; x < result.Width(); ++x) {
                 const Tone& tone = tones[static_cast<std::size_t>(Luma(from + 4 * x))];
-                const std::uint32_t alpha = LoadPixel(from + 4 * x) & 0xFF000000U;
+                const std::uint32_t alpha = LoadPixel(from + 4 * x) & kOpaque;
                 StorePixel(to + 4 * x, grey(x, tone) * 0x010101U | alpha);
             }
         }

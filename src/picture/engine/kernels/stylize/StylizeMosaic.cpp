@@ -2,8 +2,9 @@
 #include "picture/ForEachBand.h"
 #include "picture/engine/Stylize.h"
 #include "picture/engine/kernels/base/Parameters.h"
+#include "picture/engine/kernels/base/RowKernels.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/base/TileRows.h"
 #include "picture/engine/kernels/resample/ResampleSeparable.h"
 
 #include <algorithm>
@@ -15,8 +16,6 @@
 
 namespace pictorel::engine {
 namespace {
-
-constexpr int kComponents = PixelArray::kComponents;
 
 using Colour = std::array<std::uint8_t, kComponents>;
 
@@ -75,7 +74,9 @@ class SmallSums {
 
     void Begin() { std::fill(sums_.begin(), sums_.end(), Sum{}); }
 
-    void AddRow(const std::uint8_t* row) { AddBytes(row, sums_.size() * kComponents, sums_.front().data()); }
+    void AddRow(const std::uint8_t* row) {
+        RowKernels::Best().AddBytes(row, sums_.size() * kComponents, sums_.front().data());
+    }
 
     Colour MeanColour(int left, int columns, int rows) {
         std::array<std::uint32_t, kComponents> sums{};
@@ -142,7 +143,8 @@ PixelArray WholeBlocks(const PixelArray& source, int size) {
             FillBlockRow(source, size, top, height, sums, blocks.data());
             for (int y = top; y < top + height; ++y) {
                 const int ahead = std::min(y + height, source.Height() - 1);
-                CopyRow(blocks.data(), blocks.size(), streams, rows + y * result.Stride(), source.Row(ahead));
+                RowKernels::Best().CopyRow(blocks.data(), blocks.size(), streams, rows + y * result.Stride(),
+                                           source.Row(ahead));
             }
         }
     });

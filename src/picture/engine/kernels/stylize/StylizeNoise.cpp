@@ -5,7 +5,7 @@
 #include "picture/engine/kernels/base/Parameters.h"
 #include "picture/engine/kernels/base/Rounding.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/stylize/NoiseRows.h"
+#include "picture/engine/kernels/stylize/NoiseKernels.h"
 
 #include <algorithm>
 #include <array>
@@ -67,9 +67,9 @@ PixelArray AddWholeNoise(const PixelArray& source, double amplitude) {
     std::uint8_t* const rows = result.WritableRows();
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            simd::AddNoise({source.Row(y), rows + y * result.Stride(), result.Width(), y,
-                            static_cast<std::int16_t>(std::lround(amplitude * kNoiseUnit)),
-                            IsStreamed(result)});
+            NoiseKernels::Best().AddNoise({source.Row(y), rows + y * result.Stride(), result.Width(), y,
+                                           static_cast<std::int16_t>(std::lround(amplitude * kNoiseUnit)),
+                                           IsStreamed(result)});
         }
     });
     return result;
@@ -133,7 +133,7 @@ PixelArray AddMeanNoise(const PixelArray& source, double amplitude) {
         constexpr std::size_t kRoom = 64;
         std::vector<std::int32_t> sums((static_cast<std::size_t>(width) + kRoom) * kNoiseSumNumbers);
         for (int y = first; y < end; ++y) {
-            simd::SumNoise(block.First(y), block.End(y), width, sums.data());
+            NoiseKernels::Best().SumNoise(block.First(y), block.End(y), width, sums.data());
             AddMeanNoiseRow(source.Row(y), firsts, sums.data(), block.End(y) - block.First(y), amplitude,
                             effects, rows + y * result.Stride());
         }

@@ -2,8 +2,9 @@
 // top of the picture to the right (horizontal) or its right side up (vertical).
 #include "picture/engine/Geometry.h"
 #include "picture/engine/kernels/base/Parameters.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/warp/ShiftRows.h"
+#include "picture/engine/kernels/warp/ShiftKernels.h"
 #include "picture/engine/kernels/warp/WarpCanvas.h"
 
 #include <algorithm>
@@ -12,12 +13,10 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
-
 struct SkewMap : CanvasMap {
     static constexpr bool kIsAffine = true;
     static constexpr bool kIsEven = true;
-    static constexpr bool kIsLevel = true;
+    static constexpr bool kIsHorizontal = true;
 
     double acrossPerRow; // how far the source moves right with every row down
 
@@ -48,9 +47,9 @@ class RowSkew {
                 return source_.Row(row) +
                        static_cast<std::ptrdiff_t>(span.first + (shift >> kPhaseBits) - 1) * kComponents;
             };
-            simd::ShiftRow({from(y), WeightsAt(shift), span.end - span.first,
-                            to + static_cast<std::ptrdiff_t>(span.first) * kComponents, from(ahead),
-                            streams});
+            ShiftKernels::Best().ShiftRow({from(y), WeightsAt(shift), span.end - span.first,
+                                           to + static_cast<std::ptrdiff_t>(span.first) * kComponents,
+                                           from(ahead), streams});
         }
         MakeRuns(y, {span.end, source_.Width()}, to);
     }
@@ -64,7 +63,7 @@ class RowSkew {
         const int width = source_.Width();
         const int first = (inside_.left - shift + kPhases - 1) >> kPhaseBits;
         const int end = ((inside_.right - shift) >> kPhaseBits) + 1;
-        const auto step = kShiftedTogether;
+        const auto step = kVectorPixels;
         const int firstWhole = (std::clamp(first, 0, width) + step - 1) / step * step;
         const int endWhole = std::clamp(end, 0, width) / step * step;
         return {firstWhole, std::max(firstWhole, endWhole)};

@@ -18,8 +18,9 @@
 // degrees (1 - 3 t^2 + 2 t^3), t = r / R, R half the shorter side.
 #include "picture/engine/Geometry.h"
 #include "picture/engine/kernels/base/Parameters.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/WholePixel.h"
-#include "picture/engine/kernels/warp/TwirlRows.h"
+#include "picture/engine/kernels/warp/TwirlKernels.h"
 #include "picture/engine/kernels/warp/WarpCanvas.h"
 #include "picture/engine/kernels/warp/WarpDriver.h"
 
@@ -31,7 +32,6 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kPixelBytes = PixelArray::kComponents;
 constexpr double kManyTurns = 360e6; // any angle but infinities
 
 // `turned` in the middle of the source's canvas. Where the difference of the sides is odd there is no middle:
@@ -54,9 +54,9 @@ PixelArray Centred(const PixelArray& turned, const PixelArray& source, std::uint
                 continue;
             }
             FillPixels(to, first, background);
-            std::memcpy(to + first * kPixelBytes, turned.Row(y - top) + (first - left) * kPixelBytes,
-                        static_cast<std::size_t>(end - first) * kPixelBytes);
-            FillPixels(to + end * kPixelBytes, result.Width() - end, background);
+            std::memcpy(to + first * kComponents, turned.Row(y - top) + (first - left) * kComponents,
+                        static_cast<std::size_t>(end - first) * kComponents);
+            FillPixels(to + end * kComponents, result.Width() - end, background);
         }
     });
     return result;
@@ -84,7 +84,7 @@ struct RotationMap : CanvasMap {
 // About the horizontal middle line.
 struct PerspectiveMap : CanvasMap {
     static constexpr bool kIsEven = true;
-    static constexpr bool kIsLevel = true;
+    static constexpr bool kIsHorizontal = true;
 
     double distance;
     double distanceCosine;
@@ -158,7 +158,7 @@ struct TwirlMap : CanvasMap {
         const auto origin = [](double position) {
             return static_cast<std::int32_t>((position - 0.5) * kPhases);
         };
-        simd::LocateTwirl(
+        TwirlKernels::Best().LocateTwirl(
             {static_cast<float>(first.x - centre.x), static_cast<float>(first.y - centre.y),
              static_cast<float>(1 / radius), static_cast<float>(radians / (2 * std::numbers::pi)), kPhases,
              origin(centre.x), origin(centre.y)},
