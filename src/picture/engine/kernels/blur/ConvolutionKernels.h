@@ -15,7 +15,7 @@ struct PixelTarget {
     int width;
     bool streams;                 // past the cache
     const std::uint8_t* original; // like `pixels`; for sharpening only
-    std::int16_t share;           // amount of sharpening in 1/8192, 0 for none
+    std::int16_t share;           // amount of sharpening in kUsualSharpening / kFixedUnit, 0 for none
 };
 
 // Sharpening up to this amount is done in 16 bits.

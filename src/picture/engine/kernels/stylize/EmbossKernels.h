@@ -9,13 +9,15 @@ namespace pictorel::engine {
 
 // Luma in 1/64 of a level.
 using EmbossLuma = std::int16_t;
-inline constexpr int kEmbossLumaUnit = 64;
+inline constexpr int kEmbossLumaBits = 6;
+inline constexpr int kEmbossLumaUnit = 1 << kEmbossLumaBits;
 
-// What components weigh in it, in 1/256: 256 kEmbossLumaUnit times the weights of luma, rounded.
+// What components weigh in it: kEmbossLumaUnit times the weights of luma, rounded.
+inline constexpr int kEmbossWeightBits = 8;
 inline constexpr int kEmbossLumaBlue = 1183;
 inline constexpr int kEmbossLumaGreen = 11718;
 inline constexpr int kEmbossLumaRed = 3483;
-static_assert(kEmbossLumaBlue + kEmbossLumaGreen + kEmbossLumaRed == 256 * kEmbossLumaUnit);
+static_assert(kEmbossLumaBlue + kEmbossLumaGreen + kEmbossLumaRed == kEmbossLumaUnit << kEmbossWeightBits);
 
 // Weights of four neighbours in 1/kFixedUnit.
 using FourWeights = std::array<std::int16_t, 4>;

@@ -20,7 +20,7 @@ void EmbossLumaRow(const std::uint8_t* in, int width, EmbossLuma* luma) {
     for (int x = 0; x < width; ++x) {
         const std::uint8_t* const pixel = in + 4 * x;
         const int sum = kEmbossLumaBlue * pixel[0] + kEmbossLumaGreen * pixel[1] + kEmbossLumaRed * pixel[2];
-        luma[x] = static_cast<EmbossLuma>((sum + 128) >> 8);
+        luma[x] = static_cast<EmbossLuma>((sum + (1 << (kEmbossWeightBits - 1))) >> kEmbossWeightBits);
     }
 }
 

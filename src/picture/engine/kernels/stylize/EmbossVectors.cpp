@@ -33,9 +33,9 @@ void EmbossLumaRow(const std::uint8_t* in, int width, EmbossLuma* luma) {
     const auto lanes = static_cast<int>(hn::Lanes(lumas));
     for (int x = 0; x < width; x += lanes) {
         const auto pixels = hn::BitCast(PixelLanes(), hn::LoadU(Bytes(), in + 4 * x));
-        const auto sum =
-            AddWeighted<kEmbossLumaBlue, kEmbossLumaGreen, kEmbossLumaRed>(hn::Set(lumas, 128), pixels);
-        hn::StoreU(hn::DemoteTo(Lumas(), hn::ShiftRight<8>(sum)), Lumas(), luma + x);
+        const auto sum = AddWeighted<kEmbossLumaBlue, kEmbossLumaGreen, kEmbossLumaRed>(
+            hn::Set(lumas, 1 << (kEmbossWeightBits - 1)), pixels);
+        hn::StoreU(hn::DemoteTo(Lumas(), hn::ShiftRight<kEmbossWeightBits>(sum)), Lumas(), luma + x);
     }
 }
 
