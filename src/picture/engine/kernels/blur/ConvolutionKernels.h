@@ -36,7 +36,8 @@ struct ConvolutionKernels {
 
     // Opaque pixels go a shorter way, in rows like wide ones, in 1/kOpaqueUnit of a level. Each product is
     // rounded down, and what that takes away is made up for at the end.
-    // Such a row of `width` pixels; the first tap of the first pixel is in[0]. Reads whole vectors.
+    // ConvolveAcross makes such a row of `width` pixels; the first tap of the first pixel is in[0]. Reads
+    // whole vectors.
     void (*ConvolveAcross)(const std::uint8_t* in, const HalfKernel& kernel, int width, Wide* out);
 
     // As Convolve, of such rows.

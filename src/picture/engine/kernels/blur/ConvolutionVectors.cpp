@@ -147,7 +147,7 @@ HWY_INLINE hn::Vec<BytesOf<Below>> Joined(hn::Vec<Below> lower, hn::Vec<Below> u
     return hn::BitCast(BytesOf<Below>(), hn::Or(hn::ShiftRight<kOpaqueBits>(lower), hn::And(upper, whole)));
 }
 
-// Sharpens components that lie in the upper bytes, as scalar::Sharpened. Gives levels.
+// Sharpens components that lie in the upper bytes, as Sharpened does in the plain loops. Gives levels.
 HWY_INLINE hn::Vec<Below> Sharpened(hn::Vec<Below> original, hn::Vec<Below> blurred,
                                     hn::Vec<SignedOf<Below>> share) {
     const SignedOf<Below> signedWides;

@@ -17,7 +17,8 @@
 HWY_BEFORE_NAMESPACE();
 namespace pictorel::engine::HWY_NAMESPACE {
 namespace {
-#if HWY_TARGET == HWY_SCALAR // vectors of one number: the processor has none that we know
+// The looking up leans on what an index beyond its table gives on x86: the entry of its lower four bits.
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128 || !HWY_ARCH_X86
 
 const MapKernels& VectorKernels() {
     return MapKernels::Plain();

@@ -136,7 +136,7 @@ HWY_INLINE Ints BlockSums(const std::uint8_t* topLeft, std::ptrdiff_t stride, co
 }
 
 // The sums of neighbouring blocks: of `a` in the even places, of `b` in the odd ones.
-HWY_INLINE Ints SumNeighbouringBlocks(Ints a, Ints b) {
+[[maybe_unused]] HWY_INLINE Ints SumNeighbouringBlocks(Ints a, Ints b) {
     const Ints straight = hn::OddEvenBlocks(b, a);
     return hn::Add(straight, hn::SwapAdjacentBlocks(hn::OddEvenBlocks(a, b)));
 }
