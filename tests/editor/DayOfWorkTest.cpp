@@ -1,7 +1,7 @@
 // Thousands of random commands against a plain model: which states there are, which one is active, what each
 // working file holds, the changed mark, the sizes.
 #include "editor/HeadlessEditor.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,7 +13,7 @@
 namespace pictorel::test {
 namespace {
 
-using engine::test::Random;
+using test::Random;
 
 constexpr int kSteps = 20000;
 constexpr int kMostStates = 15;
@@ -156,8 +156,8 @@ class DayOfWork : public ::testing::Test, protected HeadlessEditor {
     Values SomeValues() { return {Chance(100) - 30, Chance(3) - 1, Chance(10)}; }
 
     std::mt19937 random_{20261123};
-    std::vector<PixelArray> files_{Random({24, 16}), Random({7, 31}, engine::test::Alpha::None, 2),
-                                   Random({2, 2}, engine::test::Alpha::None, 3)};
+    std::vector<PixelArray> files_{Random({24, 16}), Random({7, 31}, test::Alpha::None, 2),
+                                   Random({2, 2}, test::Alpha::None, 3)};
     QString none_ = QString::fromStdString(folder.Make("none.jpg", "no picture"));
     std::vector<ModelState> states_;
     int active_ = -1;

@@ -2,7 +2,7 @@
 #include "editor/HeadlessEditor.h"
 #include "picture/engine/Geometry.h"
 #include "picture/engine/PointOperations.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,8 +13,8 @@
 namespace pictorel::test {
 namespace {
 
-using engine::test::Random;
-using engine::test::SamePixels;
+using test::Random;
+using test::SamePixels;
 
 class EditorTest : public ::testing::Test, protected HeadlessEditor {
   protected:

@@ -2,17 +2,17 @@
 #include "editor/OperationTable.h"
 #include "editor/SliderCatalogue.h"
 #include "picture/MadeDetails.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 
 namespace pictorel::test {
 namespace {
 
-using engine::test::Alpha;
-using engine::test::Random;
-using engine::test::SamePixels;
-using engine::test::Size;
+using test::Alpha;
+using test::Random;
+using test::SamePixels;
+using test::Size;
 
 constexpr ColourValue kBackground = 0x00FFFFFF;
 
@@ -99,7 +99,7 @@ TEST(EveryOperation, OfAPictureWithoutAlphaHasNone) {
         EXPECT_FALSE(result.HasAlpha()) << row.caption;
         for (int y = 0; y < result.Height(); ++y) {
             for (int x = 0; x < result.Width(); ++x) {
-                ASSERT_EQ(engine::test::At(result, x, y)[3], 255) << row.caption << " at " << x << ", " << y;
+                ASSERT_EQ(test::At(result, x, y)[3], 255) << row.caption << " at " << x << ", " << y;
             }
         }
     }

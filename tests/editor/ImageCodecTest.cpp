@@ -4,7 +4,7 @@
 #include "editor/TemporaryFolder.h"
 #include "picture/ImagingError.h"
 #include "picture/MadeDetails.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,8 @@ namespace pictorel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using engine::test::Random;
-using engine::test::SamePixels;
+using test::Random;
+using test::SamePixels;
 
 class ImageCodecTest : public ::testing::Test {
   protected:
@@ -109,7 +109,7 @@ TEST_F(ImageCodecTest, AFailedSaveLosesNothing) {
 }
 
 TEST_F(ImageCodecTest, OnlyWorkingFilesCarryAndBelieveThePrivateSegment) {
-    PixelArray picture = Random({40, 30}, engine::test::Alpha::Random);
+    PixelArray picture = Random({40, 30}, test::Alpha::Random);
     picture.SetReduction(0.5);
     picture.SetDetails(MadeDetails());
     codec_.Write(picture, folder_.Path("tmp_1.jpg"), "JPG");

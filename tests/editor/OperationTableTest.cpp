@@ -6,7 +6,7 @@
 #include "picture/engine/Geometry.h"
 #include "picture/engine/PointOperations.h"
 #include "picture/engine/Stylize.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 #include "platform/Numbers.h"
 
 #include <gtest/gtest.h>
@@ -16,10 +16,10 @@
 namespace pictorel::test {
 namespace {
 
-using engine::test::At;
-using engine::test::Pixel;
-using engine::test::Random;
-using engine::test::SamePixels;
+using test::At;
+using test::Pixel;
+using test::Random;
+using test::SamePixels;
 
 constexpr ColourValue kBackground = 0x00112233; // blue 0x11, green 0x22, red 0x33
 
@@ -67,7 +67,7 @@ TEST(OperationTable, NumbersBecomeParameters) {
 
 // Four pixels that tell every direction and channel apart: 1 2 over 3 4.
 PixelArray FourPixels() {
-    return engine::test::Draw({2, 2}, [](int x, int y) {
+    return test::Draw({2, 2}, [](int x, int y) {
         const auto v = static_cast<std::uint8_t>(10 * (1 + x + 2 * y));
         return Pixel{v, static_cast<std::uint8_t>(v + 1), static_cast<std::uint8_t>(v + 2), 255};
     });
@@ -125,7 +125,7 @@ TEST(OperationTable, RefusesWhatTheOperationCannotTake) {
 
 TEST(OperationTable, NoOperationWritesToThePictureItWasGiven) {
     const PixelArray picture = Random({33, 21});
-    const PixelArray safe = engine::test::Crop(picture, 0, 0, {33, 21});
+    const PixelArray safe = test::Crop(picture, 0, 0, {33, 21});
     for (const OperationRow& row : OperationTable()) {
         row.apply(picture, {20, 30, 4}, kBackground);
         ASSERT_TRUE(SamePixels(picture, safe)) << row.caption;

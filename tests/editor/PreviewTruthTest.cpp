@@ -3,19 +3,20 @@
 #include "editor/SliderCatalogue.h"
 #include "measure/PreviewTruth.h"
 #include "measure/StructuralSimilarity.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 
 namespace pictorel::test {
 namespace {
 
-using engine::test::Draw;
-using engine::test::Pixel;
-using engine::test::Size;
+using test::Draw;
+using test::Pixel;
+using test::Size;
 
 // Smooth shades, hard edges, and grain as a photo has it.
 PixelArray GrainyScene(Size size) {

@@ -2,7 +2,7 @@
 #include "editor/TemporaryFolder.h"
 #include "editor/WorkingFileMemory.h"
 #include "picture/MadeDetails.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace pictorel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using engine::test::Random;
+using test::Random;
 
 class WorkingFileMemoryTest : public ::testing::Test {
   protected:

@@ -2,14 +2,29 @@
 #include "picture/ImagingError.h"
 #include "picture/engine/Filters.h"
 #include "picture/engine/Reference.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <limits>
 #include <numbers>
 #include <vector>
 
-namespace pictorel::engine::test {
+namespace pictorel::engine {
 namespace {
+
+using test::Accumulate;
+using test::Alpha;
+using test::At;
+using test::Bilinear;
+using test::Compare;
+using test::Constant;
+using test::Deviation;
+using test::Draw;
+using test::Pixel;
+using test::Random;
+using test::SamePixels;
+using test::Sample;
+using test::SampleAt;
+using test::Size;
 
 constexpr std::array<Size, 7> kSizes{{{1, 1}, {1, 9}, {9, 1}, {2, 2}, {7, 5}, {33, 17}, {257, 3}}};
 constexpr std::array<Alpha, 2> kAlphas{Alpha::None, Alpha::Random};
@@ -356,4 +371,4 @@ TEST(Blurs, RefuseWhatTheFormulasCannotTake) {
 }
 
 } // namespace
-} // namespace pictorel::engine::test
+} // namespace pictorel::engine

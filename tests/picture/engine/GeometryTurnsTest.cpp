@@ -1,7 +1,7 @@
 // Mirrors and turns by right angles move pixels exactly, on every shape.
 #include "picture/ImagingError.h"
 #include "picture/engine/Geometry.h"
-#include "picture/engine/WarpTestPictures.h"
+#include "support/Pictures.h"
 
 #include <cmath>
 #include <tuple>
@@ -9,17 +9,17 @@
 namespace pictorel::engine {
 namespace {
 
-using testing::Pixel;
-using testing::PixelAt;
-using testing::Same;
-using testing::Speckled;
+using test::At;
+using test::Pixel;
+using test::Same;
+using test::Speckled;
 
 constexpr std::uint32_t kBackground = 0x00112233; // blue 0x11, green 0x22, red 0x33
 constexpr Pixel kBackgroundPixel{0x11, 0x22, 0x33, 255};
 
 class TurnsOfShape : public ::testing::TestWithParam<std::tuple<int, int>> {
   protected:
-    TurnsOfShape() : picture_(Speckled(std::get<0>(GetParam()), std::get<1>(GetParam()), true)) {
+    TurnsOfShape() : picture_(Speckled({std::get<0>(GetParam()), std::get<1>(GetParam())}, true)) {
         Metadata details;
         details.exif = {1, 2, 3};
         details.dotsPerInchX = 300;
@@ -37,8 +37,8 @@ TEST_P(TurnsOfShape, MirrorsPutPixelsOnTheOtherSide) {
     const int bottom = picture_.Height() - 1;
     for (int y = 0; y <= bottom; ++y) {
         for (int x = 0; x <= right; ++x) {
-            ASSERT_EQ(PixelAt(upsideDown, x, y), PixelAt(picture_, x, bottom - y));
-            ASSERT_EQ(PixelAt(reversed, x, y), PixelAt(picture_, right - x, y));
+            ASSERT_EQ(At(upsideDown, x, y), At(picture_, x, bottom - y));
+            ASSERT_EQ(At(reversed, x, y), At(picture_, right - x, y));
         }
     }
     EXPECT_TRUE(Same(MirrorTopToBottom(upsideDown), picture_));
@@ -52,10 +52,10 @@ TEST_P(TurnsOfShape, QuarterTurnsBringTheRightCornersUp) {
     const int height = picture_.Height();
     ASSERT_EQ(left.Width(), height);
     ASSERT_EQ(left.Height(), width);
-    EXPECT_EQ(PixelAt(left, 0, 0), PixelAt(picture_, width - 1, 0));
-    EXPECT_EQ(PixelAt(left, height - 1, 0), PixelAt(picture_, width - 1, height - 1));
-    EXPECT_EQ(PixelAt(right, 0, 0), PixelAt(picture_, 0, height - 1));
-    EXPECT_EQ(PixelAt(right, height - 1, 0), PixelAt(picture_, 0, 0));
+    EXPECT_EQ(At(left, 0, 0), At(picture_, width - 1, 0));
+    EXPECT_EQ(At(left, height - 1, 0), At(picture_, width - 1, height - 1));
+    EXPECT_EQ(At(right, 0, 0), At(picture_, 0, height - 1));
+    EXPECT_EQ(At(right, height - 1, 0), At(picture_, 0, 0));
 }
 
 TEST_P(TurnsOfShape, TurnsUndoEachOther) {
@@ -72,33 +72,33 @@ INSTANTIATE_TEST_SUITE_P(Shapes, TurnsOfShape,
                                            std::tuple(700, 401)));
 
 TEST(RotateByRightAngles, SquareIsAQuarterTurn) {
-    const PixelArray picture = Speckled(15, 15);
+    const PixelArray picture = Speckled({15, 15});
     EXPECT_TRUE(Same(Rotate(picture, 90, kBackground), QuarterTurnLeft(picture)));
     EXPECT_TRUE(Same(Rotate(picture, -90, kBackground), QuarterTurnRight(picture)));
     EXPECT_TRUE(Same(Rotate(picture, 270 + 720, kBackground), QuarterTurnRight(picture)));
 }
 
 TEST(RotateByRightAngles, OblongKeepsItsCanvas) {
-    const PixelArray picture = Speckled(7, 3, true);
+    const PixelArray picture = Speckled({7, 3}, true);
     const PixelArray turned = Rotate(picture, 90, kBackground);
     const PixelArray quarter = QuarterTurnLeft(picture); // 3 x 7
     for (int y = 0; y < 3; ++y) {
         for (int x = 0; x < 7; ++x) {
             const bool isCovered = x >= 2 && x < 5;
-            EXPECT_EQ(PixelAt(turned, x, y), isCovered ? PixelAt(quarter, x - 2, y + 2) : kBackgroundPixel);
+            EXPECT_EQ(At(turned, x, y), isCovered ? At(quarter, x - 2, y + 2) : kBackgroundPixel);
         }
     }
 }
 
 TEST(RotateByRightAngles, UnequalParityDoesNotBlur) {
-    const PixelArray picture = Speckled(8, 5);
+    const PixelArray picture = Speckled({8, 5});
     const PixelArray turned = Rotate(picture, 90, kBackground);
     const PixelArray quarter = QuarterTurnLeft(picture); // 5 x 8
-    EXPECT_EQ(PixelAt(turned, 3, 2), PixelAt(quarter, 2, 4));
+    EXPECT_EQ(At(turned, 3, 2), At(quarter, 2, 4));
 }
 
 TEST(NeutralGeometry, GivesBackTheSourceItself) {
-    const PixelArray picture = Speckled(5, 3, true);
+    const PixelArray picture = Speckled({5, 3}, true);
     const PixelArray results[] = {Rotate(picture, 0, kBackground),
                                   Rotate(picture, 360, kBackground),
                                   Rotate(picture, -720, kBackground),
@@ -113,7 +113,7 @@ TEST(NeutralGeometry, GivesBackTheSourceItself) {
 }
 
 TEST(GeometryParameters, ImpossibleOnesAreRefused) {
-    const PixelArray picture = Speckled(5, 3);
+    const PixelArray picture = Speckled({5, 3});
     EXPECT_THROW(Rotate(picture, std::nan(""), 0), ImagingError);
     EXPECT_THROW(Twirl(picture, INFINITY, 0), ImagingError);
     EXPECT_THROW(Skew(picture, true, 90.5, 0), ImagingError);

@@ -1,6 +1,6 @@
 // Warps against a plain double-precision reference, and what must hold at borders and under transparency.
 #include "picture/engine/Geometry.h"
-#include "picture/engine/WarpTestPictures.h"
+#include "support/Pictures.h"
 
 #include <algorithm>
 #include <array>
@@ -13,12 +13,15 @@
 namespace pictorel::engine {
 namespace {
 
-using testing::Drawn;
-using testing::Filled;
-using testing::Pixel;
-using testing::PixelAt;
-using testing::Same;
-using testing::Speckled;
+using test::At;
+using test::Constant;
+using test::Draw;
+using test::LargestDifference;
+using test::MeanOfComponent;
+using test::Pixel;
+using test::Same;
+using test::Set;
+using test::Speckled;
 
 constexpr std::uint32_t kBackground = 0x00C08040; // blue 0xC0, green 0x80, red 0x40
 constexpr Pixel kBackgroundPixel{0xC0, 0x80, 0x40, 255};
@@ -102,7 +105,7 @@ TEST(Rotation, AgreesWithTheReference) {
     } cases[] = {{31, 17, 1},   {31, 17, 30},       {16, 33, 133.7},     {21, 21, 45},
                  {21, 21, 300}, {31, 17, 30, true}, {90, 70, 205, true}, {901, 703, 12.5}};
     for (const auto& c : cases) {
-        const PixelArray picture = Speckled(c.width, c.height, c.hasAlpha);
+        const PixelArray picture = Speckled({c.width, c.height}, c.hasAlpha);
         const auto comparison = CompareWithRotation(picture, Rotate(picture, c.degrees, 0), c.degrees);
         EXPECT_GT(comparison.pixels, 100);
         EXPECT_LT(comparison.largest, 1.5) << c.degrees; // 1 level and the rounding of the reference
@@ -111,12 +114,12 @@ TEST(Rotation, AgreesWithTheReference) {
 
 // A picture with a single bright pixel: where its centre of mass goes tells the map.
 Point BrightSpotAfter(const std::function<PixelArray(const PixelArray&)>& warp, int size, Point spot) {
-    PixelArray picture = Filled(size, size, {0, 0, 0, 255});
+    PixelArray picture = Constant({size, size}, {0, 0, 0, 255});
     const int left = static_cast<int>(size / 2.0 + spot.x);
     const int top = static_cast<int>(size / 2.0 - spot.y);
     for (int y = top - 1; y <= top + 1; ++y) {
         for (int x = left - 1; x <= left + 1; ++x) {
-            testing::SetPixel(picture, x, y, {255, 255, 255, 255});
+            Set(picture, x, y, {255, 255, 255, 255});
         }
     }
     const PixelArray result = warp(picture);
@@ -124,7 +127,7 @@ Point BrightSpotAfter(const std::function<PixelArray(const PixelArray&)>& warp, 
     Point sum{0, 0};
     for (int y = 0; y < size; ++y) {
         for (int x = 0; x < size; ++x) {
-            const double bright = PixelAt(result, x, y)[1];
+            const double bright = At(result, x, y)[1];
             mass += bright;
             sum.x += bright * (x + 0.5 - size / 2.0);
             sum.y += bright * (size / 2.0 - y - 0.5);
@@ -194,7 +197,7 @@ constexpr struct {
 // anything between.
 TEST(Warps, EvenPicturesStayEven) {
     constexpr Pixel kColour{10, 200, 90, 255};
-    const PixelArray picture = Filled(61, 43, kColour);
+    const PixelArray picture = Constant({61, 43}, kColour);
     for (const auto& [name, warp] : kWarps) {
         for (const double degrees : {-85.0, -30.0, 7.0, 45.0, 80.0}) {
             const PixelArray result = warp(picture, degrees);
@@ -202,7 +205,7 @@ TEST(Warps, EvenPicturesStayEven) {
             int mixed = 0;
             for (int y = 0; y < result.Height(); ++y) {
                 for (int x = 0; x < result.Width(); ++x) {
-                    const Pixel p = PixelAt(result, x, y);
+                    const Pixel p = At(result, x, y);
                     ASSERT_EQ(p[3], 255);
                     covered += p == kColour ? 1 : 0;
                     mixed += p != kColour && p != kBackgroundPixel ? 1 : 0;
@@ -219,22 +222,22 @@ TEST(Warps, EvenPicturesStayEven) {
 
 // An edge at an angle has intermediate steps, and the covered area is right.
 TEST(Warps, ExposedBorderIsAntialiased) {
-    const PixelArray picture = Filled(41, 41, {255, 255, 255, 255});
+    const PixelArray picture = Constant({41, 41}, {255, 255, 255, 255});
     const PixelArray result = Rotate(picture, 45, 0);
     // A square turned by 45 degrees on its own canvas is an octagon of 2 (sqrt 2 - 1) of its area.
-    EXPECT_NEAR(testing::MeanOfComponent(result, 0), 255 * 2 * (std::sqrt(2) - 1), 1.5);
-    EXPECT_GT(PixelAt(result, 11, 1)[0], 0);
+    EXPECT_NEAR(MeanOfComponent(result, 0), 255 * 2 * (std::sqrt(2) - 1), 1.5);
+    EXPECT_GT(At(result, 11, 1)[0], 0);
     // At the middle of the right side nothing is exposed.
-    EXPECT_EQ(PixelAt(result, 40, 20)[0], 255);
+    EXPECT_EQ(At(result, 40, 20)[0], 255);
 }
 
 TEST(Warps, NothingIsLeftOfAPlaneSeenFromItsEdge) {
-    const PixelArray picture = Speckled(9, 6, true);
+    const PixelArray picture = Speckled({9, 6}, true);
     for (const double degrees : {-90.0, 90.0}) {
         for (const bool vertical : {false, true}) {
             for (const PixelArray& result : {Skew(picture, vertical, degrees, kBackground),
                                              Perspective(picture, vertical, degrees, kBackground)}) {
-                EXPECT_TRUE(Same(result, Filled(9, 6, kBackgroundPixel, true)));
+                EXPECT_TRUE(Same(result, Constant({9, 6}, kBackgroundPixel, true)));
             }
         }
     }
@@ -242,8 +245,8 @@ TEST(Warps, NothingIsLeftOfAPlaneSeenFromItsEdge) {
 
 TEST(Warps, TransparentNeighboursDoNotDarken) {
     // Left half opaque white, right half clear with black behind the transparency.
-    const PixelArray picture = Drawn(
-        40, 40,
+    const PixelArray picture = Draw(
+        {40, 40},
         [](int x, int) {
             return x < 20 ? Pixel{255, 255, 255, 255} : Pixel{0, 0, 0, 0};
         },
@@ -253,7 +256,7 @@ TEST(Warps, TransparentNeighboursDoNotDarken) {
         EXPECT_TRUE(result.HasAlpha());
         for (int y = 14; y < 26; ++y) { // away from the exposed border
             for (int x = 8; x < 32; ++x) {
-                const Pixel p = PixelAt(result, x, y);
+                const Pixel p = At(result, x, y);
                 EXPECT_TRUE(p[3] == 0 || p[0] == 255) << name << " at " << x << ", " << y;
             }
         }
@@ -261,11 +264,11 @@ TEST(Warps, TransparentNeighboursDoNotDarken) {
 }
 
 TEST(Warps, OpaqueAlphaGivesTheColoursOfNoAlpha) {
-    const PixelArray opaque = Speckled(37, 29);
+    const PixelArray opaque = Speckled({37, 29});
     PixelArray withAlpha = opaque;
     withAlpha.SetHasAlpha(true);
     for (const auto& [name, warp] : kWarps) {
-        EXPECT_LE(testing::LargestDifference(warp(opaque, 33), warp(withAlpha, 33)), 1) << name;
+        EXPECT_LE(LargestDifference(warp(opaque, 33), warp(withAlpha, 33)), 1) << name;
     }
 }
 
@@ -273,13 +276,13 @@ TEST(Warps, OpaqueAlphaGivesTheColoursOfNoAlpha) {
 TEST(Skew, MovesRowsAsItMovesPoints) {
     constexpr std::pair<int, int> kSizes[] = {{131, 77}, {16, 200}, {300, 3}, {2, 2}};
     for (const auto& [width, height] : kSizes) {
-        const PixelArray rows = Speckled(width, height);
+        const PixelArray rows = Speckled({width, height});
         PixelArray points = rows;
         points.SetHasAlpha(true);
         for (const double degrees : {-23.0, -3.0, 0.1, 11.0, 22.0}) {
             for (const bool vertical : {false, true}) {
-                EXPECT_LE(testing::LargestDifference(Skew(rows, vertical, degrees, kBackground),
-                                                     Skew(points, vertical, degrees, kBackground)),
+                EXPECT_LE(LargestDifference(Skew(rows, vertical, degrees, kBackground),
+                                            Skew(points, vertical, degrees, kBackground)),
                           1)
                     << width << " x " << height << ", " << degrees << (vertical ? " vertically" : "");
             }
@@ -288,16 +291,16 @@ TEST(Skew, MovesRowsAsItMovesPoints) {
 }
 
 TEST(Twirl, LeavesWhatIsOutsideTheCircle) {
-    const PixelArray picture = Speckled(50, 31, true);
+    const PixelArray picture = Speckled({50, 31}, true);
     const PixelArray result = Twirl(picture, 200, kBackground);
     int changed = 0;
     for (int y = 0; y < 31; ++y) {
         for (int x = 0; x < 50; ++x) {
             const bool isOutside = std::hypot(x + 0.5 - 25, y + 0.5 - 15.5) > 15.5;
             if (isOutside) {
-                ASSERT_EQ(PixelAt(result, x, y), PixelAt(picture, x, y));
+                ASSERT_EQ(At(result, x, y), At(picture, x, y));
             } else {
-                changed += PixelAt(result, x, y) != PixelAt(picture, x, y) ? 1 : 0;
+                changed += At(result, x, y) != At(picture, x, y) ? 1 : 0;
             }
         }
     }
@@ -308,14 +311,14 @@ TEST(Twirl, LeavesWhatIsOutsideTheCircle) {
 // a pixel that is not a whole number of source pixels wide leaves up to a sixth of the contrast, and is
 // rounded to a level.
 TEST(Warps, StrongReductionDoesNotAlias) {
-    const PixelArray chequers = Drawn(300, 300, [](int x, int y) {
+    const PixelArray chequers = Draw({300, 300}, [](int x, int y) {
         const auto c = static_cast<std::uint8_t>((x + y) % 2 == 0 ? 255 : 0);
         return Pixel{c, c, c, 255};
     });
     const auto expectGrey = [](const PixelArray& result, int left, int right, int top, int bottom) {
         for (int y = top; y < bottom; ++y) {
             for (int x = left; x < right; ++x) {
-                ASSERT_NEAR(PixelAt(result, x, y)[0], 127.5, 127.5 / 6 + 0.5) << x << ", " << y;
+                ASSERT_NEAR(At(result, x, y)[0], 127.5, 127.5 / 6 + 0.5) << x << ", " << y;
             }
         }
     };
@@ -326,24 +329,24 @@ TEST(Warps, StrongReductionDoesNotAlias) {
 }
 
 TEST(Reproduce, TilesAreReducedCopies) {
-    const PixelArray picture = Drawn(7, 5, [](int x, int y) {
+    const PixelArray picture = Draw({7, 5}, [](int x, int y) {
         return x < 4 && y < 3 ? Pixel{255, 255, 255, 255} : Pixel{0, 0, 0, 255};
     });
     const PixelArray result = Reproduce(picture, 2);
     // 7 columns are tiled as 4 + 3, 5 rows as 3 + 2.
     for (const auto& [x, y] : {std::pair(0, 0), std::pair(4, 0), std::pair(0, 3), std::pair(4, 3)}) {
-        EXPECT_GT(PixelAt(result, x, y)[0], 200) << x << ", " << y;
+        EXPECT_GT(At(result, x, y)[0], 200) << x << ", " << y;
     }
     for (const auto& [x, y] : {std::pair(3, 2), std::pair(6, 2), std::pair(3, 4), std::pair(6, 4)}) {
-        EXPECT_LT(PixelAt(result, x, y)[0], 60) << x << ", " << y;
+        EXPECT_LT(At(result, x, y)[0], 60) << x << ", " << y;
     }
 }
 
 TEST(Reproduce, MoreCopiesThanPixelsGiveEveryPixelTheMean) {
-    const PixelArray picture = Drawn(4, 2, [](int x, int) {
+    const PixelArray picture = Draw({4, 2}, [](int x, int) {
         return x < 2 ? Pixel{200, 200, 200, 255} : Pixel{100, 100, 100, 255};
     });
-    EXPECT_TRUE(Same(Reproduce(picture, 32), Filled(4, 2, {150, 150, 150, 255})));
+    EXPECT_TRUE(Same(Reproduce(picture, 32), Constant({4, 2}, {150, 150, 150, 255})));
 }
 
 } // namespace

@@ -1,13 +1,21 @@
 // Automatic contrast and levels and equalisation: where they clip, what they leave alone.
 #include "picture/ImagingError.h"
 #include "picture/engine/HistogramOperations.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace pictorel::engine::test {
+namespace pictorel::engine {
 namespace {
+
+using test::Alpha;
+using test::At;
+using test::Constant;
+using test::Draw;
+using test::Pixel;
+using test::Random;
+using test::Size;
 
 std::uint8_t Byte(int value) {
     return static_cast<std::uint8_t>(value);
@@ -189,4 +197,4 @@ TEST(AutoLevels, FindsTheEndsOfLargePictures) {
 }
 
 } // namespace
-} // namespace pictorel::engine::test
+} // namespace pictorel::engine

@@ -2,15 +2,25 @@
 // carriage.
 #include "picture/ImagingError.h"
 #include "picture/engine/PointOperations.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
 
-namespace pictorel::engine::test {
+namespace pictorel::engine {
 namespace {
+
+using test::Alpha;
+using test::At;
+using test::Constant;
+using test::Crop;
+using test::Draw;
+using test::Pixel;
+using test::Random;
+using test::SamePixels;
+using test::Size;
 
 using Operation = std::function<PixelArray(const PixelArray&)>;
 using Exact = std::array<double, 3>;                // blue, green, red before rounding
@@ -278,4 +288,4 @@ TEST(PointOperations, RefuseWhatTheFormulasCannotTake) {
 }
 
 } // namespace
-} // namespace pictorel::engine::test
+} // namespace pictorel::engine

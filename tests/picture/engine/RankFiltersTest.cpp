@@ -1,11 +1,19 @@
 // The brightest and darkest of a square against the definition, exactly.
 #include "picture/engine/Filters.h"
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <algorithm>
 
-namespace pictorel::engine::test {
+namespace pictorel::engine {
 namespace {
+
+using test::Alpha;
+using test::At;
+using test::Draw;
+using test::Pixel;
+using test::Random;
+using test::SamePixels;
+using test::Size;
 
 // Invisible pixels do not take part in a picture that has alpha.
 PixelArray ExactSquare(const PixelArray& source, int radius, bool brightest) {
@@ -80,4 +88,4 @@ TEST(RankFilters, MixOnReducedCopies) {
 }
 
 } // namespace
-} // namespace pictorel::engine::test
+} // namespace pictorel::engine

@@ -2,15 +2,15 @@
 #include "picture/engine/Geometry.h"
 #include "picture/engine/Resample.h"
 #include "picture/engine/Stylize.h"
-#include "picture/engine/WarpTestPictures.h"
+#include "support/Pictures.h"
 
 #include <string>
 
 namespace pictorel::engine {
 namespace {
 
-using testing::PhotoLike;
-using testing::StructuralSimilarity;
+using test::PhotoLike;
+using test::StructuralSimilarity;
 
 constexpr std::uint32_t kBackground = 0x00404040;
 
@@ -72,7 +72,7 @@ std::vector<Case> Cases() {
 class ReducedCopy : public ::testing::TestWithParam<int> {}; // width of the copy
 
 TEST_P(ReducedCopy, ShowsThePictureReduced) {
-    const PixelArray picture = PhotoLike(1200, 800);
+    const PixelArray picture = PhotoLike({1200, 800});
     const int width = GetParam();
     const int height = width * 2 / 3;
     PixelArray copy = Resize(picture, width, height);

@@ -1,14 +1,14 @@
 // The plain definitions of the neighbourhood operations in double precision: slow, and easy to believe.
 #pragma once
 
-#include "picture/engine/TestPictures.h"
+#include "support/Pictures.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <functional>
 
-namespace pictorel::engine::test {
+namespace pictorel::test {
 
 // Premultiplied: colour times alpha / 255; the whole range is 0..255.
 using Sample = std::array<double, 4>;
@@ -64,4 +64,4 @@ inline Deviation Compare(const PixelArray& result, const std::function<Sample(in
     return deviation;
 }
 
-} // namespace pictorel::engine::test
+} // namespace pictorel::test

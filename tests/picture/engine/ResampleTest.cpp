@@ -1,7 +1,7 @@
 // Resizing against a plain double-precision reference, and what must hold whatever the sizes.
 #include "picture/ImagingError.h"
 #include "picture/engine/Resample.h"
-#include "picture/engine/WarpTestPictures.h"
+#include "support/Pictures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,12 +11,12 @@
 namespace pictorel::engine {
 namespace {
 
-using testing::Drawn;
-using testing::Filled;
-using testing::Pixel;
-using testing::PixelAt;
-using testing::Same;
-using testing::Speckled;
+using test::At;
+using test::Constant;
+using test::Draw;
+using test::Pixel;
+using test::Same;
+using test::Speckled;
 
 double Lanczos3(double x) {
     const double a = std::numbers::pi * x;
@@ -38,7 +38,7 @@ Pixel ReferencePixel(const PixelArray& source, int width, int height, int x, int
         for (int sx = 0; sx < source.Width(); ++sx) {
             const double weight =
                 Lanczos3((sx + 0.5 - centreX) / scaleX) * Lanczos3((sy + 0.5 - centreY) / scaleY);
-            const Pixel p = PixelAt(source, sx, sy);
+            const Pixel p = At(source, sx, sy);
             weights += weight;
             for (int c = 0; c < 3; ++c) {
                 sums[c] += weight * p[c] * p[3];
@@ -67,17 +67,17 @@ class ResizeOf : public ::testing::TestWithParam<Sizes> {};
 TEST_P(ResizeOf, AgreesWithTheReference) {
     const Sizes s = GetParam();
     for (const bool hasAlpha : {false, true}) {
-        const PixelArray source = Speckled(s.fromWidth, s.fromHeight, hasAlpha);
+        const PixelArray source = Speckled({s.fromWidth, s.fromHeight}, hasAlpha);
         const PixelArray result = Resize(source, s.toWidth, s.toHeight);
         ASSERT_EQ(result.Width(), s.toWidth);
         ASSERT_EQ(result.Height(), s.toHeight);
-        const PixelArray reference = Drawn(s.toWidth, s.toHeight, [&](int x, int y) {
+        const PixelArray reference = Draw({s.toWidth, s.toHeight}, [&](int x, int y) {
             return ReferencePixel(source, s.toWidth, s.toHeight, x, y);
         });
         for (int y = 0; y < s.toHeight; ++y) {
             for (int x = 0; x < s.toWidth; ++x) {
-                const Pixel a = PixelAt(result, x, y);
-                const Pixel b = PixelAt(reference, x, y);
+                const Pixel a = At(result, x, y);
+                const Pixel b = At(reference, x, y);
                 ASSERT_NEAR(a[3], b[3], 1);
                 // Where next to nothing is seen the colour is the quotient of two tiny numbers.
                 for (int c = 0; c < 3 && b[3] > 1; ++c) {
@@ -93,8 +93,8 @@ TEST_P(ResizeOf, EvenPicturesStayEven) {
     for (const Pixel colour : {Pixel{0, 1, 254, 255}, Pixel{255, 128, 77, 255}, Pixel{200, 100, 50, 90}}) {
         const bool hasAlpha = colour[3] != 255;
         const PixelArray result =
-            Resize(Filled(s.fromWidth, s.fromHeight, colour, hasAlpha), s.toWidth, s.toHeight);
-        EXPECT_TRUE(Same(result, Filled(s.toWidth, s.toHeight, colour, hasAlpha)));
+            Resize(Constant({s.fromWidth, s.fromHeight}, colour, hasAlpha), s.toWidth, s.toHeight);
+        EXPECT_TRUE(Same(result, Constant({s.toWidth, s.toHeight}, colour, hasAlpha)));
     }
 }
 
@@ -106,12 +106,12 @@ INSTANTIATE_TEST_SUITE_P(Sizes, ResizeOf,
                                            Sizes{9, 400, 9, 3}));
 
 TEST(Resize, SameSizeIsTheSourceItself) {
-    const PixelArray picture = Speckled(6, 5, true);
+    const PixelArray picture = Speckled({6, 5}, true);
     EXPECT_TRUE(Resize(picture, 6, 5).SharesPixelsWith(picture));
 }
 
 TEST(Resize, CarriesWhatThePictureSays) {
-    PixelArray picture = Speckled(6, 5, true);
+    PixelArray picture = Speckled({6, 5}, true);
     Metadata details;
     details.icc = {9};
     picture.SetDetails(details);
@@ -123,8 +123,8 @@ TEST(Resize, CarriesWhatThePictureSays) {
 }
 
 TEST(Resize, TransparentBlackDoesNotDarken) {
-    const PixelArray picture = Drawn(
-        48, 48,
+    const PixelArray picture = Draw(
+        {48, 48},
         [](int x, int y) {
             return (x / 5 + y / 7) % 2 == 0 ? Pixel{255, 255, 255, 255} : Pixel{0, 0, 0, 0};
         },
@@ -133,7 +133,7 @@ TEST(Resize, TransparentBlackDoesNotDarken) {
         const PixelArray result = Resize(picture, side, side);
         for (int y = 0; y < side; ++y) {
             for (int x = 0; x < side; ++x) {
-                const Pixel p = PixelAt(result, x, y);
+                const Pixel p = At(result, x, y);
                 EXPECT_TRUE(p[3] == 0 || p[0] == 255) << side << ": " << x << ", " << y;
             }
         }
@@ -141,29 +141,29 @@ TEST(Resize, TransparentBlackDoesNotDarken) {
 }
 
 TEST(Resize, HugeReductionsAndNarrowPictures) {
-    const PixelArray wide = Drawn(6000, 3, [](int x, int) {
+    const PixelArray wide = Draw({6000, 3}, [](int x, int) {
         return x < 3000 ? Pixel{0, 0, 0, 255} : Pixel{255, 255, 255, 255};
     });
     const PixelArray two = Resize(wide, 2, 1);
-    EXPECT_LT(PixelAt(two, 0, 0)[0], 30);
-    EXPECT_GT(PixelAt(two, 1, 0)[0], 225);
-    EXPECT_EQ(Resize(Speckled(1, 1), kMaximumSide, 1).Width(), kMaximumSide);
+    EXPECT_LT(At(two, 0, 0)[0], 30);
+    EXPECT_GT(At(two, 1, 0)[0], 225);
+    EXPECT_EQ(Resize(Speckled({1, 1}), kMaximumSide, 1).Width(), kMaximumSide);
 }
 
 // Larger than one band: the seams between bands must not show.
 TEST(Resize, BandsFitTogether) {
-    const PixelArray picture = Drawn(1300, 900, [](int x, int y) {
+    const PixelArray picture = Draw({1300, 900}, [](int x, int y) {
         return Pixel{static_cast<std::uint8_t>(x / 6), static_cast<std::uint8_t>(y / 4), 90, 255};
     });
     const PixelArray result = Resize(picture, 650, 450);
     for (int y = 4; y < 446; ++y) {
-        ASSERT_NEAR(PixelAt(result, 300, y)[1], (2 * y + 0.5) / 4, 1.01);
-        ASSERT_EQ(PixelAt(result, 300, y)[0], 100);
+        ASSERT_NEAR(At(result, 300, y)[1], (2 * y + 0.5) / 4, 1.01);
+        ASSERT_EQ(At(result, 300, y)[0], 100);
     }
 }
 
 TEST(Resize, ImpossibleSizesAreRefused) {
-    const PixelArray picture = Speckled(6, 5);
+    const PixelArray picture = Speckled({6, 5});
     EXPECT_THROW(Resize(picture, 0, 5), ImagingError);
     EXPECT_THROW(Resize(picture, 6, -1), ImagingError);
     EXPECT_THROW(Resize(picture, 6, kMaximumSide + 1), ImagingError);

@@ -1,13 +1,16 @@
 // Every operation over the whole range of its slider on awkward shapes: it must come back with a picture.
 #include "picture/engine/Geometry.h"
 #include "picture/engine/Stylize.h"
-#include "picture/engine/WarpTestPictures.h"
+#include "support/Pictures.h"
 
 #include <string>
 #include <tuple>
 
 namespace pictorel::engine {
 namespace {
+
+using test::At;
+using test::Speckled;
 
 constexpr std::uint32_t kBackground = 0x00FF8000;
 
@@ -47,7 +50,7 @@ TEST_P(SliderRanges, KeepTheCanvas) {
     for (const Slider& slider : kSliders) {
         for (const bool hasAlpha : {false, true}) {
             for (const double reduction : {1.0, 0.6, 0.04}) {
-                PixelArray picture = testing::Speckled(width, height, hasAlpha);
+                PixelArray picture = Speckled({width, height}, hasAlpha);
                 picture.SetReduction(reduction);
                 for (int value = slider.lowest; value <= slider.highest; value += slider.step) {
                     const PixelArray result = slider.operation(picture, value);
@@ -55,7 +58,7 @@ TEST_P(SliderRanges, KeepTheCanvas) {
                     ASSERT_EQ(result.Height(), height) << slider.name << " " << value;
                     ASSERT_EQ(result.HasAlpha(), hasAlpha) << slider.name << " " << value;
                     ASSERT_EQ(result.Reduction(), reduction) << slider.name << " " << value;
-                    const bool isOpaque = testing::PixelAt(result, width / 2, height / 2)[3] == 255;
+                    const bool isOpaque = At(result, width / 2, height / 2)[3] == 255;
                     ASSERT_TRUE(hasAlpha || isOpaque) << slider.name << " " << value;
                 }
             }

@@ -1,7 +1,7 @@
 // Noise, diffuse, mosaic, emboss and halftone: values worked out by hand, and statistics.
 #include "picture/ImagingError.h"
 #include "picture/engine/Stylize.h"
-#include "picture/engine/WarpTestPictures.h"
+#include "support/Pictures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,13 +10,14 @@
 namespace pictorel::engine {
 namespace {
 
-using testing::Drawn;
-using testing::Filled;
-using testing::MeanOfComponent;
-using testing::Pixel;
-using testing::PixelAt;
-using testing::Same;
-using testing::Speckled;
+using test::Alpha;
+using test::At;
+using test::Constant;
+using test::Draw;
+using test::MeanOfComponent;
+using test::Pixel;
+using test::Same;
+using test::Speckled;
 
 Pixel Grey(double value) {
     const auto byte = static_cast<std::uint8_t>(std::lround(value));
@@ -24,7 +25,7 @@ Pixel Grey(double value) {
 }
 
 TEST(NeutralStylize, GivesBackTheSourceItself) {
-    const PixelArray picture = Speckled(5, 3, true);
+    const PixelArray picture = Speckled({5, 3}, true);
     for (const PixelArray& result : {Noise(picture, 0), Diffuse(picture, 2, 0), Diffuse(picture, 0, 50),
                                      Mosaic(picture, 0), Mosaic(picture, 1)}) {
         EXPECT_TRUE(result.SharesPixelsWith(picture));
@@ -32,7 +33,7 @@ TEST(NeutralStylize, GivesBackTheSourceItself) {
 }
 
 TEST(StylizeParameters, ImpossibleOnesAreRefused) {
-    const PixelArray picture = Speckled(5, 3);
+    const PixelArray picture = Speckled({5, 3});
     EXPECT_THROW(Noise(picture, -1), ImagingError);
     EXPECT_THROW(Noise(picture, 101), ImagingError);
     EXPECT_THROW(Diffuse(picture, -1, 10), ImagingError);
@@ -47,9 +48,9 @@ TEST(StylizeParameters, ImpossibleOnesAreRefused) {
 // Alpha stays, and the top left part of a picture gets what it gets alone: results depend on the position and
 // not on how the work was divided.
 TEST(StylizePosition, PartsAreTreatedAsTheWhole) {
-    const PixelArray whole = Speckled(900, 701, true);
-    const PixelArray part = Drawn(
-        120, 90, [&](int x, int y) { return PixelAt(whole, x, y); }, true);
+    const PixelArray whole = Speckled({900, 701}, true);
+    const PixelArray part = Draw(
+        {120, 90}, [&](int x, int y) { return At(whole, x, y); }, true);
     const std::function<PixelArray(const PixelArray&)> operations[] = {
         [](const PixelArray& p) { return Noise(p, 30); },
         [](const PixelArray& p) { return Diffuse(p, 2, 70); },
@@ -62,18 +63,18 @@ TEST(StylizePosition, PartsAreTreatedAsTheWhole) {
         const PixelArray ofPart = operation(part);
         for (int y = 0; y < 80; ++y) {
             for (int x = 0; x < 110; ++x) {
-                ASSERT_EQ(PixelAt(ofPart, x, y), PixelAt(ofWhole, x, y)) << x << ", " << y;
+                ASSERT_EQ(At(ofPart, x, y), At(ofWhole, x, y)) << x << ", " << y;
             }
         }
         EXPECT_TRUE(ofWhole.HasAlpha());
     }
     for (const auto& keepsAlpha : {operations[0], operations[3], operations[4]}) {
-        EXPECT_EQ(PixelAt(keepsAlpha(part), 20, 30)[3], PixelAt(part, 20, 30)[3]);
+        EXPECT_EQ(At(keepsAlpha(part), 20, 30)[3], At(part, 20, 30)[3]);
     }
 }
 
 TEST(NoiseStatistics, EvenlySpreadIndependentAndCentred) {
-    const PixelArray noisy = Noise(Filled(300, 300, {128, 128, 128, 255}), 20);
+    const PixelArray noisy = Noise(Constant({300, 300}, {128, 128, 128, 255}), 20);
     double mean = 0;
     double variance = 0;
     double acrossChannels = 0;
@@ -82,12 +83,12 @@ TEST(NoiseStatistics, EvenlySpreadIndependentAndCentred) {
     int highest = 0;
     for (int y = 0; y < 300; ++y) {
         for (int x = 0; x < 300; ++x) {
-            const Pixel p = PixelAt(noisy, x, y);
+            const Pixel p = At(noisy, x, y);
             const int n = p[0] - 128;
             mean += n;
             variance += n * n;
             acrossChannels += n * (p[1] - 128);
-            acrossPixels += n * (PixelAt(noisy, (x + 1) % 300, y)[0] - 128);
+            acrossPixels += n * (At(noisy, (x + 1) % 300, y)[0] - 128);
             lowest = std::min(lowest, n);
             highest = std::max(highest, n);
         }
@@ -109,8 +110,8 @@ TEST(NoiseStatistics, ReducedCopyShowsTheMeanOfTheNoise) {
         int tolerance; // levels
     };
     for (const Case& c : {Case{128, 1}, Case{60, 4}, Case{0, 10}, Case{255, 10}}) {
-        const PixelArray whole = Noise(Filled(400, 400, Grey(c.value)), 40);
-        PixelArray copy = Filled(40, 40, Grey(c.value));
+        const PixelArray whole = Noise(Constant({400, 400}, Grey(c.value)), 40);
+        PixelArray copy = Constant({40, 40}, Grey(c.value));
         copy.SetReduction(0.1);
         const PixelArray reduced = Noise(copy, 40);
         EXPECT_NEAR(MeanOfComponent(reduced, 1), MeanOfComponent(whole, 1), 0.7) << c.value;
@@ -118,9 +119,9 @@ TEST(NoiseStatistics, ReducedCopyShowsTheMeanOfTheNoise) {
             for (int x = 0; x < 40; ++x) {
                 double sum = 0;
                 for (int i = 0; i < 100; ++i) {
-                    sum += PixelAt(whole, 10 * x + i % 10, 10 * y + i / 10)[1];
+                    sum += At(whole, 10 * x + i % 10, 10 * y + i / 10)[1];
                 }
-                ASSERT_NEAR(PixelAt(reduced, x, y)[1], sum / 100, c.tolerance) << c.value;
+                ASSERT_NEAR(At(reduced, x, y)[1], sum / 100, c.tolerance) << c.value;
             }
         }
     }
@@ -128,7 +129,7 @@ TEST(NoiseStatistics, ReducedCopyShowsTheMeanOfTheNoise) {
 
 TEST(Diffuse, TakesNeighboursWithTheGivenProbability) {
     // Each pixel tells its position.
-    const PixelArray picture = Drawn(200, 200, [](int x, int y) {
+    const PixelArray picture = Draw({200, 200}, [](int x, int y) {
         return Pixel{static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 7, 255};
     });
     for (const double percent : {25.0, 100.0}) {
@@ -137,8 +138,8 @@ TEST(Diffuse, TakesNeighboursWithTheGivenProbability) {
         std::array<int, 5> across{};
         for (int y = 0; y < 200; ++y) {
             for (int x = 0; x < 200; ++x) {
-                const int dx = PixelAt(result, x, y)[0] - x;
-                const int dy = PixelAt(result, x, y)[1] - y;
+                const int dx = At(result, x, y)[0] - x;
+                const int dy = At(result, x, y)[1] - y;
                 ASSERT_LE(std::abs(dx), 2);
                 ASSERT_LE(std::abs(dy), 2);
                 moved += dx != 0 || dy != 0 ? 1 : 0;
@@ -153,21 +154,21 @@ TEST(Diffuse, TakesNeighboursWithTheGivenProbability) {
 }
 
 TEST(Mosaic, BlocksHaveTheirMean) {
-    const PixelArray picture = Drawn(5, 3, [](int x, int y) { return Grey(10 * x + 50 * y); });
+    const PixelArray picture = Draw({5, 3}, [](int x, int y) { return Grey(10 * x + 50 * y); });
     const PixelArray result = Mosaic(picture, 2);
     // Blocks of 2 x 2, the last column 1 x 2, the last row 2 x 1 and 1 x 1.
-    EXPECT_EQ(PixelAt(result, 1, 1), Grey(30));
-    EXPECT_EQ(PixelAt(result, 2, 0), Grey(50));
-    EXPECT_EQ(PixelAt(result, 4, 1), Grey(65));
-    EXPECT_EQ(PixelAt(result, 0, 2), Grey(105));
-    EXPECT_EQ(PixelAt(result, 4, 2), Grey(140));
-    EXPECT_EQ(PixelAt(Mosaic(picture, 500), 4, 2), Grey(70));
+    EXPECT_EQ(At(result, 1, 1), Grey(30));
+    EXPECT_EQ(At(result, 2, 0), Grey(50));
+    EXPECT_EQ(At(result, 4, 1), Grey(65));
+    EXPECT_EQ(At(result, 0, 2), Grey(105));
+    EXPECT_EQ(At(result, 4, 2), Grey(140));
+    EXPECT_EQ(At(Mosaic(picture, 500), 4, 2), Grey(70));
 }
 
 // Up to the sizes whose sums are as large as they get, and beyond.
 TEST(Mosaic, EverySizeHasExactMeans) {
     const PixelArray picture =
-        Drawn(520, 300, [](int x, int y) { return x < 260 ? Grey(255) : Grey((x * 37 + y * 91) % 256); });
+        Draw({520, 300}, [](int x, int y) { return x < 260 ? Grey(255) : Grey((x * 37 + y * 91) % 256); });
     for (const int size : {2, 3, 7, 50, 256, 257, 258}) {
         const PixelArray result = Mosaic(picture, size);
         for (int top = 0; top < picture.Height(); top += size) {
@@ -181,7 +182,7 @@ TEST(Mosaic, EverySizeHasExactMeans) {
                     }
                 }
                 const int pixels = (right - left) * (bottom - top);
-                ASSERT_EQ(PixelAt(result, right - 1, bottom - 1), Grey((sum + pixels / 2) / pixels))
+                ASSERT_EQ(At(result, right - 1, bottom - 1), Grey((sum + pixels / 2) / pixels))
                     << "size " << size << " at " << left << ", " << top;
             }
         }
@@ -189,42 +190,42 @@ TEST(Mosaic, EverySizeHasExactMeans) {
 }
 
 TEST(Mosaic, ClearPixelsGiveNoColour) {
-    const PixelArray picture = Drawn(
-        4, 2,
+    const PixelArray picture = Draw(
+        {4, 2},
         [](int x, int) {
             return x % 2 == 0 ? Pixel{200, 100, 40, 255} : Pixel{0, 0, 0, 0};
         },
         true);
-    EXPECT_EQ(PixelAt(Mosaic(picture, 2), 3, 1), (Pixel{200, 100, 40, 128}));
+    EXPECT_EQ(At(Mosaic(picture, 2), 3, 1), (Pixel{200, 100, 40, 128}));
 }
 
 TEST(Emboss, SlopesTowardsTheLightAreBright) {
     // Luma rises by 6 a column: over a height of 4 px that is 24.
-    const PixelArray ramp = Drawn(31, 9, [](int x, int) { return Grey(6 * x); });
-    EXPECT_EQ(PixelAt(Emboss(ramp, 0, 4, 2), 15, 4), Grey(128 + 48));
-    EXPECT_EQ(PixelAt(Emboss(ramp, 180, 4, 2), 15, 4), Grey(128 - 48));
-    EXPECT_EQ(PixelAt(Emboss(ramp, 90, 4, 2), 15, 4), Grey(128));
-    EXPECT_EQ(PixelAt(Emboss(ramp, 60, 4, 2), 15, 4), Grey(128 + 24));
-    EXPECT_EQ(PixelAt(Emboss(ramp, 0, 3, 1), 15, 4), Grey(128 + 18));
+    const PixelArray ramp = Draw({31, 9}, [](int x, int) { return Grey(6 * x); });
+    EXPECT_EQ(At(Emboss(ramp, 0, 4, 2), 15, 4), Grey(128 + 48));
+    EXPECT_EQ(At(Emboss(ramp, 180, 4, 2), 15, 4), Grey(128 - 48));
+    EXPECT_EQ(At(Emboss(ramp, 90, 4, 2), 15, 4), Grey(128));
+    EXPECT_EQ(At(Emboss(ramp, 60, 4, 2), 15, 4), Grey(128 + 24));
+    EXPECT_EQ(At(Emboss(ramp, 0, 3, 1), 15, 4), Grey(128 + 18));
     // At the border the picture goes on as its edge.
-    EXPECT_EQ(PixelAt(Emboss(ramp, 0, 4, 2), 0, 4), Grey(128 + 24));
-    EXPECT_EQ(PixelAt(Emboss(ramp, 0, 4, 0), 15, 4), Grey(128));
+    EXPECT_EQ(At(Emboss(ramp, 0, 4, 2), 0, 4), Grey(128 + 24));
+    EXPECT_EQ(At(Emboss(ramp, 0, 4, 0), 15, 4), Grey(128));
     // Light from above: brighter above is towards the light.
-    const PixelArray fall = Drawn(9, 31, [](int, int y) { return Grey(186 - 6 * y); });
-    EXPECT_EQ(PixelAt(Emboss(fall, 90, 4, 2), 4, 15), Grey(128 + 48));
+    const PixelArray fall = Draw({9, 31}, [](int, int y) { return Grey(186 - 6 * y); });
+    EXPECT_EQ(At(Emboss(fall, 90, 4, 2), 4, 15), Grey(128 + 48));
 }
 
 TEST(Emboss, ReliefFarHigherThanThePicture) {
-    const PixelArray ramp = Drawn(5, 3, [](int x, int) { return Grey(10 * x); });
-    EXPECT_EQ(PixelAt(Emboss(ramp, 0, 10000, 1), 2, 1), Grey(128 + 40));
-    EXPECT_EQ(PixelAt(Emboss(ramp, 37, 10000, 1), 2, 1), Grey(128 + 40));
+    const PixelArray ramp = Draw({5, 3}, [](int x, int) { return Grey(10 * x); });
+    EXPECT_EQ(At(Emboss(ramp, 0, 10000, 1), 2, 1), Grey(128 + 40));
+    EXPECT_EQ(At(Emboss(ramp, 37, 10000, 1), 2, 1), Grey(128 + 40));
 }
 
 TEST(Halftone, DotAreaIsTheDarkness) {
     for (const int size : {0, 1, 2, 5}) {
         for (const double gain : {1.0, 1.25}) {
             for (int value = 0; value <= 255; value += 15) {
-                const PixelArray result = Halftone(Filled(240, 240, Grey(value)), size, gain);
+                const PixelArray result = Halftone(Constant({240, 240}, Grey(value)), size, gain);
                 const double area = std::min((1 - value / 255.0) * gain, 1.0);
                 // A large screen does not fit the picture a whole number of times.
                 const double tolerance = size < 2 ? 1.5 : 5;
@@ -237,20 +238,20 @@ TEST(Halftone, DotAreaIsTheDarkness) {
 
 TEST(Halftone, BlackDotsOnAScreenOf45Degrees) {
     // Cells of 20 px: dots lie at multiples of 20 along the diagonals, 14.14 right and as many down.
-    const PixelArray light = Halftone(Filled(120, 120, Grey(230)), 5, 1);
-    EXPECT_EQ(PixelAt(light, 0, 0)[0], 0);
-    EXPECT_EQ(PixelAt(light, 28, 0)[0], 0);
-    EXPECT_EQ(PixelAt(light, 14, 14)[0], 0);
-    EXPECT_EQ(PixelAt(light, 14, 0)[0], 255);
-    EXPECT_EQ(PixelAt(light, 7, 7)[0], 255);
+    const PixelArray light = Halftone(Constant({120, 120}, Grey(230)), 5, 1);
+    EXPECT_EQ(At(light, 0, 0)[0], 0);
+    EXPECT_EQ(At(light, 28, 0)[0], 0);
+    EXPECT_EQ(At(light, 14, 14)[0], 0);
+    EXPECT_EQ(At(light, 14, 0)[0], 255);
+    EXPECT_EQ(At(light, 7, 7)[0], 255);
     // In dark tones the holes are where the light tones have most white.
-    const PixelArray dark = Halftone(Filled(120, 120, Grey(25)), 5, 1);
-    EXPECT_EQ(PixelAt(dark, 14, 0)[0], 255);
-    EXPECT_EQ(PixelAt(dark, 7, 7)[0], 0);
+    const PixelArray dark = Halftone(Constant({120, 120}, Grey(25)), 5, 1);
+    EXPECT_EQ(At(dark, 14, 0)[0], 255);
+    EXPECT_EQ(At(dark, 7, 7)[0], 0);
     // Black and white have no dots at all, and colours become grey.
-    EXPECT_TRUE(Same(Halftone(Filled(9, 9, Grey(0)), 1, 1), Filled(9, 9, Grey(0))));
-    EXPECT_TRUE(Same(Halftone(Filled(9, 9, Grey(255)), 1, 1.25), Filled(9, 9, Grey(255))));
-    const Pixel p = PixelAt(Halftone(Filled(9, 9, {200, 20, 90, 255}), 1, 1), 4, 4);
+    EXPECT_TRUE(Same(Halftone(Constant({9, 9}, Grey(0)), 1, 1), Constant({9, 9}, Grey(0))));
+    EXPECT_TRUE(Same(Halftone(Constant({9, 9}, Grey(255)), 1, 1.25), Constant({9, 9}, Grey(255))));
+    const Pixel p = At(Halftone(Constant({9, 9}, {200, 20, 90, 255}), 1, 1), 4, 4);
     EXPECT_TRUE(p[0] == p[1] && p[1] == p[2]);
 }
 

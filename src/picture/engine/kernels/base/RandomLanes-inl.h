@@ -7,7 +7,7 @@
 #define PICTOREL_RANDOM_LANES_INL_H
 #endif
 
-#include "picture/engine/kernels/base/StylizeRandom.h"
+#include "picture/engine/kernels/base/PositionRandom.h"
 
 #include <hwy/highway.h>
 

@@ -1,11 +1,11 @@
 // Tiles of a picture with margins, see Tiles.h.
 #include "picture/engine/kernels/base/Tiles.h"
 
+#include "picture/engine/kernels/base/Sizes.h"
+
 #include <cstring>
 
 namespace pictorel::engine {
-
-constexpr int kComponents = PixelArray::kComponents;
 
 void LoadTile(const PixelArray& source, const TileArea& area, Margins margins, std::uint8_t* tile) {
     const int tileWidth = area.width + 2 * margins.x;

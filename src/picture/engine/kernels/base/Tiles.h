@@ -4,6 +4,7 @@
 
 #include "picture/ForEachBand.h"
 #include "picture/PixelArray.h"
+#include "picture/engine/kernels/base/Sizes.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -34,8 +35,7 @@ void ForEachTile(int width, int height, const Body& body) {
     constexpr int kTileWidth = 8192; // mostly whole rows, which the processor fetches ahead
     constexpr int kTileHeight = 32;
     const int tileRows = (height + kTileHeight - 1) / kTileHeight;
-    const auto bytesPerTileRow =
-        std::size_t{2} * kTileHeight * PixelArray::kComponents * static_cast<std::size_t>(width);
+    const auto bytesPerTileRow = std::size_t{2} * kTileHeight * kComponents * static_cast<std::size_t>(width);
     ForEachBand(tileRows, bytesPerTileRow, [&](int first, int end) {
         Scratch scratch;
         for (int row = first; row < end; ++row) {

@@ -1,9 +1,12 @@
 // Gaussian blur and the unsharp mask made from it, see Filters.h.
 #include "picture/engine/Filters.h"
+#include "picture/engine/kernels/base/FixedPoint.h"
 #include "picture/engine/kernels/base/Parameters.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/blur/FineRows.h"
 #include "picture/engine/kernels/blur/GaussianPyramid.h"
+#include "picture/engine/kernels/blur/WideKernels.h"
+#include "picture/engine/kernels/blur/WideRows.h"
 
 #include <hwy/cache_control.h>
 
@@ -16,7 +19,6 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
 constexpr double kWidest = 1000;
 
 using PixelsOfStrip = std::function<std::unique_ptr<PixelRows>(Columns)>;
@@ -40,7 +42,7 @@ PixelArray FromStrips(const PixelArray& source, int stripWidth, const MakeStrip&
     return result;
 }
 
-// From rows of opaque pixels, sharpened by `share` in 1/32768 of the usual most.
+// From rows of opaque pixels, sharpened by `share` in 1/kFixedUnit of the usual most.
 PixelArray FromPixelRows(const PixelArray& source, int stripWidth, std::int16_t share,
                          const PixelsOfStrip& makeRows) {
     return FromStrips(source, stripWidth, [&](Columns columns) {
@@ -51,25 +53,26 @@ PixelArray FromPixelRows(const PixelArray& source, int stripWidth, std::int16_t 
     });
 }
 
-// From fine rows, sharpened by `amount` where it is not 0.
-PixelArray FromFineRows(const PixelArray& source, int stripWidth, float amount, const RowsOfStrip& makeRows) {
+// From wide rows, sharpened by `amount` where it is not 0.
+PixelArray FromWideRows(const PixelArray& source, int stripWidth, float amount, const RowsOfStrip& makeRows) {
     const bool hasAlpha = source.HasAlpha();
     return FromStrips(source, stripWidth, [&](Columns columns) {
         auto rows = makeRows(columns);
         const int width = rows->Width();
         return
-            [=, rows = std::move(rows), row = FineRow(FineLength(width))](int y, PixelTarget target) mutable {
+            [=, rows = std::move(rows), row = WideRow(WideLength(width))](int y, PixelTarget target) mutable {
                 rows->Make(y, row.data());
                 if (amount == 0) {
-                    PixelsFromFine(row.data(), width, hasAlpha, target.pixels);
+                    WideKernels::Best().PixelsFromWide(row.data(), width, hasAlpha, target.pixels);
                 } else {
-                    SharpenPixels(target.original, row.data(), width, hasAlpha, amount, target.pixels);
+                    WideKernels::Best().SharpenPixels(target.original, row.data(), width, hasAlpha, amount,
+                                                      target.pixels);
                 }
             };
     });
 }
 
-std::unique_ptr<FineRows> DoubledTimes(int times, const RowsOfStrip& source, Columns columns) {
+std::unique_ptr<WideRows> DoubledTimes(int times, const RowsOfStrip& source, Columns columns) {
     if (times == 0) {
         return source(columns);
     }
@@ -78,7 +81,7 @@ std::unique_ptr<FineRows> DoubledTimes(int times, const RowsOfStrip& source, Col
 }
 
 // Blurs what makeRows makes.
-std::unique_ptr<FineRows> BlurredStrip(const RowsOfStrip& makeRows, const HalfKernel& kernel,
+std::unique_ptr<WideRows> BlurredStrip(const RowsOfStrip& makeRows, const HalfKernel& kernel,
                                        Columns columns) {
     const int margin = static_cast<int>(kernel.size()) - 1;
     return std::make_unique<BlurredRows>(makeRows(columns.WithMargins(margin)), kernel);
@@ -87,10 +90,10 @@ std::unique_ptr<FineRows> BlurredStrip(const RowsOfStrip& makeRows, const HalfKe
 // Blurred rows, doubled `times` times. Opaque pixels go straight into the result.
 PixelArray Doubled(const PixelArray& source, int times, const RowsOfStrip& blurred) {
     if (source.HasAlpha()) {
-        return FromFineRows(source, kWideStrip, 0,
+        return FromWideRows(source, kBroadStrip, 0,
                             [&](Columns columns) { return DoubledTimes(times, blurred, columns); });
     }
-    return FromPixelRows(source, kWideStrip, 0, [&](Columns columns) {
+    return FromPixelRows(source, kBroadStrip, 0, [&](Columns columns) {
         return std::make_unique<DoubledPixels>(
             [&](Columns half) { return DoubledTimes(times - 1, blurred, half); }, columns);
     });
@@ -106,7 +109,7 @@ PixelArray BlurredByHalving(const PixelArray& source, const PyramidPlan& plan) {
         return Doubled(source, 1, [&](Columns columns) { return BlurredStrip(halved, kernel, columns); });
     }
     constexpr int kThroughCache = 2;
-    FinePlane plane = Halved(source, kThroughCache);
+    WidePlane plane = Halved(source, kThroughCache);
     std::vector<Bounds> larger;
     for (int i = kThroughCache; i < plan.halvings; ++i) {
         larger.push_back(plane.Extent());
@@ -126,12 +129,12 @@ PixelArray BlurredByHalving(const PixelArray& source, const PyramidPlan& plan) {
 PixelArray Blurred(const PixelArray& source, const HalfKernel& kernel, float amount) {
     if (source.HasAlpha() || amount > kUsualSharpening) {
         const RowsOfStrip asItIs = [&](Columns columns) { return RowsOf(source, columns); };
-        return FromFineRows(source, kNarrowStrip, amount,
+        return FromWideRows(source, kNarrowStrip, amount,
                             [&](Columns columns) { return BlurredStrip(asItIs, kernel, columns); });
     }
     // Even the least sharpening is not none.
     const float share =
-        std::clamp(amount * 32768 / kUsualSharpening + 0.5F, amount > 0 ? 1.0F : 0.0F, 32767.0F);
+        std::clamp(amount * kFixedUnit / kUsualSharpening + 0.5F, amount > 0 ? 1.0F : 0.0F, 32767.0F);
     return FromPixelRows(source, kNarrowStrip, static_cast<std::int16_t>(share), [&](Columns columns) {
         return std::make_unique<BlurredPixels>(source, kernel, columns);
     });

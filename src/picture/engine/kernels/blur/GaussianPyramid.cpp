@@ -2,7 +2,7 @@
 #include "picture/engine/kernels/blur/GaussianPyramid.h"
 
 #include "picture/engine/kernels/blur/PictureRows.h"
-#include "picture/engine/kernels/blur/PyramidRows.h"
+#include "picture/engine/kernels/blur/PyramidKernels.h"
 
 #include <array>
 #include <cmath>
@@ -33,58 +33,58 @@ int FirstTapHalved(int y) {
 }
 
 // Rows of an opaque picture halved.
-class HalvedOpaque : public FineRows {
+class HalvedOpaque : public WideRows {
   public:
     HalvedOpaque(const PixelArray& picture, Columns columns)
-        : FineRows(columns.width),
+        : WideRows(columns.width),
           width_(ColumnsToHalve(columns).width),
-          row_(FineLength(width_)),
+          row_(WideLength(width_)),
           rows_(picture, ColumnsToHalve(columns), kTapsHalved) {}
 
-    void Make(int y, Fine* row) override {
+    void Make(int y, Wide* row) override {
         std::array<const std::uint8_t*, kTapsHalved> taps;
         for (int k = 0; k < kTapsHalved; ++k) {
             taps[k] = rows_.Row(FirstTapHalved(y) + k);
         }
-        simd::HalveDownOpaque(taps.data(), width_, row_.data());
-        simd::HalveAcross(row_.data(), Width(), row);
+        PyramidKernels::Best().HalveDownOpaque(taps.data(), width_, row_.data());
+        PyramidKernels::Best().HalveAcross(row_.data(), Width(), row);
     }
 
   private:
     int width_; // of what is halved
-    FineRow row_;
+    WideRow row_;
     PictureRows rows_;
 };
 
 // Rows of `source` halved, which are those of ColumnsToHalve.
-class HalvedRows : public FineRows {
+class HalvedRows : public WideRows {
   public:
-    HalvedRows(std::unique_ptr<FineRows> source, Columns columns)
-        : FineRows(columns.width), row_(FineLength(source->Width())), ring_(std::move(source), kTapsHalved) {}
+    HalvedRows(std::unique_ptr<WideRows> source, Columns columns)
+        : WideRows(columns.width), row_(WideLength(source->Width())), ring_(std::move(source), kTapsHalved) {}
 
-    void Make(int y, Fine* row) override {
-        simd::HalveDown(ring_.Rows(FirstTapHalved(y)), row_.size(), row_.data());
-        simd::HalveAcross(row_.data(), Width(), row);
+    void Make(int y, Wide* row) override {
+        PyramidKernels::Best().HalveDown(ring_.Rows(FirstTapHalved(y)), row_.size(), row_.data());
+        PyramidKernels::Best().HalveAcross(row_.data(), Width(), row);
     }
 
   private:
-    FineRow row_;
-    FineRing ring_;
+    WideRow row_;
+    WideRing ring_;
 };
 
-std::unique_ptr<FineRows> HalvedOnce(const PixelArray& source, Columns columns) {
+std::unique_ptr<WideRows> HalvedOnce(const PixelArray& source, Columns columns) {
     if (source.HasAlpha()) {
         return std::make_unique<HalvedRows>(RowsOf(source, ColumnsToHalve(columns)), columns);
     }
     return std::make_unique<HalvedOpaque>(source, columns);
 }
 
-std::unique_ptr<FineRows> HalvedOnce(const FinePlane& source, Columns columns) {
+std::unique_ptr<WideRows> HalvedOnce(const WidePlane& source, Columns columns) {
     return std::make_unique<HalvedRows>(RowsOf(source, ColumnsToHalve(columns)), columns);
 }
 
 template <class Source>
-std::unique_ptr<FineRows> MakeHalvedRows(const Source& source, int times, Columns columns) {
+std::unique_ptr<WideRows> MakeHalvedRows(const Source& source, int times, Columns columns) {
     if (times == 1) {
         return HalvedOnce(source, columns);
     }
@@ -92,7 +92,7 @@ std::unique_ptr<FineRows> MakeHalvedRows(const Source& source, int times, Column
 }
 
 template <class Source>
-FinePlane Half(const Source& source, int times) {
+WidePlane Half(const Source& source, int times) {
     Bounds bounds = BoundsOf(source);
     for (int i = 0; i < times; ++i) {
         bounds = HalvedBounds(bounds);
@@ -105,24 +105,24 @@ int EvenWidth(Columns columns) {
 }
 
 // Rows doubled across.
-class AcrossRows : public FineRows {
+class AcrossRows : public WideRows {
   public:
-    AcrossRows(std::unique_ptr<FineRows> source, int width)
-        : FineRows(width), source_(std::move(source)), row_(FineLength(source_->Width())) {}
+    AcrossRows(std::unique_ptr<WideRows> source, int width)
+        : WideRows(width), source_(std::move(source)), row_(WideLength(source_->Width())) {}
 
-    void Make(int y, Fine* row) override {
+    void Make(int y, Wide* row) override {
         source_->Make(y, row_.data());
-        simd::DoubleAcross(row_.data(), source_->Width(), Width() / 2, row);
+        PyramidKernels::Best().DoubleAcross(row_.data(), source_->Width(), Width() / 2, row);
     }
 
   private:
-    std::unique_ptr<FineRows> source_;
-    FineRow row_;
+    std::unique_ptr<WideRows> source_;
+    WideRow row_;
 };
 
 // What is doubled begins at an even number, so that it can be doubled itself, where the columns begin at a
 // multiple of four.
-std::unique_ptr<FineRows> DoubledAcross(const RowsOfStrip& source, Columns columns) {
+std::unique_ptr<WideRows> DoubledAcross(const RowsOfStrip& source, Columns columns) {
     const Columns half{columns.left / 2 - 2, (columns.width + 1) / 2 + 4};
     return std::make_unique<AcrossRows>(source(half), EvenWidth(columns));
 }
@@ -154,30 +154,30 @@ PyramidPlan::PyramidPlan(double sigmaInPixels) : sigma(sigmaInPixels) {
     }
 }
 
-std::unique_ptr<FineRows> HalvedRowsOf(const PixelArray& source, int times, Columns columns) {
+std::unique_ptr<WideRows> HalvedRowsOf(const PixelArray& source, int times, Columns columns) {
     return MakeHalvedRows(source, times, columns);
 }
 
-FinePlane Halved(const PixelArray& source, int times) {
+WidePlane Halved(const PixelArray& source, int times) {
     return Half(source, times);
 }
 
-FinePlane Halved(const FinePlane& source, int times) {
+WidePlane Halved(const WidePlane& source, int times) {
     return Half(source, times);
 }
 
 DoubledRows::DoubledRows(const RowsOfStrip& source, Columns columns)
-    : FineRows(EvenWidth(columns)), ring_(DoubledAcross(source, columns), kTapsDoubled) {}
+    : WideRows(EvenWidth(columns)), ring_(DoubledAcross(source, columns), kTapsDoubled) {}
 
-void DoubledRows::Make(int y, Fine* row) {
-    simd::DoubleDown(ring_.Rows(FirstTap(y)), IsBetween(y), FineLength(Width()), row);
+void DoubledRows::Make(int y, Wide* row) {
+    PyramidKernels::Best().DoubleDown(ring_.Rows(FirstTap(y)), IsBetween(y), WideLength(Width()), row);
 }
 
 DoubledPixels::DoubledPixels(const RowsOfStrip& source, Columns columns)
     : half_(HalfLength(EvenWidth(columns))), ring_(DoubledAcross(source, columns), kTapsDoubled) {}
 
 void DoubledPixels::Make(int y, const PixelTarget& target) {
-    simd::DoubleDownToPixels(ring_.Rows(FirstTap(y)), IsBetween(y), half_, target);
+    PyramidKernels::Best().DoubleDownToPixels(ring_.Rows(FirstTap(y)), IsBetween(y), half_, target);
 }
 
 } // namespace pictorel::engine

@@ -2,7 +2,7 @@
 // hardly depends on the width.
 #pragma once
 
-#include "picture/engine/kernels/blur/FineRows.h"
+#include "picture/engine/kernels/blur/WideRows.h"
 
 #include <cstddef>
 #include <memory>
@@ -22,22 +22,22 @@ struct PyramidPlan {
 };
 
 // Rows of a picture or plane halved `times` times. Beyond its bounds they go on.
-std::unique_ptr<FineRows> HalvedRowsOf(const PixelArray& source, int times, Columns columns);
+std::unique_ptr<WideRows> HalvedRowsOf(const PixelArray& source, int times, Columns columns);
 
 // The halved plane, halved `times` times (once or more). Its bounds go as far beyond the picture's as its
 // border reaches, so that what lies beyond them is constant.
-FinePlane Halved(const PixelArray& source, int times);
-FinePlane Halved(const FinePlane& source, int times);
+WidePlane Halved(const PixelArray& source, int times);
+WidePlane Halved(const WidePlane& source, int times);
 
 // Rows doubled, from strips of what is to be doubled. The columns begin at an even number.
-class DoubledRows : public FineRows {
+class DoubledRows : public WideRows {
   public:
     DoubledRows(const RowsOfStrip& source, Columns columns); // and one more where their number is odd
 
-    void Make(int y, Fine* row) override;
+    void Make(int y, Wide* row) override;
 
   private:
-    FineRing ring_;
+    WideRing ring_;
 };
 
 // The same as opaque pixels.
@@ -49,7 +49,7 @@ class DoubledPixels : public PixelRows {
 
   private:
     std::size_t half_;
-    FineRing ring_;
+    WideRing ring_;
 };
 
 } // namespace pictorel::engine

@@ -2,11 +2,12 @@
 #include "picture/Limits.h"
 #include "picture/engine/Filters.h"
 #include "picture/engine/kernels/base/Parameters.h"
+#include "picture/engine/kernels/base/RowKernels.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/base/TileRows.h"
 #include "picture/engine/kernels/base/Tiles.h"
-#include "picture/engine/kernels/blur/MotionRows.h"
-#include "picture/engine/kernels/geometry/TurnTile.h"
+#include "picture/engine/kernels/blur/MotionKernels.h"
+#include "picture/engine/kernels/geometry/TurnKernels.h"
 
 #include <array>
 #include <cmath>
@@ -19,20 +20,19 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
-
 // With the sums of whole rows kept and one row exchanged for the next at each step, the time does not depend
 // on the length.
 void SlideExactly(const Stack& stack, const Line& line, bool hasAlpha) {
     std::vector<std::int32_t> whole(static_cast<std::size_t>(stack.size));
     for (int index = -line.whole; index <= line.whole; ++index) {
-        AddToMean(stack.Row(index), stack.size, hasAlpha, whole.data());
+        MotionKernels::Best().AddToMean(stack.Row(index), stack.size, hasAlpha, whole.data());
     }
     for (int index = 0; index < stack.count; ++index) {
         const MeanStep step{stack.Row(index - line.whole - 1), stack.Row(index - line.whole),
                             stack.Row(index + line.whole + 1), static_cast<float>(line.tip),
                             static_cast<float>(1 / line.length)};
-        SlideRow(step, stack.size, hasAlpha, whole.data(), stack.out + index * stack.outStep);
+        MotionKernels::Best().SlideRow(step, stack.size, hasAlpha, whole.data(),
+                                       stack.out + index * stack.outStep);
     }
 }
 
@@ -58,7 +58,7 @@ PixelArray BlurVertically(const PixelArray& source, const Line& line) {
             const Stack stack{source.Row(0) + offset, source.Stride(),     rows + offset,     result.Stride(),
                               source.Height(),        width * kComponents, IsStreamed(result)};
             if (fixed) {
-                simd::Slide(stack, *fixed);
+                MotionKernels::Best().Slide(stack, *fixed);
             } else {
                 SlideExactly(stack, line, source.HasAlpha());
             }
@@ -80,7 +80,7 @@ PixelArray BlurRows(const PixelArray& source, const FixedLine& line) {
             (source.RowBytes() + std::size_t{2} * kComponents * static_cast<std::size_t>(margins.x)));
         for (int y = first; y < end; ++y) {
             LoadTile(source, {0, y, width, 1}, margins, continued.data());
-            simd::SlideAlong(
+            MotionKernels::Best().SlideAlong(
                 {continued.data() + static_cast<std::ptrdiff_t>(margins.x) * kComponents,
                  rows + y * result.Stride(), width, streams, source.Row(std::min(y + kRowsAhead, end - 1))},
                 line);
@@ -101,12 +101,12 @@ PixelArray BlurTurnedRows(const PixelArray& source, const Line& line) {
         PixelArray blurred(kRowsAtOnce, width);
         for (int y = first; y < end; y += kRowsAtOnce) {
             const int count = std::min(kRowsAtOnce, end - y);
-            simd::Transpose(
+            TurnKernels::Best().Transpose(
                 {source.Row(y), source.Stride(), turned.WritableRows(), kColumn, count, width, false});
             SlideExactly(
                 {turned.Row(0), kColumn, blurred.WritableRows(), kColumn, width, count * kComponents}, line,
                 source.HasAlpha());
-            simd::Transpose(
+            TurnKernels::Best().Transpose(
                 {blurred.Row(0), kColumn, rows + y * result.Stride(), result.Stride(), width, count, false});
         }
     });
@@ -116,7 +116,7 @@ PixelArray BlurTurnedRows(const PixelArray& source, const Line& line) {
 struct Tap {
     int x;
     int y;
-    std::int16_t weight; // in 1/131072, for the pixel on the other side of the centre as well
+    std::int16_t weight; // in 1/WeightedPair::kUnit, for the pixel on the other side of the centre as well
 };
 
 // A weight that is too large for one tap is spread over several.
@@ -148,17 +148,16 @@ std::vector<Tap> TapsOf(const Line& line, double degrees) {
         weights[{y + 1, x + 1}] += weight * right * bottom;
     }
     // Each rounding makes up for the ones before it; the centre, which is its own partner, has what is left.
-    constexpr double kUnit = 131072;
     std::vector<Tap> taps;
     double exact = 0;
     int placed = 0;
     for (auto tap = weights.upper_bound({0, 0}); tap != weights.end(); ++tap) {
-        exact += tap->second * kUnit;
+        exact += tap->second * WeightedPair::kUnit;
         const int rounded = static_cast<int>(std::lround(exact)) - placed;
         AppendTap(tap->first.second, tap->first.first, rounded, taps);
         placed += rounded;
     }
-    AppendTap(0, 0, static_cast<int>(kUnit / 2) - placed, taps);
+    AppendTap(0, 0, WeightedPair::kUnit / 2 - placed, taps);
     return taps;
 }
 
@@ -169,8 +168,8 @@ constexpr int kStripWidth = 128;
 
 struct LineScratch {
     std::vector<std::uint8_t> pixels;
-    std::vector<WideComponent> tile;
-    std::array<WideComponent, std::size_t{kStripWidth} * kComponents> row;
+    std::vector<MotionComponent> tile;
+    std::array<MotionComponent, std::size_t{kStripWidth} * kComponents> row;
 };
 
 class LineBlur {
@@ -191,14 +190,14 @@ class LineBlur {
         for (int x = 0; x < area.width; x += kStripWidth) {
             const int width = std::min(kStripWidth, area.width - x);
             for (int y = 0; y < area.height; ++y) {
-                const WideComponent* const centre =
+                const MotionComponent* const centre =
                     scratch.tile.data() + (y + margins_.y) * rowLength_ + (x + margins_.x) * components_;
-                simd::SumPairs(centre, pairs_, static_cast<std::size_t>(width * components_),
-                               scratch.row.data());
+                MotionKernels::Best().SumPairs(centre, pairs_, static_cast<std::size_t>(width * components_),
+                                               scratch.row.data());
                 std::uint8_t* const out = rows + (area.top + y) * source_.Stride() +
                                           static_cast<std::ptrdiff_t>(area.left + x) * kComponents;
-                source_.HasAlpha() ? NarrowRow(scratch.row.data(), width, out)
-                                   : NarrowColours(scratch.row.data(), width, out);
+                source_.HasAlpha() ? MotionKernels::Best().NarrowRow(scratch.row.data(), width, out)
+                                   : MotionKernels::Best().NarrowColours(scratch.row.data(), width, out);
             }
         }
     }
@@ -212,9 +211,9 @@ class LineBlur {
         for (int y = 0; y < height; ++y) {
             LoadTile(source_, {area.left, area.top - margins_.y + y, area.width, 1}, {margins_.x, 0},
                      scratch.pixels.data());
-            WideComponent* const row = scratch.tile.data() + y * rowLength_;
-            source_.HasAlpha() ? WidenRow(scratch.pixels.data(), width, row)
-                               : WidenColours(scratch.pixels.data(), width, row);
+            MotionComponent* const row = scratch.tile.data() + y * rowLength_;
+            source_.HasAlpha() ? MotionKernels::Best().WidenRow(scratch.pixels.data(), width, row)
+                               : MotionKernels::Best().WidenColours(scratch.pixels.data(), width, row);
         }
     }
 

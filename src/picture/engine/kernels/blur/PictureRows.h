@@ -2,8 +2,9 @@
 #pragma once
 
 #include "picture/PixelArray.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
-#include "picture/engine/kernels/blur/FineRows.h"
+#include "picture/engine/kernels/blur/WideRows.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -39,7 +40,7 @@ class PictureRows {
     PictureRows(const PixelArray& picture, Columns columns, int kept = 1)
         : picture_(picture),
           columns_(columns),
-          liesInside_(columns.left >= 0 && columns.left + columns.width + kRoom <= picture.Width()),
+          liesInside_(columns.left >= 0 && columns.left + columns.width + kVectorPixels <= picture.Width()),
           numbers_(static_cast<std::size_t>(kept), std::numeric_limits<int>::min()),
           continued_(liesInside_ ? 0 : numbers_.size() * ContinuedSize()) {}
 
@@ -50,15 +51,12 @@ class PictureRows {
     }
 
   private:
-    static constexpr int kComponents = PixelArray::kComponents;
-    static constexpr int kRoom = 16; // pixels in the longest vector
-
     const std::uint8_t* At(int x, int y) const {
         return picture_.Row(y) + static_cast<std::ptrdiff_t>(x) * kComponents;
     }
 
     std::size_t ContinuedSize() const {
-        return static_cast<std::size_t>(columns_.width + kRoom) * kComponents;
+        return static_cast<std::size_t>(columns_.width + kVectorPixels) * kComponents;
     }
 
     const std::uint8_t* Continued(int y) {
@@ -77,13 +75,13 @@ class PictureRows {
     // The processor follows rows, not strips of them: it is told what comes next. Rows of narrow strips find
     // room in the nearest cache.
     void FetchRowsAfter(int y) {
-        constexpr int kLine = 64 / kComponents;
+        constexpr int kLine = kCacheLine / kComponents;
         const int last = std::min(y + kRowsAhead / 2, picture_.Height() - 1);
         for (fetched_ = std::max(fetched_, y); fetched_ < last; ++fetched_) {
             const int right = std::min(columns_.left + columns_.width, picture_.Width());
             for (int x = std::max(columns_.left, 0); x < right; x += kLine) {
                 const std::uint8_t* const pixels = At(x, fetched_ + 1);
-                columns_.width < kWideStrip ? __builtin_prefetch(pixels) : FetchAhead(pixels);
+                columns_.width < kBroadStrip ? __builtin_prefetch(pixels) : FetchAhead(pixels);
             }
         }
     }

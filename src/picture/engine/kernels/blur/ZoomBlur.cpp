@@ -6,8 +6,10 @@
 // the centre, so that a wedge is cut into rings with rays of their own.
 #include "picture/ForEachBand.h"
 #include "picture/engine/Filters.h"
+#include "picture/engine/kernels/base/FixedPoint.h"
 #include "picture/engine/kernels/base/Parameters.h"
-#include "picture/engine/kernels/blur/ZoomRays.h"
+#include "picture/engine/kernels/base/Sizes.h"
+#include "picture/engine/kernels/blur/ZoomKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,8 +19,6 @@
 
 namespace pictorel::engine {
 namespace {
-
-constexpr int kComponents = PixelArray::kComponents;
 
 // Rays are this dense where a ring is widest; a pixel between rays is interpolated, and this keeps that from
 // softening what lies across the rays. Long paths soften more by themselves and need fewer.
@@ -118,7 +118,7 @@ class RayBlock {
         TakeValues(innerNode_ + 1);
         for (int node = innerNode_ + 2; node < ring_.first; ++node) {
             TakeValues(node);
-            simd::AddInterval(ValuesAt(node - 1), ValuesAt(node), RayCount(), sums_.data());
+            ZoomKernels::Best().AddInterval(ValuesAt(node - 1), ValuesAt(node), RayCount(), sums_.data());
         }
         for (int node = ring_.first; node <= last; ++node) {
             TakeValues(node);
@@ -169,18 +169,20 @@ class RayBlock {
                                 static_cast<std::int32_t>(std::lround(step * kPositions))};
         const std::uint8_t* const line = source_.Row(0) + wedge_.MajorIndex(node) * wedge_.majorStep;
         if (source_.HasAlpha()) {
-            simd::CrossingsPremultiplied(PremultipliedLine(line, lowest, highest), crossing, RayCount(),
-                                         ValuesAt(node));
+            ZoomKernels::Best().CrossingsPremultiplied(PremultipliedLine(line, lowest, highest), crossing,
+                                                       RayCount(), ValuesAt(node));
         } else {
-            simd::Crossings(OpaqueLine(line, lowest, highest), crossing, RayCount(), ValuesAt(node));
+            ZoomKernels::Best().Crossings(OpaqueLine(line, lowest, highest), crossing, RayCount(),
+                                          ValuesAt(node));
         }
     }
 
     // Pixels of a line one behind the other; beyond its ends it is continued by its end pixels.
     const std::uint8_t* OpaqueLine(const std::uint8_t* line, int lowest, int highest) {
         const int count = highest - lowest + 1;
-        line_.resize(std::max(line_.size(), static_cast<std::size_t>(count + 2 * kLineRoom) * kComponents));
-        std::uint8_t* const to = line_.data() + kLineRoom * kComponents;
+        line_.resize(
+            std::max(line_.size(), static_cast<std::size_t>(count + 2 * kVectorPixels) * kComponents));
+        std::uint8_t* const to = line_.data() + kVectorPixels * kComponents;
         const int before = std::clamp(-lowest, 0, count);
         const int inside = std::clamp(wedge_.minorSize - lowest, before, count);
         const auto copy = [&](int first, int end, const std::uint8_t* from, std::ptrdiff_t step) {
@@ -203,15 +205,15 @@ class RayBlock {
     const std::int16_t* PremultipliedLine(const std::uint8_t* line, int lowest, int highest) {
         const std::uint8_t* const pixels = OpaqueLine(line, lowest, highest);
         premultiplied_.resize(std::max(premultiplied_.size(), line_.size()));
-        std::int16_t* const to = premultiplied_.data() + kLineRoom * kComponents;
-        simd::PremultiplyLine(pixels, highest - lowest + 1, to);
+        std::int16_t* const to = premultiplied_.data() + kVectorPixels * kComponents;
+        ZoomKernels::Best().PremultiplyLine(pixels, highest - lowest + 1, to);
         return to;
     }
 
     // The means of the stretches that end in a node.
     void Slide(int node) {
         const StretchBegin begin(wedge_, innerScale_, node);
-        constexpr double kOne = 1 << 15;
+        constexpr double kOne = kFixedUnit;
         const double left = 1 - begin.after; // of the way to the node after
         // Of a straight line between the two values.
         const auto share = [&](double part) { return static_cast<std::int16_t>(std::lround(part * kOne)); };
@@ -221,7 +223,7 @@ class RayBlock {
         // Sums are in halves: so is the rest, unless it is everything there is.
         const int restShift = intervals > 0 ? 14 : 0;
         const double length = 2.0 * intervals + std::ldexp(inner + after, -restShift);
-        simd::SlideRays(
+        ZoomKernels::Best().SlideRays(
             {ValuesAt(node - 1), ValuesAt(node), ValuesAt(begin.before), ValuesAt(begin.before + 1),
              begin.before != innerNode_, inner, after, restShift, static_cast<float>(1 / length)},
             RayCount(), sums_.data(), means_.data());
@@ -244,8 +246,8 @@ class RayBlock {
         const PixelsBetween between{std::max(std::llround(position * kPositions), 1LL << kRayPositionBits),
                                     std::llround(raysPerPixel * kPositions), end - first,
                                     line + first * wedge_.minorStep, wedge_.minorStep};
-        source_.HasAlpha() ? simd::MixRaysWithAlpha(means_.data(), between)
-                           : simd::MixRays(means_.data(), between);
+        source_.HasAlpha() ? ZoomKernels::Best().MixRaysWithAlpha(means_.data(), between)
+                           : ZoomKernels::Best().MixRays(means_.data(), between);
     }
 
     int FirstPixel(int ray, double distance) const {

@@ -2,7 +2,7 @@
 #include "picture/engine/kernels/point/ByteMap.h"
 
 #include "picture/engine/kernels/base/RowLoop.h"
-#include "picture/engine/kernels/point/PointRows.h"
+#include "picture/engine/kernels/point/MapKernels.h"
 
 namespace pictorel::engine {
 
@@ -21,7 +21,7 @@ PixelArray ApplyMaps(const PixelArray& source, const ColourMaps& maps) {
     }
     const SectionedMaps sectioned(maps);
     return MapRows(source, [&](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::MapRow(in, out, width, sectioned);
+        MapKernels::Best().MapRow(in, out, width, sectioned);
     });
 }
 

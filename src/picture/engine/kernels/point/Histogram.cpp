@@ -2,7 +2,8 @@
 #include "picture/engine/kernels/point/Histogram.h"
 
 #include "picture/ForEachBand.h"
-#include "picture/engine/kernels/point/PointRows.h"
+#include "picture/engine/kernels/base/Sizes.h"
+#include "picture/engine/kernels/point/PointKernels.h"
 
 #include <algorithm>
 #include <cstring>
@@ -31,7 +32,7 @@ class LumaCounter {
 
     explicit LumaCounter(int width) : luma_(static_cast<std::size_t>(width + 15) / 16 * 16) {}
 
-    void Begin(const std::uint8_t* row, int width) { simd::LumaRow(row, luma_.data(), width); }
+    void Begin(const std::uint8_t* row, int width) { PointKernels::Best().LumaRow(row, luma_.data(), width); }
 
     void CountOne(std::size_t x, Counts& counts) const { ++counts[0][x % kSets][luma_[x]]; }
 
@@ -60,7 +61,7 @@ class ChannelCounter {
 
     void CountOne(std::size_t x, Counts& counts) const {
         for (std::size_t k = 0; k < kHistograms; ++k) {
-            ++counts[k][x % kSets][row_[x * PixelArray::kComponents + k]];
+            ++counts[k][x % kSets][row_[x * kComponents + k]];
         }
     }
 
@@ -68,10 +69,10 @@ class ChannelCounter {
     void CountSome(std::size_t x, Counts& counts) const {
         for (unsigned pair = 0; pair < 2; ++pair) {
             std::uint64_t two;
-            std::memcpy(&two, row_ + (x + 2 * pair) * PixelArray::kComponents, sizeof two);
+            std::memcpy(&two, row_ + (x + 2 * pair) * kComponents, sizeof two);
             for (unsigned k = 0; k < kHistograms; ++k) {
                 ++counts[k][2 * pair][Byte(two, k)];
-                ++counts[k][2 * pair + 1][Byte(two, k + PixelArray::kComponents)];
+                ++counts[k][2 * pair + 1][Byte(two, k + kComponents)];
             }
         }
     }
@@ -90,7 +91,7 @@ void CountRow(const Counter& counter, const std::uint8_t* row, std::size_t width
         }
     }
     for (; x < width; ++x) {
-        if (!hasAlpha || row[x * PixelArray::kComponents + 3] != 0) {
+        if (!hasAlpha || row[x * kComponents + 3] != 0) {
             counter.CountOne(x, counts);
         }
     }

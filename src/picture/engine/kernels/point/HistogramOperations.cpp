@@ -5,7 +5,7 @@
 #include "picture/engine/kernels/base/RowLoop.h"
 #include "picture/engine/kernels/point/ByteMap.h"
 #include "picture/engine/kernels/point/Histogram.h"
-#include "picture/engine/kernels/point/PointRows.h"
+#include "picture/engine/kernels/point/MapKernels.h"
 #include "picture/engine/kernels/point/ValueEnds.h"
 
 #include <algorithm>
@@ -71,7 +71,7 @@ PixelArray Equalize(const PixelArray& source, double weight) {
     }
     const SectionedChange sectioned(added);
     return MapRows(source, [&](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::AddByLumaRow(in, out, width, sectioned);
+        MapKernels::Best().AddByLumaRow(in, out, width, sectioned);
     });
 }
 

@@ -4,7 +4,7 @@
 #include "picture/engine/kernels/base/Parameters.h"
 #include "picture/engine/kernels/base/RowLoop.h"
 #include "picture/engine/kernels/point/ByteMap.h"
-#include "picture/engine/kernels/point/PointRows.h"
+#include "picture/engine/kernels/point/PointKernels.h"
 
 #include <algorithm>
 #include <array>
@@ -47,7 +47,7 @@ PixelArray AddToChannels(const PixelArray& source, int red, int green, int blue)
         sum.amount[k] = static_cast<std::uint8_t>(amount);
     }
     return MapRows(source, [&](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::AddRow(in, out, width, sum);
+        PointKernels::Best().AddRow(in, out, width, sum);
     });
 }
 
@@ -57,7 +57,7 @@ PixelArray Colorize(const PixelArray& source, std::uint8_t red, std::uint8_t gre
 }
 
 PixelArray Invert(const PixelArray& source) {
-    return MapRows(source, simd::InvertRow);
+    return MapRows(source, PointKernels::Best().InvertRow);
 }
 
 PixelArray Posterize(const PixelArray& source, int levels) {
@@ -70,7 +70,7 @@ PixelArray Posterize(const PixelArray& source, int levels) {
 PixelArray Threshold(const PixelArray& source, int level) {
     const int reachable = std::clamp(level, 0, 256);
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::ThresholdRow(in, out, width, reachable);
+        PointKernels::Best().ThresholdRow(in, out, width, reachable);
     });
 }
 
@@ -81,7 +81,7 @@ PixelArray Saturation(const PixelArray& source, double amount) {
     }
     const SaturationChange change(1 + amount);
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::SaturationRow(in, out, width, change);
+        PointKernels::Best().SaturationRow(in, out, width, change);
     });
 }
 
@@ -91,12 +91,12 @@ PixelArray Hue(const PixelArray& source, double degrees) {
     if (turn == 0) {
         return source;
     }
-    constexpr long kUnit = 65536;
+    constexpr long kUnit = HueTurn::kUnit;
     const long sextants = std::lround((turn < 0 ? turn + 360 : turn) / 60 * kUnit) % (6 * kUnit);
     const HueTurn hueTurn{static_cast<std::uint16_t>(sextants / kUnit),
                           static_cast<std::uint16_t>(sextants % kUnit)};
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::HueRow(in, out, width, hueTurn);
+        PointKernels::Best().HueRow(in, out, width, hueTurn);
     });
 }
 
@@ -106,7 +106,7 @@ PixelArray Lightness(const PixelArray& source, double amount) {
         return source;
     }
     return MapRows(source, [=](const std::uint8_t* in, std::uint8_t* out, int width) {
-        simd::LightnessRow(in, out, width, static_cast<float>(amount));
+        PointKernels::Best().LightnessRow(in, out, width, static_cast<float>(amount));
     });
 }
 

@@ -4,7 +4,7 @@
 #include "picture/engine/kernels/point/ValueEnds.h"
 
 #include "picture/ForEachBand.h"
-#include "picture/engine/kernels/point/EndCounts.h"
+#include "picture/engine/kernels/point/EndKernels.h"
 
 #include <algorithm>
 #include <mutex>
@@ -71,7 +71,7 @@ EndCounts CountAll(const PixelArray& source, const EndLimits& limits) {
     ForEachBand(source.Height(), source.RowBytes(), [&](int first, int end) {
         EndCounts counts{};
         for (int y = first; y < end; ++y) {
-            simd::CountEnds(source.Row(y), source.Width(), limits, counts);
+            EndKernels::Best().CountEnds(source.Row(y), source.Width(), limits, counts);
         }
         const std::lock_guard lock(mutex);
         for (std::size_t k = 0; k < counts.size(); ++k) {

@@ -1,10 +1,12 @@
 // The brightest and the darkest of a square, see Filters.h.
 #include "picture/engine/Filters.h"
+#include "picture/engine/kernels/base/FixedPoint.h"
+#include "picture/engine/kernels/base/LineAllocator.h"
 #include "picture/engine/kernels/base/Parameters.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
 #include "picture/engine/kernels/base/Tiles.h"
-#include "picture/engine/kernels/blur/FineRow.h"
-#include "picture/engine/kernels/rank/RankRows.h"
+#include "picture/engine/kernels/rank/RankKernels.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -13,15 +15,13 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
 constexpr int kLargestRadius = 1000;
 
 using ByteRow = std::vector<std::uint8_t, LineAllocator<std::uint8_t>>;
 
 // So long that the next row begins on a cache line too.
 std::size_t AlignedRow(std::size_t length) {
-    constexpr std::size_t kLine = 64;
-    return (length + kLine - 1) / kLine * kLine;
+    return (length + kCacheLine - 1) / kCacheLine * kCacheLine;
 }
 
 // Never wins.
@@ -29,7 +29,7 @@ std::uint8_t NeutralFor(Rank rank) {
     return rank == Rank::Brightest ? 0 : 255;
 }
 
-// A square of `radius` or, where `outerShare` (of 2^kShareBits) is not 0, a mix of it and the next larger.
+// A square of `radius` or, where `outerShare` (of kFixedUnit) is not 0, a mix of it and the next larger.
 struct Square {
     int radius;
     int outerShare;
@@ -58,8 +58,7 @@ struct Reach {
 
 // Columns on each side that the squares of `radius` reach, and more, so that rows begin on cache lines.
 int ColumnMargin(int radius) {
-    constexpr int kLine = 16;
-    return (radius + kLine - 1) / kLine * kLine;
+    return (radius + kVectorPixels - 1) / kVectorPixels * kVectorPixels;
 }
 
 void FindReach(Rank rank, const PixelArray& source, const TileArea& area, int margin, Reach& reach) {
@@ -98,7 +97,7 @@ WindowStep SpreadWindows(Rank rank, std::size_t window, std::size_t count, std::
             return step;
         }
         count -= (wider - done) * kComponents;
-        simd::SpreadWindow(rank, step, count, row, row);
+        RankKernels::Best().SpreadWindow(rank, step, count, row, row);
         done = wider;
     }
 }
@@ -133,11 +132,11 @@ ColumnExtremes FindColumns(Rank rank, const Reach& reach, const TileArea& area, 
     const int end = std::min(left + width, reach.end);
     const int window = 2 * radius + 1;
     const std::ptrdiff_t before = static_cast<std::ptrdiff_t>(first - left) * kComponents;
-    simd::ExtremeOfRows(rank,
-                        {reach.rows.data() + y + reach.margin - radius, static_cast<std::size_t>(window) + 1},
-                        static_cast<std::size_t>(first - reach.first) * kComponents,
-                        static_cast<std::size_t>(end - first) * kComponents, buffer.data() + before,
-                        buffer.data() + length + before);
+    RankKernels::Best().ExtremeOfRows(
+        rank, {reach.rows.data() + y + reach.margin - radius, static_cast<std::size_t>(window) + 1},
+        static_cast<std::size_t>(first - reach.first) * kComponents,
+        static_cast<std::size_t>(end - first) * kComponents, buffer.data() + before,
+        buffer.data() + length + before);
     ColumnExtremes columns{};
     const auto spread = [&](std::uint8_t* row) {
         ContinueRow(row, first - left, end - first, left + width - end);
@@ -177,12 +176,12 @@ void FilterTile(Rank rank, const PixelArray& source, const Square& square, const
             const RankRow row{source.Row(finished) + offset, rows + finished * result.Stride() + offset,
                               area.width, streams, source.Row(ahead) + offset};
             if (square.outerShare == 0) {
-                simd::JoinRow(rank, inner.step, innerRow, row);
+                RankKernels::Best().JoinRow(rank, inner.step, innerRow, row);
                 return;
             }
-            simd::SpreadWindow(rank, inner.step, count, innerRow, innerRow);
-            simd::SpreadWindow(rank, outer.step, count, outerRow, outerRow);
-            simd::MixRow(innerRow, outerRow, square.outerShare, row);
+            RankKernels::Best().SpreadWindow(rank, inner.step, count, innerRow, innerRow);
+            RankKernels::Best().SpreadWindow(rank, outer.step, count, outerRow, outerRow);
+            RankKernels::Best().MixRow(innerRow, outerRow, square.outerShare, row);
         };
         finish(area.top + y, inner.upper, outer.upper);
         if (y + 1 < area.height) {
@@ -195,7 +194,7 @@ void FilterTile(Rank rank, const PixelArray& source, const Square& square, const
 PixelArray FilterSquare(Rank rank, const PixelArray& source, int radius) {
     const double reduced = radius * source.Reduction();
     const double whole = std::floor(reduced);
-    const Square square{static_cast<int>(whole), static_cast<int>((reduced - whole) * (1 << kShareBits))};
+    const Square square{static_cast<int>(whole), static_cast<int>((reduced - whole) * kFixedUnit)};
     if (square.Margin() == 0) {
         return source;
     }

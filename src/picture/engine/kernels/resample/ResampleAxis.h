@@ -36,6 +36,9 @@ class AxisWeights {
     std::vector<float> weights_;
 };
 
+// Result rows that are made together, while the source rows of the first are in the cache.
+inline constexpr int kRowsTogether = 8;
+
 // The Lanczos-3 kernel sinc(x) sinc(x / 3) (Duchon 1979).
 inline constexpr double kLanczosLobes = 3;
 double Lanczos(double x);

@@ -4,15 +4,17 @@
 #include "picture/engine/kernels/resample/ResampleFixed.h"
 
 #include "picture/ForEachBand.h"
+#include "picture/engine/kernels/base/FixedPoint.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/Streaming.h"
+#include "picture/engine/kernels/resample/ResampleKernels.h"
 
 #include <algorithm>
+#include <array>
 
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
-constexpr int kRowsTogether = 8;
 constexpr int kStripComponents = 32768;
 constexpr int kRowBlock = 32; // components
 
@@ -35,7 +37,7 @@ class OpaqueBand {
         for (int left = 0; left < components_; left += kStripComponents) {
             SumStrip(left, first, end);
         }
-        simd::SumColumnsFixed({sums_.data(), stride_, end - first}, columns_, to, toStride);
+        ResampleKernels::Best().SumColumnsFixed({sums_.data(), stride_, end - first}, columns_, to, toStride);
     }
 
   private:
@@ -47,8 +49,8 @@ class OpaqueBand {
             for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
                 lines_.push_back(source_.Row(std::min(taps.first + i, source_.Height() - 1)) + left);
             }
-            simd::SumRowsFixed(lines_, taps.weights, rows_.Bits(), count,
-                               sums_.data() + (row - first) * stride_ + left);
+            ResampleKernels::Best().SumRowsFixed(lines_, taps.weights, rows_.Bits(), count,
+                                                 sums_.data() + (row - first) * stride_ + left);
         }
     }
 
@@ -90,7 +92,8 @@ class AlphaBand {
         for (int left = 0; left < components_; left += stripComponents_) {
             SumStrip(left, first, end);
         }
-        simd::SumPremultipliedColumns({sums_.data(), stride_, end - first}, columns_, to, toStride);
+        ResampleKernels::Best().SumPremultipliedColumns({sums_.data(), stride_, end - first}, columns_, to,
+                                                        toStride);
     }
 
   private:
@@ -102,7 +105,7 @@ class AlphaBand {
     void SumStrip(int left, int first, int end) {
         const int count = std::min(stripComponents_, components_ - left);
         for (int y = top_; y < bottom_; ++y) {
-            simd::Premultiply(source_.Row(y) + left, count, StripRow(y));
+            ResampleKernels::Best().Premultiply(source_.Row(y) + left, count, StripRow(y));
         }
         for (int row = first; row < end; ++row) {
             const FixedWeights::Taps taps = rows_[row];
@@ -110,8 +113,8 @@ class AlphaBand {
             for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
                 lines_.push_back(StripRow(std::min(taps.first + i, bottom_ - 1)));
             }
-            simd::SumPremultipliedRows(lines_, taps.weights, rows_.Bits(), count,
-                                       sums_.data() + (row - first) * stride_ + left);
+            ResampleKernels::Best().SumPremultipliedRows(lines_, taps.weights, rows_.Bits(), count,
+                                                         sums_.data() + (row - first) * stride_ + left);
         }
     }
 
@@ -155,7 +158,8 @@ class EnlargedBand {
             for (int i = 0; i < static_cast<int>(taps.weights.size()); ++i) {
                 lines_.push_back(Widened(std::min(taps.first + i, source_.Height() - 1)));
             }
-            simd::SumSumsFixed(lines_, taps.weights, rows_.Bits(), static_cast<int>(stride_), streams_, to);
+            ResampleKernels::Best().SumSumsFixed(lines_, taps.weights, rows_.Bits(),
+                                                 static_cast<int>(stride_), streams_, to);
         }
     }
 
@@ -171,7 +175,8 @@ class EnlargedBand {
             for (int i = 0; i < count; ++i) {
                 PairRow(source_.Row(group * kGroup + i), paired_.data() + i * sourceStride_);
             }
-            simd::SumColumnsToSums({paired_.data(), sourceStride_, count}, columns_, widened, stride_);
+            ResampleKernels::Best().SumColumnsToSums({paired_.data(), sourceStride_, count}, columns_,
+                                                     widened, stride_);
             heldGroups_[place] = group;
         }
         return widened + row % kGroup * stride_;
@@ -179,9 +184,10 @@ class EnlargedBand {
 
     void PairRow(const std::uint8_t* row, std::int16_t* to) const {
         constexpr int kBits = 14;
-        const std::int16_t once[] = {1 << kBits, 0};
-        const std::uint8_t* const same[] = {row, row};
-        simd::SumRowsFixed(same, once, kBits, static_cast<int>(sourceStride_) - kRowBlock, to);
+        const std::array<std::int16_t, 2> once{1 << kBits, 0};
+        const std::array<const std::uint8_t*, 2> same{row, row};
+        ResampleKernels::Best().SumRowsFixed(same, once, kBits, static_cast<int>(sourceStride_) - kRowBlock,
+                                             to);
     }
 
     const PixelArray& source_;
@@ -217,12 +223,12 @@ PixelArray MadeInBands(const PixelArray& source, const FixedWeights& columns, co
 PixelArray ResampleFixed(const PixelArray& source, const AxisWeights& columns, const AxisWeights& rows) {
     using Use = FixedWeights::Use;
     if (source.HasAlpha()) {
-        return MadeInBands<AlphaBand>(source, {columns, Use::Columns, kMostWideBits},
-                                      {rows, Use::Rows, kMostWideBits});
+        return MadeInBands<AlphaBand>(source, {columns, Use::Columns, kMostPremultipliedBits},
+                                      {rows, Use::Rows, kMostPremultipliedBits});
     }
     if (rows.Length() > source.Height()) {
         return MadeInBands<EnlargedBand>(source, {columns, Use::Columns, kMostColumnBits},
-                                         {rows, Use::Rows, kRoundedBits});
+                                         {rows, Use::Rows, kFixedBits});
     }
     return MadeInBands<OpaqueBand>(source, {columns, Use::Columns, kMostColumnBits},
                                    {rows, Use::Rows, kMostRowBits});

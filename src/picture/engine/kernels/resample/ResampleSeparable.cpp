@@ -4,6 +4,8 @@
 #include "picture/engine/kernels/resample/ResampleSeparable.h"
 
 #include "picture/ForEachBand.h"
+#include "picture/engine/kernels/base/Sizes.h"
+#include "picture/engine/kernels/resample/SeparableKernels.h"
 
 #include <algorithm>
 #include <vector>
@@ -11,12 +13,11 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
-constexpr int kRowsTogether = 8;
 constexpr int kStripPixels = 256;
 
 void SumRowsOfStrips(const PixelArray& source, const AxisWeights& rows, int firstRow, int endRow, float* to) {
-    const auto sum = source.HasAlpha() ? SumRowsPremultiplied : SumRows;
+    const SeparableKernels& kernels = SeparableKernels::Best();
+    const auto sum = source.HasAlpha() ? kernels.SumRowsPremultiplied : kernels.SumRows;
     const std::ptrdiff_t rowFloats = static_cast<std::ptrdiff_t>(source.Width()) * kComponents;
     for (int left = 0; left < source.Width(); left += kStripPixels) {
         const int pixels = std::min(kStripPixels, source.Width() - left);
@@ -33,7 +34,8 @@ void SumRowsOfStrips(const PixelArray& source, const AxisWeights& rows, int firs
 PixelArray ResampleSeparable(const PixelArray& source, const AxisWeights& columns, const AxisWeights& rows) {
     PixelArray result = PixelArray::Like(source, columns.Length(), rows.Length());
     std::uint8_t* const pixels = result.WritableRows();
-    const auto sumColumns = source.HasAlpha() ? SumColumnsPremultiplied : SumColumns;
+    const SeparableKernels& kernels = SeparableKernels::Best();
+    const auto sumColumns = source.HasAlpha() ? kernels.SumColumnsPremultiplied : kernels.SumColumns;
     const std::ptrdiff_t rowFloats = static_cast<std::ptrdiff_t>(source.Width()) * kComponents;
     const std::size_t sourceBytesPerRow = source.RowBytes() * static_cast<std::size_t>(source.Height()) /
                                           static_cast<std::size_t>(rows.Length());

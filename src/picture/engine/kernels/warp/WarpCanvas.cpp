@@ -1,6 +1,7 @@
 // The background of a warp's canvas, see WarpCanvas.h.
 #include "picture/engine/kernels/warp/WarpCanvas.h"
 
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/WholePixel.h"
 
 namespace pictorel::engine {
@@ -8,7 +9,7 @@ namespace pictorel::engine {
 void FillPixels(std::uint8_t* to, int count, std::uint32_t background) {
     const std::uint32_t pixel = OpaquePixel(background);
     for (int i = 0; i < count; ++i) {
-        StorePixel(to + i * PixelArray::kComponents, pixel);
+        StorePixel(to + i * kComponents, pixel);
     }
 }
 

@@ -18,7 +18,7 @@ struct CanvasMap {
     static constexpr Outside kOutside = Outside::Background;
     static constexpr bool kIsAffine = false;
     static constexpr bool kIsEven = false;
-    static constexpr bool kIsLevel = false;
+    static constexpr bool kIsHorizontal = false;
     static constexpr bool kIsMonotonic = true;
 
     WarpPoint centre;

@@ -4,7 +4,8 @@
 #include "picture/ForEachBand.h"
 #include "picture/PixelArray.h"
 #include "picture/engine/kernels/base/Rounding.h"
-#include "picture/engine/kernels/warp/WarpLoops.h"
+#include "picture/engine/kernels/base/Sizes.h"
+#include "picture/engine/kernels/warp/RunKernels.h"
 #include "picture/engine/kernels/warp/WarpSampler.h"
 
 #include <algorithm>
@@ -36,7 +37,7 @@ struct LocalScale {
 //   kOutside                         what is seen where the source is outside the picture,
 //   kIsAffine                        whether every pixel is moved by the same linear map,
 //   kIsEven                          whether the points of a row come from evenly spaced ones,
-//   kIsLevel                         whether all points of a row come from points of one row,
+//   kIsHorizontal                         whether all points of a row come from points of one row,
 //   kIsMonotonic                     whether coordinates only grow or only shrink along a row,
 // and, if that is faster, bool LocateRun(WarpPoint first, SampleRun&), which fills in run.count points if it
 // can.
@@ -209,8 +210,8 @@ void LocatePoints(const Map& map, const PixelArray& source, WarpPoint first, Sam
         const WarpPoint from = map.Source(first);
         const WarpPoint to = map.Source({first.x + (run.count - 1), first.y});
         if (IsNear(from) && IsNear(to)) {
-            LocateEvenly(SpacingOf(from.x, to.x, run.count), run.count, run.x.data());
-            LocateEvenly(SpacingOf(from.y, to.y, run.count), run.count, run.y.data());
+            RunKernels::Best().LocateEvenly(SpacingOf(from.x, to.x, run.count), run.count, run.x.data());
+            RunKernels::Best().LocateEvenly(SpacingOf(from.y, to.y, run.count), run.count, run.y.data());
             return;
         }
     }
@@ -224,9 +225,9 @@ void LocatePoints(const Map& map, const PixelArray& source, WarpPoint first, Sam
 template <class Map>
 void Locate(const Map& map, const PixelArray& source, WarpPoint first, int count, SampleRun& run) {
     run.count = count;
-    run.isLevel = Map::kIsLevel;
+    run.isHorizontal = Map::kIsHorizontal;
     LocatePoints(map, source, first, run);
-    run.bounds = Map::kIsMonotonic ? BoundsOfEnds(run) : BoundsOf(run);
+    run.bounds = Map::kIsMonotonic ? BoundsOfEnds(run) : RunKernels::Best().BoundsOf(run);
 }
 
 // Makes the result's pixels, a run at a time.
@@ -259,7 +260,7 @@ class RunWarper {
         } else if (!Map::kIsAffine && pattern.count > kManySamples && count > kShortRun) {
             const int half = count / 2; // most pixels of a run need fewer samples than its worst
             Make(first, half, to);
-            Make({first.x + half, first.y}, count - half, to + half * PixelArray::kComponents);
+            Make({first.x + half, first.y}, count - half, to + half * kComponents);
         } else {
             MakeFromPattern(pattern, first, count, to);
         }
@@ -286,15 +287,15 @@ class RunWarper {
 
     void MakeFromPattern(const SamplePattern& pattern, WarpPoint first, int count, std::uint8_t* to) const {
         SampleRun run;
-        std::array<std::int32_t, std::size_t{kRunLength} * PixelArray::kComponents> sums{};
-        std::array<std::uint8_t, std::size_t{kRunLength} * PixelArray::kComponents> samples{};
+        std::array<std::int32_t, std::size_t{kRunLength} * kComponents> sums{};
+        std::array<std::uint8_t, std::size_t{kRunLength} * kComponents> samples{};
         for (int i = 0; i < pattern.count; ++i) {
             const WarpPoint offset = pattern.Offset(i);
             Locate(map_, source_, {first.x + offset.x, first.y + offset.y}, count, run);
             sampler_.Sample(run, pattern.border, samples.data());
-            AddSamples(samples.data(), count, source_.HasAlpha(), sums.data());
+            RunKernels::Best().AddSamples(samples.data(), count, source_.HasAlpha(), sums.data());
         }
-        MeanOfSamples(sums.data(), count, pattern.count, source_.HasAlpha(), to);
+        RunKernels::Best().MeanOfSamples(sums.data(), count, pattern.count, source_.HasAlpha(), to);
     }
 
     const PixelArray& source_;

@@ -1,10 +1,11 @@
 // Bicubic sampling with an antialiased border, see WarpSampler.h.
 #include "picture/engine/kernels/warp/WarpSampler.h"
 
+#include "picture/engine/kernels/base/CubicWeights.h"
 #include "picture/engine/kernels/base/Rounding.h"
+#include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/base/WholePixel.h"
-#include "picture/engine/kernels/warp/LevelRuns.h"
-#include "picture/engine/kernels/warp/WarpKernel.h"
+#include "picture/engine/kernels/warp/HorizontalKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,11 +14,21 @@
 namespace pictorel::engine {
 namespace {
 
-constexpr int kComponents = PixelArray::kComponents;
-
 bool Contains(const SampleBounds& outer, const SampleBounds& inner) {
     return inner.left >= outer.left && inner.right <= outer.right && inner.top >= outer.top &&
            inner.bottom <= outer.bottom;
+}
+
+// Fetches the pixels so far across and down from those points into the cache: runs cross the source's rows,
+// which no prefetcher of a processor foresees.
+void FetchRun(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run, std::int32_t across,
+              std::int32_t down) {
+    constexpr int kStep = 4; // what lies between is fetched for the next rows of the result
+    for (int i = 0; i < run.count; i += kStep) {
+        const std::ptrdiff_t x = (run.x[i] + across) >> kPhaseBits;
+        const std::ptrdiff_t y = (run.y[i] + down) >> kPhaseBits;
+        __builtin_prefetch(pixels + y * stride + x * kPixelBytes);
+    }
 }
 
 } // namespace
@@ -89,7 +100,7 @@ void WarpSampler::Sample(const SampleRun& run, BorderWidth border, std::uint8_t*
         const std::int32_t across = run.x[run.count - 1] - run.x[0];
         const std::int32_t down = run.y[run.count - 1] - run.y[0];
         if (Contains(safe, {all.left + across, all.right + across, all.top + down, all.bottom + down})) {
-            FetchAhead(source_.Row(0), source_.Stride(), run, across, down);
+            FetchRun(source_.Row(0), source_.Stride(), run, across, down);
         }
         SampleInside(source_.Row(0), source_.Stride(), run, to);
         return;
@@ -115,11 +126,11 @@ void WarpSampler::Sample(const SampleRun& run, BorderWidth border, std::uint8_t*
 void WarpSampler::SampleInside(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
                                std::uint8_t* to) const {
     if (source_.HasAlpha()) {
-        SampleWithAlpha(pixels, stride, run, to);
-    } else if (run.isLevel && IsNarrow(run.bounds)) {
-        simd::SampleLevel(pixels, stride, run, to);
+        bicubic_.SampleWithAlpha(pixels, stride, run, to);
+    } else if (run.isHorizontal && IsNarrow(run.bounds)) {
+        horizontal_.SampleHorizontal(pixels, stride, run, to);
     } else {
-        SampleOpaque(pixels, stride, run, to);
+        bicubic_.SampleOpaque(pixels, stride, run, to);
     }
 }
 
@@ -147,9 +158,9 @@ void WarpSampler::SampleNearBorder(std::int32_t x, std::int32_t y, BorderWidth b
     one.y[0] = kPhases + (y & (kPhases - 1));
     const std::ptrdiff_t stride = kTaps * kComponents;
     if (source_.HasAlpha()) {
-        SampleWithAlphaReference(neighbours.data(), stride, one, to);
+        BicubicKernels::Plain().SampleWithAlpha(neighbours.data(), stride, one, to);
     } else {
-        SampleOpaqueReference(neighbours.data(), stride, one, to);
+        BicubicKernels::Plain().SampleOpaque(neighbours.data(), stride, one, to);
     }
     if (coverage < 1) {
         MixBackground(coverage, to);

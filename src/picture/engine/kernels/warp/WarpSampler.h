@@ -2,55 +2,20 @@
 #pragma once
 
 #include "picture/PixelArray.h"
+#include "picture/engine/kernels/warp/BicubicKernels.h"
+#include "picture/engine/kernels/warp/HorizontalKernels.h"
+#include "picture/engine/kernels/warp/SampleRun.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
 namespace pictorel::engine {
-
-// Points of the source are given as distances from the centre of its top left pixel, in 1/1024 pixel.
-inline constexpr int kPhaseBits = 10;
-inline constexpr int kPhases = 1 << kPhaseBits;
-inline constexpr int kRunLength = 256; // pixels of a row that are sampled in one go
 
 // Columns from `first` up to but not including `end`.
 struct ColumnSpan {
     int first;
     int end;
 };
-
-// Smallest and largest coordinates, inclusive.
-struct SampleBounds {
-    std::int32_t left, right, top, bottom;
-};
-
-struct SampleRun {
-    int count = 0;        // at most kRunLength
-    bool isLevel = false; // whether all points have the same y
-    SampleBounds bounds{};
-    std::array<std::int32_t, kRunLength> x{};
-    std::array<std::int32_t, kRunLength> y{};
-};
-
-// Interpolates with the cubic convolution kernel of Keys ("Cubic convolution interpolation for digital image
-// processing", 1981) for a = -0.5: exact at pixel centres, weights in 14-bit fixed point.
-// `pixels` is the top left pixel of rows `stride` bytes apart; every point must have its 4 x 4 neighbours
-// there. The second form is for pictures with alpha: it weights colours by their alpha.
-void SampleOpaque(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run, std::uint8_t* to);
-void SampleWithAlpha(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
-                     std::uint8_t* to);
-
-// Fetches the pixels so far across and down from those points into the cache: runs cross the source's rows,
-// which no prefetcher of a processor foresees.
-void FetchAhead(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run, std::int32_t across,
-                std::int32_t down);
-
-// The same results by plain scalar code: what the above are tested against.
-void SampleOpaqueReference(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
-                           std::uint8_t* to);
-void SampleWithAlphaReference(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun& run,
-                              std::uint8_t* to);
 
 // Source pixels passed per result pixel, across and down the source: over this distance the border of the
 // picture fades into the background.
@@ -98,6 +63,8 @@ class WarpSampler {
     Outside outside_;
     std::uint32_t backgroundPixel_;
     SampleBounds deepInside_;
+    const BicubicKernels& bicubic_ = BicubicKernels::Best();
+    const HorizontalKernels& horizontal_ = HorizontalKernels::Best();
 };
 
 } // namespace pictorel::engine
