@@ -10,15 +10,6 @@ namespace pictorel::codecs {
 
 inline constexpr int kUnspecified = 2; // of all three
 
-namespace matrix { // the code points that are told apart
-inline constexpr int kIdentity = 0;
-inline constexpr int kBt709 = 1;
-inline constexpr int kFcc = 4;
-inline constexpr int kSmpte240 = 7;
-inline constexpr int kYCgCo = 8;
-inline constexpr int kBt2020 = 9;
-} // namespace matrix
-
 struct Cicp {
     int primaries = kUnspecified;
     int transfer = kUnspecified;

@@ -55,60 +55,31 @@ Plane PlaneOf(const heif_image* image, heif_channel channel) {
     return plane;
 }
 
-// How Y and the two differences, each -1/2..1/2 of the range, make up red, green and blue 0..1.
-struct Mix {
-    float redOfCr = 0;
-    float greenOfCb = 0;
-    float greenOfCr = 0;
-    float blueOfCb = 0;
-};
-
-// By the share of red and blue in Y (H.273, table 4).
-constexpr Mix MixOf(double kr, double kb) {
-    const double kg = 1 - kr - kb;
-    return {static_cast<float>(2 * (1 - kr)), static_cast<float>(-2 * kb * (1 - kb) / kg),
-            static_cast<float>(-2 * kr * (1 - kr) / kg), static_cast<float>(2 * (1 - kb))};
-}
-
-Mix MixOfMatrix(int code) {
-    switch (code) {
-        case matrix::kBt709:
-            return MixOf(0.2126, 0.0722);
-        case matrix::kFcc:
-            return MixOf(0.30, 0.11);
-        case matrix::kSmpte240:
-            return MixOf(0.212, 0.087);
-        case matrix::kBt2020:
-        case matrix::kBt2020 + 1: // the constant-luminance kind, of which no encoder is known
-            return MixOf(0.2627, 0.0593);
-        default: // BT.601 is also what writers mean who say nothing
-            return MixOf(0.299, 0.114);
-    }
-}
-
-// Samples of 0..largest become 0..1, those of the narrow range of television too.
+// Samples of 0..largest become 0..1, greys of the narrow range of television too, and differences -1/2..1/2.
 struct Scale {
     float black;
     float factor;
 };
-Scale ScaleOf(const Plane& plane, bool isFullRange, bool isDifference) {
-    if (isFullRange) {
-        const float middle = isDifference ? static_cast<float>(1 << (plane.bits - 1)) : 0;
-        return {middle, 1 / plane.Largest()};
-    }
+Scale ScaleOf(const Plane& plane) {
+    return {0, 1 / plane.Largest()};
+}
+Scale ScaleOfNarrow(const Plane& plane) {
     const auto unit = static_cast<float>(1 << plane.bits) / 256;
-    return isDifference ? Scale{128 * unit, 1 / (224 * unit)} : Scale{16 * unit, 1 / (219 * unit)};
+    return {16 * unit, 1 / (219 * unit)};
+}
+Scale ScaleOfDifference(const Plane& plane) {
+    return {static_cast<float>(1 << (plane.bits - 1)), 1 / plane.Largest()};
 }
 
-enum class Kind { Grey, Rgb, Differences, YCgCo };
+enum class Kind { Grey, Rgb, Differences };
 
 struct Planes {
     Kind kind;
-    std::array<Plane, 3> colours; // Y alone; R, G, B; Y, Cb, Cr (or Y, Cg, Co)
+    std::array<Plane, 3> colours; // Y alone; R, G, B; Y, Cb, Cr
     Plane alpha;
 };
 
-Planes PlanesOf(const heif_image* image, const Cicp& space) {
+Planes PlanesOf(const heif_image* image) {
     Planes planes{};
     planes.alpha = PlaneOf(image, heif_channel_Alpha);
     switch (heif_image_get_colorspace(image)) {
@@ -124,13 +95,7 @@ Planes PlanesOf(const heif_image* image, const Cicp& space) {
         case heif_colorspace_YCbCr:
             planes.colours = {PlaneOf(image, heif_channel_Y), PlaneOf(image, heif_channel_Cb),
                               PlaneOf(image, heif_channel_Cr)};
-            planes.kind = space.matrix == matrix::kYCgCo ? Kind::YCgCo : Kind::Differences;
-            if (space.matrix == matrix::kIdentity) { // green, blue, red under the others' names
-                planes.kind = Kind::Rgb;
-                std::rotate(planes.colours.begin(), planes.colours.begin() + 2, planes.colours.end());
-            } else if (planes.colours[1].rows == nullptr) {
-                planes.kind = Kind::Grey;
-            }
+            planes.kind = planes.colours[1].rows == nullptr ? Kind::Grey : Kind::Differences;
             break;
         default:
             Refuse("The HEIF file has planes of a kind that is not supported.");
@@ -216,8 +181,8 @@ class RowSource {
 // Rows of one band of the picture, at full width, made into pixels.
 class BandReader {
   public:
-    BandReader(const Planes& planes, const Cicp& space, int width, int height)
-        : planes_(planes), isFullRange_(space.isFullRange), mix_(MixOfMatrix(space.matrix)), width_(width) {
+    BandReader(const Planes& planes, bool isFullRange, int width, int height)
+        : planes_(planes), isFullRange_(isFullRange), width_(width) {
         for (const Plane& plane : planes.colours) {
             if (plane.rows != nullptr) {
                 sources_.emplace_back(plane, width, height);
@@ -227,7 +192,7 @@ class BandReader {
             sources_.emplace_back(planes.alpha, width, height);
         }
         for (auto& component : mixed_) {
-            component.resize(planes.kind == Kind::Grey ? 0 : static_cast<std::size_t>(width));
+            component.resize(planes.kind == Kind::Differences ? static_cast<std::size_t>(width) : 0);
         }
     }
 
@@ -246,7 +211,7 @@ class BandReader {
         put(rgb[1], 1);
         put(rgb[2], kIsBytes ? 0 : 2);
         if (HasAlpha()) {
-            put(sources_.back().Take(y, ScaleOf(planes_.alpha, true, false)), 3);
+            put(sources_.back().Take(y, ScaleOf(planes_.alpha)), 3);
             return;
         }
         for (int x = 0; x < width_; ++x) {
@@ -258,51 +223,39 @@ class BandReader {
     bool HasAlpha() const { return planes_.alpha.rows != nullptr; }
 
     std::array<const float*, 3> Colours(int y) {
-        const auto take = [&](std::size_t i, bool isDifference) {
-            return sources_[i].Take(y, ScaleOf(planes_.colours[i], isFullRange_, isDifference));
+        const auto take = [&](std::size_t i, Scale (*scale)(const Plane&)) {
+            return sources_[i].Take(y, scale(planes_.colours[i]));
         };
-        const float* const first = take(0, false);
-        if (planes_.kind == Kind::Grey) {
-            return {first, first, first};
-        }
-        const bool isRgb = planes_.kind == Kind::Rgb;
-        const float* const second = take(1, !isRgb);
-        const float* const third = take(2, !isRgb);
-        if (isRgb) {
-            return {first, second, third};
-        }
-        planes_.kind == Kind::YCgCo ? MixGreenAndOrange(first, second, third)
-                                    : MixDifferences(first, second, third);
-        return {mixed_[0].data(), mixed_[1].data(), mixed_[2].data()};
-    }
-
-    void MixDifferences(const float* luma, const float* cb, const float* cr) {
-        float* const red = mixed_[0].data();
-        float* const green = mixed_[1].data();
-        float* const blue = mixed_[2].data();
-        const Mix mix = mix_;
-        for (int x = 0; x < width_; ++x) {
-            red[x] = luma[x] + mix.redOfCr * cr[x];
-            green[x] = luma[x] + mix.greenOfCb * cb[x] + mix.greenOfCr * cr[x];
-            blue[x] = luma[x] + mix.blueOfCb * cb[x];
+        switch (planes_.kind) {
+            case Kind::Grey: {
+                const float* const grey = take(0, isFullRange_ ? ScaleOf : ScaleOfNarrow);
+                return {grey, grey, grey};
+            }
+            case Kind::Rgb:
+                return {take(0, ScaleOf), take(1, ScaleOf), take(2, ScaleOf)};
+            default:
+                Mix(take(0, ScaleOf), take(1, ScaleOfDifference), take(2, ScaleOfDifference));
+                return {mixed_[0].data(), mixed_[1].data(), mixed_[2].data()};
         }
     }
 
-    void MixGreenAndOrange(const float* luma, const float* cg, const float* co) {
+    void Mix(const float* luma, const float* cb, const float* cr) { // BT.601
+        constexpr float kRed = 0.299F;
+        constexpr float kBlue = 0.114F;
+        constexpr float kGreen = 1 - kRed - kBlue;
         float* const red = mixed_[0].data();
         float* const green = mixed_[1].data();
         float* const blue = mixed_[2].data();
         for (int x = 0; x < width_; ++x) {
-            const float rest = luma[x] - cg[x];
-            red[x] = rest + co[x];
-            green[x] = luma[x] + cg[x];
-            blue[x] = rest - co[x];
+            red[x] = luma[x] + 2 * (1 - kRed) * cr[x];
+            green[x] =
+                luma[x] - 2 * (1 - kBlue) * kBlue / kGreen * cb[x] - 2 * (1 - kRed) * kRed / kGreen * cr[x];
+            blue[x] = luma[x] + 2 * (1 - kBlue) * cb[x];
         }
     }
 
     const Planes& planes_;
     bool isFullRange_;
-    Mix mix_;
     int width_;
     std::vector<RowSource> sources_;
     std::array<std::vector<float>, 3> mixed_;
@@ -310,8 +263,8 @@ class BandReader {
 
 } // namespace
 
-PixelArray PictureOfPlanes(const heif_image* image, const Cicp& space, ByteView iccProfile) {
-    Planes planes = PlanesOf(image, space);
+PixelArray PictureOfPlanes(const heif_image* image, bool isFullRange, ByteView iccProfile) {
+    Planes planes = PlanesOf(image);
     Check(planes);
     const int width = planes.colours[0].width;
     const int height = planes.colours[0].height;
@@ -323,7 +276,7 @@ PixelArray PictureOfPlanes(const heif_image* image, const Cicp& space, ByteView 
     const RowReader reader(picture, iccProfile, isWide, planes.kind == Kind::Grey);
     constexpr std::size_t kWorkPerByte = 4;
     ForEachBand(height, picture.RowBytes() * kWorkPerByte, [&](int first, int end) {
-        BandReader band(planes, space, width, height);
+        BandReader band(planes, isFullRange, width, height);
         std::vector<std::uint16_t> wide(isWide ? picture.RowBytes() : 0);
         for (int y = first; y < end; ++y) {
             if (isWide) {

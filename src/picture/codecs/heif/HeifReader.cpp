@@ -1,6 +1,7 @@
 // Reading HEIF files through libheif, see Heif.h.
 #include "picture/ImagingError.h"
 #include "picture/codecs/ByteReader.h"
+#include "picture/codecs/Cicp.h"
 #include "picture/codecs/Exif.h"
 #include "picture/codecs/PixelSupport.h"
 #include "picture/codecs/Xmp.h"
@@ -12,8 +13,10 @@
 #include <algorithm>
 #include <array>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace pictorel::codecs {
@@ -28,8 +31,11 @@ void Check(const heif_error& error) {
     if (error.code == heif_error_Ok) {
         return;
     }
-    if (error.code == heif_error_Memory_allocation_error &&
-        error.subcode != heif_suberror_Security_limit_exceeded) {
+    if (error.subcode == heif_suberror_Security_limit_exceeded) {
+        throw ImagingError(ImagingFailure::TooLarge,
+                           std::string("The HEIF file is too large: ") + error.message);
+    }
+    if (error.code == heif_error_Memory_allocation_error) {
         throw std::bad_alloc();
     }
     throw ImagingError(ImagingFailure::UnsupportedFormat,
@@ -54,38 +60,65 @@ HeifHandle PrimaryPicture(heif_context* context) {
     return HeifHandle(made);
 }
 
-// As it was coded: the library is to decode, and convert nothing.
-HeifImage Decode(const heif_image_handle* handle, HeifChroma chroma) {
-    struct Asked {
-        heif_colorspace colours;
-        heif_chroma chroma;
-    };
-    constexpr std::array<Asked, 4> kAsked{{{heif_colorspace_undefined, heif_chroma_undefined}, // greys
-                                           {heif_colorspace_YCbCr, heif_chroma_420},
-                                           {heif_colorspace_YCbCr, heif_chroma_422},
-                                           {heif_colorspace_YCbCr, heif_chroma_444}}};
-    const Asked asked = kAsked[static_cast<std::size_t>(chroma)];
+HeifImage DecodeAs(const heif_image_handle* handle, heif_colorspace colours, heif_chroma chroma) {
     const HeifOptions options(heif_decoding_options_alloc());
     if (!options) {
         throw std::bad_alloc();
     }
     heif_image* made = nullptr;
-    Check(heif_decode_image(handle, &made, asked.colours, asked.chroma, options.get()));
+    Check(heif_decode_image(handle, &made, colours, chroma, options.get()));
     return HeifImage(made);
 }
 
-// What the file's own box says holds over what the codec's data say.
-Cicp SpaceOf(const heif_image_handle* handle, const heif_image* image) {
-    heif_color_profile_nclx* made = nullptr;
-    if (heif_image_handle_get_nclx_color_profile(handle, &made).code != heif_error_Ok) {
-        made = nullptr;
-        if (heif_image_get_nclx_color_profile(image, &made).code != heif_error_Ok) {
-            return {};
-        }
-    }
-    const HeifNclx nclx(made);
-    return {nclx->color_primaries, nclx->transfer_characteristics, nclx->matrix_coefficients,
-            nclx->full_range_flag != 0};
+// Both calls below may leave an object behind, which holds nothing of use, where they fail.
+std::optional<Cicp> SpaceTold(const heif_error& error, heif_color_profile_nclx* told) {
+    const HeifNclx nclx(told);
+    return error.code == heif_error_Ok && nclx
+               ? std::optional(Cicp{nclx->color_primaries, nclx->transfer_characteristics,
+                                    nclx->matrix_coefficients, nclx->full_range_flag != 0})
+               : std::nullopt;
+}
+
+std::optional<Cicp> SpaceOfFile(const heif_image_handle* handle) {
+    heif_color_profile_nclx* told = nullptr;
+    const heif_error error = heif_image_handle_get_nclx_color_profile(handle, &told);
+    return SpaceTold(error, told);
+}
+
+std::optional<Cicp> SpaceOfData(const heif_image* image) {
+    heif_color_profile_nclx* told = nullptr;
+    const heif_error error = heif_image_get_nclx_color_profile(image, &told);
+    return SpaceTold(error, told);
+}
+
+struct Decoded {
+    HeifImage image;
+    Cicp space; // what the file's own box says holds over what the codec's data say
+};
+
+// What the library hands out as it was coded, unless asked for something else: colour differences by BT.601
+// over the full range. From all others it would come to these by way of red, green and blue.
+bool IsPlain(const Cicp& space) {
+    constexpr std::array kBt601{kUnspecified, 5, 6};
+    return space.isFullRange && std::find(kBt601.begin(), kBt601.end(), space.matrix) != kBt601.end();
+}
+
+Decoded Decode(const heif_image_handle* handle, HeifChroma chroma) {
+    struct Asked {
+        heif_colorspace colours;
+        heif_chroma chroma;
+    };
+    constexpr std::array<Asked, 4> kByChroma{{{heif_colorspace_undefined, heif_chroma_undefined}, // greys
+                                              {heif_colorspace_YCbCr, heif_chroma_420},
+                                              {heif_colorspace_YCbCr, heif_chroma_422},
+                                              {heif_colorspace_YCbCr, heif_chroma_444}}};
+    constexpr Asked kRgb{heif_colorspace_RGB, heif_chroma_444};
+    const auto told = SpaceOfFile(handle);
+    const bool isPlain = chroma == HeifChroma::None || !told || IsPlain(*told);
+    const Asked asked = isPlain ? kByChroma[static_cast<std::size_t>(chroma)] : kRgb;
+    HeifImage image = DecodeAs(handle, asked.colours, asked.chroma);
+    const Cicp space = told ? *told : SpaceOfData(image.get()).value_or(Cicp{});
+    return {std::move(image), space};
 }
 
 ByteBuffer IccProfileOf(const heif_image_handle* handle) {
@@ -160,14 +193,13 @@ PixelArray ReadHeif(ByteView file, const ReadOptions& /*options*/) {
     const HeifHandle handle = PrimaryPicture(context.get());
     CheckClaimedSize(heif_image_handle_get_width(handle.get()), heif_image_handle_get_height(handle.get()),
                      file.size(), kMostPixelsPerByte);
-    const HeifImage image = Decode(handle.get(), FinestChroma(file));
-    const Cicp space = SpaceOf(handle.get(), image.get());
+    const auto [image, space] = Decode(handle.get(), FinestChroma(file));
     ByteBuffer profile = IccProfileOf(handle.get());
     const bool isIcc = !profile.empty();
     if (!isIcc) {
         profile = MakeCicpProfile(space.primaries, space.transfer);
     }
-    PixelArray picture = PictureOfPlanes(image.get(), space, profile);
+    PixelArray picture = PictureOfPlanes(image.get(), space.isFullRange, profile);
     if (heif_image_handle_is_premultiplied_alpha(handle.get()) != 0 && picture.HasAlpha()) {
         Unpremultiply(picture);
     }

@@ -33,7 +33,6 @@ class JxlPictureDecoder {
         JxlDecoderSetParallelRunner(decoder_.get(), JxlResizableParallelRunner, runner_.get());
         JxlDecoderSubscribeEvents(decoder_.get(),
                                   JXL_DEC_BASIC_INFO | JXL_DEC_COLOR_ENCODING | JXL_DEC_FULL_IMAGE);
-        JxlDecoderSetUnpremultiplyAlpha(decoder_.get(), JXL_TRUE);
     }
 
     enum class End {
@@ -77,6 +76,9 @@ class JxlPictureDecoder {
         reader_.reset();
         if (info_.alpha_bits > 0) {
             SettleAlpha(picture_);
+            if (info_.alpha_premultiplied == JXL_TRUE && picture_.HasAlpha()) {
+                Unpremultiply(picture_);
+            }
         }
         return std::move(picture_);
     }

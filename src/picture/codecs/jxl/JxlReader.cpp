@@ -1,22 +1,34 @@
 // JPEG XL files: the picture and what stands in boxes beside it, see Jxl.h.
-#include "picture/codecs/ByteReader.h"
 #include "picture/codecs/Exif.h"
 #include "picture/codecs/PixelSupport.h"
 #include "picture/codecs/jxl/Jxl.h"
 #include "picture/codecs/jxl/JxlBoxes.h"
 #include "picture/codecs/jxl/JxlDecoding.h"
-
-#include <jxl/decode.h>
+#include "picture/codecs/jxl/JxlLibrary.h"
 
 namespace pictorel::codecs {
 
+namespace {
+
+// The signature of a bare codestream has two bytes only, so its header has to make sense as well.
+bool HasHeader(ByteView file) noexcept {
+    const JxlDecoderHandle decoder(JxlDecoderCreate(nullptr));
+    return decoder && JxlDecoderSubscribeEvents(decoder.get(), JXL_DEC_BASIC_INFO) == JXL_DEC_SUCCESS &&
+           JxlDecoderSetInput(decoder.get(), file.data(), file.size()) == JXL_DEC_SUCCESS &&
+           JxlDecoderProcessInput(decoder.get()) == JXL_DEC_BASIC_INFO;
+}
+
+} // namespace
+
 bool IsJxl(ByteView file) noexcept {
-    constexpr std::size_t kShortestFile = 12; // the signature of a bare codestream has two bytes only
-    if (file.size() < kShortestFile) {
-        return false;
+    switch (JxlSignatureCheck(file.data(), file.size())) {
+        case JXL_SIG_CONTAINER:
+            return true;
+        case JXL_SIG_CODESTREAM:
+            return HasHeader(file);
+        default:
+            return false;
     }
-    const JxlSignature signature = JxlSignatureCheck(file.data(), file.size());
-    return signature == JXL_SIG_CODESTREAM || signature == JXL_SIG_CONTAINER;
 }
 
 PixelArray ReadJxl(ByteView file, const ReadOptions& /*options*/) {
