@@ -21,7 +21,6 @@ struct JxlRecipe {
     Depth depth = Depth::Eight;
     bool isLossless = true;
     bool isGrey = false; // green stands for all
-    bool isPremultiplied = false;
     bool isProgressive = false;
     int orientation = 1;
     std::optional<JxlColorEncoding> colours{};
@@ -89,7 +88,6 @@ JxlBasicInfo InfoOf(const PixelArray& picture, const JxlRecipe& recipe) {
     info.num_extra_channels = picture.HasAlpha() ? 1 : 0;
     info.alpha_bits = picture.HasAlpha() ? info.bits_per_sample : 0;
     info.alpha_exponent_bits = picture.HasAlpha() ? info.exponent_bits_per_sample : 0;
-    info.alpha_premultiplied = recipe.isPremultiplied ? JXL_TRUE : JXL_FALSE;
     info.uses_original_profile = recipe.isLossless ? JXL_TRUE : JXL_FALSE;
     info.orientation = static_cast<JxlOrientation>(recipe.orientation);
     info.have_animation = recipe.frames > 1 ? JXL_TRUE : JXL_FALSE;
@@ -138,13 +136,6 @@ ByteBuffer MakeJxl(const PixelArray& picture, const JxlRecipe& recipe = {}) {
     const JxlBasicInfo info = InfoOf(picture, recipe);
     JxlEncoderSetCodestreamLevel(encoder, 10); // of which 16 bits ask for
     Check(JxlEncoderSetBasicInfo(encoder, &info));
-    if (recipe.isPremultiplied) {
-        JxlExtraChannelInfo alpha;
-        JxlEncoderInitExtraChannelInfo(JXL_CHANNEL_ALPHA, &alpha);
-        alpha.bits_per_sample = info.bits_per_sample;
-        alpha.alpha_premultiplied = JXL_TRUE;
-        Check(JxlEncoderSetExtraChannelInfo(encoder, 0, &alpha));
-    }
     const JxlColorEncoding colours = recipe.colours.value_or(Srgb(recipe.isGrey));
     Check(recipe.icc.empty() ? JxlEncoderSetColorEncoding(encoder, &colours)
                              : JxlEncoderSetICCProfile(encoder, recipe.icc.data(), recipe.icc.size()));
@@ -221,14 +212,6 @@ TEST(Jxl, ReadsGreysThroughTheirProfile) {
             EXPECT_GT(linear.Row(3)[4 * x], grey);
         }
     }
-}
-
-TEST(Jxl, DividesColourByItsAlpha) {
-    PixelArray picture(2, 1);
-    const std::uint8_t pixels[] = {20, 40, 60, 128, 0, 0, 0, 0};
-    std::memcpy(picture.WritableRows(), pixels, sizeof(pixels));
-    picture.SetHasAlpha(true);
-    EXPECT_EQ(Spelled(Read(MakeJxl(picture, {.isPremultiplied = true}))).substr(0, 8), "78502880");
 }
 
 TEST(Jxl, ConvertsToSrgb) {
