@@ -23,7 +23,7 @@ ByteBuffer ImageChunks(const PixelArray& picture, float quality) {
             ? WebPEncodeLosslessBGRA(picture.Row(0), picture.Width(), picture.Height(), stride, &out)
             : WebPEncodeBGRA(picture.Row(0), picture.Width(), picture.Height(), stride, quality, &out);
     constexpr std::size_t kHeader = 12;
-    const ByteBuffer chunks(out + std::min(bytes, kHeader), out + bytes);
+    ByteBuffer chunks(out + std::min(bytes, kHeader), out + bytes);
     WebPFree(out);
     return chunks;
 }

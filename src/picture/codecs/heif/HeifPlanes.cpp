@@ -160,10 +160,10 @@ class RowSource {
         const int last = plane_.width - 1;
         for (int i = 0; i <= last; ++i) {
             const float here = 0.75F * near_[static_cast<std::size_t>(i)];
-            row_[static_cast<std::size_t>(2 * i)] =
+            row_[2 * static_cast<std::size_t>(i)] =
                 here + 0.25F * near_[static_cast<std::size_t>(std::max(i - 1, 0))];
             if (2 * i + 1 < width_) {
-                row_[static_cast<std::size_t>(2 * i + 1)] =
+                row_[2 * static_cast<std::size_t>(i) + 1] =
                     here + 0.25F * near_[static_cast<std::size_t>(std::min(i + 1, last))];
             }
         }
@@ -202,9 +202,11 @@ class BandReader {
         const std::array<const float*, 3> rgb = Colours(y);
         constexpr bool kIsBytes = sizeof(Sample) == 1;
         constexpr float kLargest = kIsBytes ? 255 : 65535;
+        constexpr float kHalf = 0.5F; // to round by cutting off
         const auto put = [&](const float* in, int component) {
             for (int x = 0; x < width_; ++x) {
-                out[4 * x + component] = static_cast<Sample>(std::clamp(in[x], 0.0F, 1.0F) * kLargest + 0.5F);
+                out[4 * x + component] =
+                    static_cast<Sample>(std::clamp(in[x] * kLargest + kHalf, 0.0F, kLargest));
             }
         };
         put(rgb[0], kIsBytes ? 2 : 0);
