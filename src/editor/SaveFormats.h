@@ -45,6 +45,12 @@ inline constexpr std::string_view kOpenFilter =
     "WMF Standard Windows Metafile (*.WMF)|*.wmf|"
     "EMF Enhanced Windows Metafile (*.EMF)|*.emf|";
 
+// The formats that are read and not written: an entry of the Open dialog behind those of kOpenFilter, whose
+// patterns are found by its first entry, for all pictures, as well.
+inline constexpr std::string_view kModernPatterns = "*.webp;*.heic;*.heif;*.avif;*.jxl";
+inline constexpr std::string_view kModernFilter =
+    "WebP, HEIF, AVIF, JPEG XL (*.WEBP;*.HEIC;*.HEIF;*.AVIF;*.JXL)|*.webp;*.heic;*.heif;*.avif;*.jxl|";
+
 inline constexpr std::string_view kSaveFilter =
     "JPG - JPEG |*.jpg|"
     "PNG - Portable Network Graphics |*.png|"

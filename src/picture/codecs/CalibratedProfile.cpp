@@ -34,7 +34,7 @@ bool IsSrgbGamma(double gamma) {
 }
 
 bool IsSrgb(const CalibratedRgb& space) {
-    return Near(space.white, kSrgbWhite) &&
+    return space.curve.empty() && Near(space.white, kSrgbWhite) &&
            std::equal(space.primaries.begin(), space.primaries.end(), kSrgbPrimaries.begin(), Near) &&
            std::all_of(space.gamma.begin(), space.gamma.end(), IsSrgbGamma);
 }
@@ -52,7 +52,11 @@ bool IsSensible(const CalibratedRgb& space) {
                        [](double g) { return g == 0 || (g > 0.1 && g < 10); });
 }
 
-Curve MakeCurve(cmsContext context, double gamma) {
+Curve MakeCurve(cmsContext context, const std::vector<float>& samples, double gamma) {
+    if (!samples.empty()) {
+        return Curve(cmsBuildTabulatedToneCurveFloat(context, static_cast<cmsUInt32Number>(samples.size()),
+                                                     samples.data()));
+    }
     if (gamma != 0) {
         return Curve(cmsBuildGamma(context, gamma));
     }
@@ -69,8 +73,9 @@ ByteBuffer MakeCalibratedProfile(const CalibratedRgb& space) {
     // A context of our own: errors stay silent and nothing is shared between threads.
     const std::unique_ptr<void, ContextDeleter> context(cmsCreateContext(nullptr, nullptr));
     const auto lcms = static_cast<cmsContext>(context.get());
-    const Curve curves[] = {MakeCurve(lcms, space.gamma[0]), MakeCurve(lcms, space.gamma[1]),
-                            MakeCurve(lcms, space.gamma[2])};
+    const Curve curves[] = {MakeCurve(lcms, space.curve, space.gamma[0]),
+                            MakeCurve(lcms, space.curve, space.gamma[1]),
+                            MakeCurve(lcms, space.curve, space.gamma[2])};
     cmsToneCurve* const handles[] = {curves[0].get(), curves[1].get(), curves[2].get()};
     const cmsCIExyY white{space.white.x, space.white.y, 1};
     const auto& [red, green, blue] = space.primaries;

@@ -4,6 +4,7 @@
 #include "picture/codecs/Codec.h"
 
 #include <array>
+#include <vector>
 
 namespace pictorel::codecs {
 
@@ -21,6 +22,9 @@ struct CalibratedRgb {
     // The exponent that decodes samples to light (2.2), per channel; 0 where it is not known, which is taken
     // as the sRGB curve.
     std::array<double, 3> gamma{};
+    // Where no exponent describes it: the light 0..1 of evenly spaced samples from black to white, of all
+    // channels. Holds over `gamma`; empty where that says it all.
+    std::vector<float> curve;
 };
 
 // An ICC profile of that space; empty where it is sRGB for all that can be seen, or no colour space at all.

@@ -3,13 +3,16 @@
 
 #include "picture/codecs/bmp/Bmp.h"
 #include "picture/codecs/gif/Gif.h"
+#include "picture/codecs/heif/Heif.h"
 #include "picture/codecs/j2k/J2k.h"
 #include "picture/codecs/jpeg/JpegCodec.h"
+#include "picture/codecs/jxl/Jxl.h"
 #include "picture/codecs/pcx/Pcx.h"
 #include "picture/codecs/png/Png.h"
 #include "picture/codecs/ras/Ras.h"
 #include "picture/codecs/tga/Tga.h"
 #include "picture/codecs/tiff/Tiff.h"
+#include "picture/codecs/webp/WebP.h"
 
 #include <algorithm>
 #include <array>
@@ -20,11 +23,12 @@ namespace {
 
 // Asked from the top: those with a sure signature first.
 constexpr std::array kCodecs{
-    Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg},   Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
-    Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},       Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
-    Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},       Codec{"Sun raster", "RAS", IsRas, ReadRas, WriteRas},
-    Codec{"JPEG 2000", "J2K", IsJ2k, ReadJ2k, WriteJ2k}, Codec{"PCX", "PCX", IsPcx, ReadPcx, WritePcx},
-    Codec{"Targa", "TGA", IsTga, ReadTga, WriteTga},
+    Codec{"JPEG", "JPG", IsJpeg, ReadJpeg, WriteJpeg}, Codec{"PNG", "PNG", IsPng, ReadPng, WritePng},
+    Codec{"GIF", "GIF", IsGif, ReadGif, WriteGif},     Codec{"TIFF", "TIF", IsTiff, ReadTiff, WriteTiff},
+    Codec{"BMP", "BMP", IsBmp, ReadBmp, WriteBmp},     Codec{"Sun raster", "RAS", IsRas, ReadRas, WriteRas},
+    Codec{"WebP", "WEBP", IsWebP, ReadWebP, nullptr},  Codec{"HEIF", "HEIF", IsHeif, ReadHeif, nullptr},
+    Codec{"JPEG XL", "JXL", IsJxl, ReadJxl, nullptr},  Codec{"JPEG 2000", "J2K", IsJ2k, ReadJ2k, WriteJ2k},
+    Codec{"PCX", "PCX", IsPcx, ReadPcx, WritePcx},     Codec{"Targa", "TGA", IsTga, ReadTga, WriteTga},
 };
 
 bool SameLetters(std::string_view a, std::string_view b) noexcept {

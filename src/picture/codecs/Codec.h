@@ -28,8 +28,10 @@ struct WriteOptions {
 };
 
 struct Codec {
-    std::string_view name;      // "JPEG"
-    std::string_view extension; // the one extension it is saved under, upper case, without the dot: "JPG"
+    std::string_view name; // "JPEG"
+    // The one extension it is saved under, upper case, without the dot: "JPG". It names the formats that are
+    // only read, too.
+    std::string_view extension;
 
     // Whether the bytes (the whole file, or its beginning) are of this format, by content alone. Never
     // throws.

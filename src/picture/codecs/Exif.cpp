@@ -4,11 +4,14 @@
 #include "picture/codecs/Exif.h"
 
 #include "picture/ForEachBand.h"
+#include "picture/codecs/ByteReader.h"
+#include "picture/codecs/Xmp.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace pictorel::codecs {
@@ -218,6 +221,33 @@ Resolution ExifResolution(ByteView exif) noexcept {
     const double perInch = unit == kUnitCentimetre ? kCentimetresPerInch : 1.0;
     return {block.Rational(*directory, kTagXResolution) * perInch,
             block.Rational(*directory, kTagYResolution) * perInch};
+}
+
+ByteView WithoutExifPrefix(ByteView stored) noexcept {
+    constexpr std::string_view kPrefix("Exif\0\0", 6);
+    return StartsWith(stored, kPrefix) ? stored.subspan(kPrefix.size()) : stored;
+}
+
+ByteView ExifOfBox(ByteView box) noexcept {
+    constexpr std::size_t kOffsetBytes = 4;
+    const ByteView told = Slice(box, kOffsetBytes + BigEndian32(box, 0));
+    for (const ByteView exif : {told, Slice(box, kOffsetBytes), box}) { // writers count from different places
+        const ByteView block = WithoutExifPrefix(exif);
+        if (TiffBlock(block).FirstDirectory()) {
+            return block;
+        }
+    }
+    return {};
+}
+
+void KeepMetadata(PixelArray& picture, ByteView exif, ByteView xmp) {
+    Metadata details = picture.Details();
+    details.exif = WithUprightOrientation(exif);
+    details.xmp = WithoutPictureClaims(xmp);
+    const Resolution resolution = ExifResolution(exif);
+    details.dotsPerInchX = resolution.dotsPerInchX;
+    details.dotsPerInchY = resolution.dotsPerInchY;
+    picture.SetDetails(std::move(details));
 }
 
 PixelArray ApplyOrientation(PixelArray picture, int orientation) {

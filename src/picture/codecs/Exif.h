@@ -24,6 +24,16 @@ struct Resolution {
 };
 Resolution ExifResolution(ByteView exif) noexcept;
 
+// The TIFF structure within what other containers store as EXIF: it may stand behind the "Exif\0\0" that JPEG
+// puts before it, and in the boxes of HEIF and JPEG XL behind four bytes that tell where it starts. Empty
+// where there is none.
+ByteView WithoutExifPrefix(ByteView stored) noexcept;
+ByteView ExifOfBox(ByteView box) noexcept;
+
+// Puts the metadata that a file had into the details of a picture that is, or is about to be made, upright:
+// EXIF (a TIFF structure, which tells the resolution too) and XMP without what is no longer true.
+void KeepMetadata(PixelArray& picture, ByteView exif, ByteView xmp);
+
 // The picture turned and mirrored as the orientation 1..8 asks, so that it is upright; the two resolutions in
 // its details change places where it is turned. 1 (or a number that is no orientation) returns it unchanged.
 PixelArray ApplyOrientation(PixelArray picture, int orientation);
