@@ -7,7 +7,6 @@
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <random>
 
 namespace pictorel::test {
@@ -18,19 +17,6 @@ using test::Random;
 constexpr int kSteps = 20000;
 constexpr int kMostStates = 15;
 constexpr int kLossOfWorkingFile = 2; // levels, by one encoding
-
-int LargestDifference(const PixelArray& a, const PixelArray& b) {
-    if (a.Width() != b.Width() || a.Height() != b.Height()) {
-        return 256;
-    }
-    int largest = 0;
-    for (int y = 0; y < a.Height(); ++y) {
-        for (std::size_t i = 0; i < a.RowBytes(); ++i) {
-            largest = std::max(largest, std::abs(a.Row(y)[i] - b.Row(y)[i]));
-        }
-    }
-    return largest;
-}
 
 struct ModelState {
     std::string caption;
