@@ -26,6 +26,10 @@ constexpr QLatin1String kFolderPattern("pictorel-??????"); // as mkdtemp fills i
 constexpr QLatin1String kLockName("lock");
 constexpr QLatin1String kUnbornLockName("lock.new");
 
+// The installed layout as the build knows it, from the folder of the programs: "../share/pictorel" and so on.
+constexpr QLatin1String kDataFromPrograms(PICTOREL_DATA_FROM_PROGRAMS);
+constexpr QLatin1String kHelpersFromPrograms(PICTOREL_HELPERS_FROM_PROGRAMS);
+
 int OpenLock(const QString& folder, const QString& name, int flags) {
     return ::open(QFile::encodeName(folder + u'/' + name).constData(),
                   O_RDWR | O_CLOEXEC | O_NOFOLLOW | flags, S_IRUSR | S_IWUSR);
@@ -82,7 +86,21 @@ void SweepAbandonedFolders(const QString& root) {
 } // namespace
 
 QString ApplicationFolder() {
-    return QCoreApplication::applicationDirPath();
+    return ApplicationFolderOf(QCoreApplication::applicationDirPath());
+}
+
+QString HelperProgram(const QString& name) {
+    return HelperProgramOf(QCoreApplication::applicationDirPath(), name);
+}
+
+QString ApplicationFolderOf(const QString& programFolder) {
+    const QString installed = QDir::cleanPath(programFolder + u'/' + kDataFromPrograms);
+    return QFileInfo(installed).isDir() ? installed : programFolder;
+}
+
+QString HelperProgramOf(const QString& programFolder, const QString& name) {
+    const QString installed = QDir::cleanPath(programFolder + u'/' + kHelpersFromPrograms + u'/' + name);
+    return QFileInfo(installed).isExecutable() ? installed : programFolder + u'/' + name;
 }
 
 QString PlatformPath(const QString& path) {
