@@ -123,8 +123,16 @@ constexpr std::array kHidden{
 };
 
 constexpr std::array kResizePage{
-    ControlRow{"GroupBox_Resize", 0, GroupBox, "Resizer_Resize", InPixels(12, 8, 304, 88),
-               "Size setting summary", "", true, {}, "Size setting summary"},
+    ControlRow{"GroupBox_Resize",
+               0,
+               GroupBox,
+               "Resizer_Resize",
+               InPixels(12, 8, 304, 88),
+               "Size setting summary",
+               "",
+               true,
+               {},
+               "Size setting summary"},
     ControlRow{"lbl_Resize", 0, Label, "GroupBox_Resize", InPixels(124, 28, 172, 24), "0 x 0 pixels"},
     ControlRow{"lbl_Resize", 1, Label, "GroupBox_Resize", InPixels(124, 54, 172, 24), "0 x 0 pixels"},
     ControlRow{"RadioButton_Resize", 0, RadioButton, "Resizer_Resize", InPixels(12, 108, 304, 22),

@@ -120,7 +120,7 @@ void frmMain::MakeDisplay() {
 
 void frmMain::MakeCommands() {
     const MainControls& c = controls_;
-    imageTwain_ = std::make_unique<ScannerProcess>(ApplicationFolder() + QStringLiteral("/pictorel_scanner"));
+    imageTwain_ = std::make_unique<ScannerProcess>(HelperProgram(QStringLiteral("pictorel_scanner")));
     imagePaint_ = std::make_unique<PicturePrinter>(this, [this] { return editor_.Document.PictureName; });
     fileCommands_ = std::make_unique<FileCommands>(
         editor_, FileCommandControls{c.Cmd_Panel, CDialog_Open_},

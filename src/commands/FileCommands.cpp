@@ -18,14 +18,22 @@ constexpr unsigned kOpenFlags = 0x1204; // file must exist, several may be selec
 constexpr unsigned kSaveFlags = 0x802;  // path must exist, ask before overwriting
 constexpr int kMaximumNameLength = 32000;
 
-void PrepareDialog(CommonDialog& dialog, std::string_view filter, unsigned flags, const QString& folder) {
+void PrepareDialog(CommonDialog& dialog, const QString& filter, unsigned flags, const QString& folder) {
     dialog.FilterIndex = 1;
-    dialog.Filter = FromView(filter);
+    dialog.Filter = filter;
     dialog.Flags = flags;
     dialog.MaxFileSize = kMaximumNameLength;
     dialog.CancelError = false;
     dialog.FileName.clear();
     dialog.InitDir = folder;
+}
+
+// The first entry finds today's formats too, and one of their own follows the others.
+QString OpenFilter() {
+    QString filter = FromView(kOpenFilter);
+    const qsizetype endOfFirst = filter.indexOf(u'|', filter.indexOf(u'|') + 1);
+    filter.insert(endOfFirst, QStringLiteral(";") + FromView(kModernPatterns));
+    return filter + FromView(kModernFilter);
 }
 
 } // namespace
@@ -71,7 +79,7 @@ bool FileCommands::OrShowError(const std::function<bool()>& routine) {
 bool FileCommands::OpenImageDialog() {
     return OrShowError([this] {
         CommonDialog& dialog = controls_.CDialog_Open;
-        PrepareDialog(dialog, kOpenFilter, kOpenFlags, editor_.Document.OpenDialogFolder);
+        PrepareDialog(dialog, OpenFilter(), kOpenFlags, editor_.Document.OpenDialogFolder);
         dialog.ShowOpen();
         const Editor::Command command(editor_);
         return !dialog.FileName.isEmpty() && editor_.Files.OpenImageFile(kSlot, dialog.FileName);
@@ -81,7 +89,7 @@ bool FileCommands::OpenImageDialog() {
 bool FileCommands::SaveImageDialog() {
     return OrShowError([this] {
         CommonDialog& dialog = controls_.CDialog_Open;
-        PrepareDialog(dialog, kSaveFilter, kSaveFlags, editor_.Document.SaveDialogFolder);
+        PrepareDialog(dialog, FromView(kSaveFilter), kSaveFlags, editor_.Document.SaveDialogFolder);
         dialog.ShowSave();
         const Editor::Command command(editor_);
         return !dialog.FileName.isEmpty() && editor_.Files.SaveImageFileAs(kSlot, dialog.FileName);

@@ -5,13 +5,13 @@
 
 namespace pictorel {
 
-// The folder that holds the editor's pictures ("pics") and its skin, without a trailing separator: where it is
-// installed, share/pictorel beside the folder of the program, wherever that prefix has been moved to; in a build
-// folder, which has them beside the program, the program's own.
+// The folder that holds the editor's pictures ("pics") and its skin, without a trailing separator: where it
+// is installed, share/pictorel beside the folder of the program, wherever that prefix has been moved to; in a
+// build folder, which has them beside the program, the program's own.
 QString ApplicationFolder();
 
-// The path of a program that the editor starts, such as "pictorel_scanner": libexec/pictorel where the editor is
-// installed, beside the editor otherwise. It need not exist.
+// The path of a program that the editor starts, such as "pictorel_scanner": libexec/pictorel where the editor
+// is installed, beside the editor otherwise. It need not exist.
 QString HelperProgram(const QString& name);
 
 // The same two for an editor whose program stands in `programFolder`.

@@ -29,8 +29,8 @@ class ZoomScroll {
   public:
     ZoomScroll(Editor& editor, ImageView& view, ZoomScrollControls controls);
 
-    // Scroll bars to view: the view's centre follows a bar that was moved. Along an axis whose bar was not, it
-    // stays where it is, also further out than the bars reach.
+    // Scroll bars to view: the view's centre follows a bar that was moved. Along an axis whose bar was not,
+    // it stays where it is, also further out than the bars reach.
     void ScrollImageView(PictureSlot slot);
     void UpdateZoomView(PictureSlot slot); // view to controls
 

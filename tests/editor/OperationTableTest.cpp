@@ -6,8 +6,8 @@
 #include "picture/engine/Geometry.h"
 #include "picture/engine/PointOperations.h"
 #include "picture/engine/Stylize.h"
-#include "support/Pictures.h"
 #include "platform/Numbers.h"
+#include "support/Pictures.h"
 
 #include <gtest/gtest.h>
 

@@ -209,43 +209,28 @@ TEST_F(PictureViewTest, ADoubleClickGoesToActualSizeAndBack) {
     EXPECT_EQ(changes_, 2);
 }
 
-TEST_F(PictureViewTest, CopyAsShownGivesTheVisiblePartAndItsReduction) {
-    PixelArray picture = MakeNoise(2000, 1000);
-    picture.SetReduction(0.25);
-    view_.Show(picture);
+TEST_F(PictureViewTest, PartShownIsTheVisiblePart) {
+    view_.Show(MakeNoise(2000, 1000));
     view_.Fit();
-    EXPECT_TRUE(view_.CopyAsShown().SharesPixelsWith(picture));
+    EXPECT_EQ(view_.PartShown().width, 2000);
+    EXPECT_EQ(view_.PartShown().height, 1000);
 
     view_.SetZoom(4.0);
     view_.SetCentreX(1000.0);
     view_.SetCentreY(10.0);
-    const PixelArray part = view_.CopyAsShown();
+    const ShownPart part = view_.PartShown();
     const int width = static_cast<int>(100 * ratio_); // 400 x 300 in widget pixels
     const int above = static_cast<int>(std::ceil(37.5 * ratio_));
-    EXPECT_NEAR(part.Width(), width, 1);
-    EXPECT_EQ(part.Height(), 10 + above);
-    EXPECT_EQ(part.Reduction(), 0.25);
-    EXPECT_EQ(PixelAt(part, 0, 3), PixelAt(picture, 1000 - (width + 1) / 2, 3));
+    EXPECT_EQ(part.zoom, 4.0);
+    EXPECT_NEAR(part.width, width, 1);
+    EXPECT_EQ(part.left, 1000 - (width + 1) / 2);
+    EXPECT_EQ(part.top, 0);
+    EXPECT_EQ(part.height, 10 + above);
 
     view_.SetCentreX(-1e9);
-    EXPECT_EQ(view_.CopyAsShown().Width(), 1);
+    EXPECT_EQ(view_.PartShown().width, 1);
     view_.Show(PixelArray());
-    EXPECT_TRUE(view_.CopyAsShown().IsEmpty());
-}
-
-TEST_F(PictureViewTest, TheSecondPlaneBecomesTheAlphaOfThePicture) {
-    const PixelArray picture = MakePicture(50, 40, [](int, int) { return Pixel{0xff40ff80}; });
-    view_.Show(picture);
-    view_.ShowSecondPlane(MakePicture(
-        50, 40, [](int, int) { return Pixel{0x00123456}; }, true));
-    const QRgb middle = Painted().pixel(static_cast<int>(200 * ratio_), static_cast<int>(150 * ratio_));
-    EXPECT_EQ(qRed(middle), qGreen(middle)) << "only the chequerboard is seen";
-    EXPECT_EQ(PixelAt(view_.CopyAsShown(), 7, 7), 0x0040ff80u);
-    EXPECT_EQ(PixelAt(picture, 7, 7), 0xff40ff80u) << "the caller's picture is its own";
-    view_.ShowSecondPlane(picture);
-    EXPECT_FALSE(view_.CopyAsShown().HasAlpha());
-    EXPECT_EQ(PixelAt(view_.CopyAsShown(), 7, 7), 0xff40ff80u);
-    EXPECT_THROW(view_.ShowSecondPlane(MakeNoise(40, 50, true)), ImagingError);
+    EXPECT_EQ(view_.PartShown().width, 0);
 }
 
 TEST_F(PictureViewTest, RedrawOffKeepsTheOldPaintingUntilItIsOnAgain) {
