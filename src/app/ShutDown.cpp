@@ -16,6 +16,8 @@ namespace {
 // The number of nested event loops while no handler runs one of its own, once the window is on the screen.
 constexpr int kMainLoopOnly = 1;
 
+constexpr int kAnswerHolds = 30'000; // milliseconds
+
 // Closes what lies over the window and is waited for; false where nothing does.
 bool CloseTopmostOverlay() {
     if (QWidget* const popup = QApplication::activePopupWidget()) {
@@ -88,7 +90,8 @@ void ShutDown::GoOn() {
 }
 
 bool ShutDown::Form_QueryUnload() {
-    const bool answered = answeredForSession_.SharesPixelsWith(parts_.editor.Document.ImagePixels);
+    const bool answered = answeredForSession_.SharesPixelsWith(parts_.editor.Document.ImagePixels) &&
+                          sinceAnswer_.elapsed() < kAnswerHolds;
     answeredForSession_ = PixelArray();
     if (answered) {
         return true;
@@ -120,6 +123,7 @@ bool ShutDown::SessionMayEnd(bool mayAsk) {
         return false;
     }
     answeredForSession_ = parts_.editor.Document.ImagePixels;
+    sinceAnswer_.start();
     return true;
 }
 

@@ -11,6 +11,7 @@
 #include "notices/Popup_Mod.h"
 #include "panels/PreviewWindow.h"
 
+#include <QElapsedTimer>
 #include <QWidget>
 
 class QCloseEvent;
@@ -43,7 +44,7 @@ class ShutDown {
     // request.
     void RequestEnd();
 
-    // The session ends. False keeps it. The answer holds for the close that follows, unless the picture is
+    // The session ends. False keeps it. The answer holds for a close that follows soon, unless the picture is
     // edited in between; where nobody may be asked, the session ends.
     bool SessionMayEnd(bool mayAsk);
 
@@ -58,8 +59,8 @@ class ShutDown {
     bool endRequested_ = false;
     bool isMoment_ = false; // the window may close now
     bool asking_ = false;   // the question, or its Save dialog, is open
-    PixelArray
-        answeredForSession_; // the picture for which the session's question was answered, until it goes on
+    PixelArray answeredForSession_; // the picture for which the session's question was answered ...
+    QElapsedTimer sinceAnswer_;     // ... and when: a log-out that was called off silences no later close
     Events events_;
 };
 

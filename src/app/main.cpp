@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QFont>
 #include <QIcon>
+#include <QSettings>
 #include <QStyleFactory>
 
 #include <array>
@@ -54,6 +55,8 @@ int main(int argumentCount, char* arguments[]) {
     termination.SetHandler([&window] { window->End().RequestEnd(); });
     // Where the display is lost, the process ends inside Qt by std::exit, past the window; statics still go.
     static const RemovedAtExit workingFiles{window->Document().WorkingFolder};
+    // The editor keeps no settings: what the toolkit's dialogs would remember goes with the working files.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, window->Document().GetTempFolder());
     switch (window->Start().Form_Load(commandLine)) {
         case pictorel::StartResult::HomePage:
             return pictorel::kHomePageExitCode;
