@@ -1,0 +1,40 @@
+// The memory that the editor gives for one picture: rows are decoded straight into it.
+#pragma once
+
+#include "programs/decoder/DecoderMessages.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+
+namespace pictorel::decoder {
+
+class SharedMemory {
+  public:
+    // Maps the memory behind the descriptor, which stays open no longer than that. Throws
+    // ImagingError(OutOfMemory).
+    SharedMemory(int descriptor, std::int64_t bytes);
+    ~SharedMemory();
+    SharedMemory(const SharedMemory&) = delete;
+    SharedMemory& operator=(const SharedMemory&) = delete;
+
+    // A block for the pixels of a large picture, from ordinary memory where it is small or no room is left. What
+    // is let go of costs no memory any longer. Safe to use from several threads.
+    std::shared_ptr<std::uint8_t> TakePixels(std::size_t bytes);
+
+    // Where rows lie that may be in here already; otherwise they are copied. Throws ImagingError(OutOfMemory).
+    Part Place(std::span<const std::uint8_t> bytes);
+
+  private:
+    std::uint8_t* Take(std::size_t bytes, std::size_t alignment) noexcept; // null where there is no room
+    void GiveBack(std::uint8_t* address, std::size_t bytes) noexcept;
+
+    std::mutex mutex_;
+    std::uint8_t* begin_ = nullptr;
+    std::size_t size_ = 0;
+    std::size_t used_ = 0;
+};
+
+} // namespace pictorel::decoder
