@@ -76,18 +76,38 @@ std::string PlainText(const std::array<char, 256>& text) {
 
 } // namespace
 
-DecoderProcess::DecoderProcess(std::string program, std::chrono::milliseconds patience)
-    : program_(std::move(program)), patience_(patience), plain_(NewRoom(false)) {}
+// Starts the program for the next picture when this one is over, however it ended, and sees the last one off.
+class DecoderProcess::Change {
+  public:
+    Change(DecoderProcess& owner, Room& waiting, bool withFonts, Room& leaving)
+        : owner_(owner), waiting_(waiting), withFonts_(withFonts), leaving_(leaving) {}
+    ~Change() {
+        try {
+            waiting_ = std::make_unique<DecoderRoom>(owner_.program_, withFonts_);
+            owner_.leaving_ = std::jthread([room = std::move(leaving_)] {});
+        } catch (const std::exception&) {
+            // It is started when it is needed, and seen off by its owner.
+        }
+    }
+    Change(const Change&) = delete;
+    Change& operator=(const Change&) = delete;
 
-DecoderProcess::Room DecoderProcess::NewRoom(bool withFonts) const {
-    return std::make_unique<DecoderRoom>(program_, withFonts);
-}
+  private:
+    DecoderProcess& owner_;
+    Room& waiting_;
+    bool withFonts_;
+    Room& leaving_;
+};
+
+DecoderProcess::DecoderProcess(std::string program, std::chrono::milliseconds patience)
+    : program_(std::move(program)), patience_(patience),
+      plain_(std::make_unique<DecoderRoom>(program_, false)) {}
 
 // One that runs; the one that waits may have been ended by somebody.
-DecoderProcess::Room DecoderProcess::TakeRoom(Room& waiting, bool withFonts) {
+DecoderProcess::Room DecoderProcess::TakeRoom(Room& waiting, bool withFonts) const {
     Room room = std::exchange(waiting, nullptr);
     if (room == nullptr || !room->IsRunning()) {
-        room = NewRoom(withFonts);
+        room = std::make_unique<DecoderRoom>(program_, withFonts);
     }
     return room;
 }
@@ -108,7 +128,7 @@ DecoderProcess::Decoded DecoderProcess::DecodeIn(Room& waiting, bool withFonts, 
         isBrokenOff = keepWaiting_ && !keepWaiting_();
         return !isBrokenOff;
     };
-    const Room room = TakeRoom(waiting, withFonts);
+    Room room = TakeRoom(waiting, withFonts);
     if (!room->Walls(keepWaiting)) {
         if (isBrokenOff) {
             ThrowBrokenOff();
@@ -117,7 +137,8 @@ DecoderProcess::Decoded DecoderProcess::DecodeIn(Room& waiting, bool withFonts, 
     }
     AnswerMemory memory(std::min(MemoryToSpare() / 2, kMostShared));
     const auto answer = Ask(*room, file, memory);
-    waiting = NewRoom(withFonts);
+    room->End(); // it has no hand on the picture any longer
+    const Change change(*this, waiting, withFonts, room);
     if (!answer) {
         ThrowBrokenOff();
     }
@@ -145,7 +166,7 @@ std::optional<PixelArray> DecoderProcess::Decode(const std::string& fileName) {
 DecoderProcess::WallReport DecoderProcess::Walls() {
     WallReport report;
     if (plain_ == nullptr || !plain_->IsRunning()) {
-        plain_ = NewRoom(false);
+        plain_ = std::make_unique<DecoderRoom>(program_, false);
     }
     if (const auto walls = plain_->Walls(keepWaiting_)) {
         for (const decoder::WallName& row : decoder::kWallNames) {

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace pictorel {
@@ -52,8 +53,8 @@ class DecoderProcess : public PictureDecoder {
         PixelArray picture;
     };
 
-    Room NewRoom(bool withFonts) const;
-    Room TakeRoom(Room& waiting, bool withFonts);
+    class Change;
+    Room TakeRoom(Room& waiting, bool withFonts) const;
     Decoded DecodeIn(Room& waiting, bool withFonts, const OpenFile& file);
     std::optional<decoder::Answer> Ask(DecoderRoom& room, const OpenFile& file,
                                        const AnswerMemory& memory) const;
@@ -63,6 +64,7 @@ class DecoderProcess : public PictureDecoder {
     KeepWaiting keepWaiting_;
     Room plain_;    // waiting for its picture
     Room drawings_; // the same; null until a drawing came
+    std::jthread leaving_; // waits until the last program is gone, which gives its memory back meanwhile
 };
 
 } // namespace pictorel

@@ -84,10 +84,16 @@ DecoderRoom::DecoderRoom(const std::string& program, bool withFonts) {
 }
 
 DecoderRoom::~DecoderRoom() {
+    End();
     if (process_ > 0) {
-        ::kill(process_, SIGKILL);
         while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
         }
+    }
+}
+
+void DecoderRoom::End() noexcept {
+    if (process_ > 0) {
+        ::kill(process_, SIGKILL);
     }
 }
 

@@ -27,11 +27,14 @@ class DecoderRoom {
     // Starts the program, which makes itself ready meanwhile. The program ends when the thread that made this
     // object does.
     DecoderRoom(const std::string& program, bool withFonts);
-    ~DecoderRoom(); // ends the program, whatever it does
+    ~DecoderRoom(); // waits until the program is gone
     DecoderRoom(const DecoderRoom&) = delete;
     DecoderRoom& operator=(const DecoderRoom&) = delete;
 
     bool IsRunning() noexcept;
+
+    // Ends the program, whatever it does. Nothing of it runs any longer; what it held goes meanwhile.
+    void End() noexcept;
 
     // The walls that stand around it (bits of programs/decoder/Walls.h); nothing where it did not get so far.
     std::optional<std::uint32_t> Walls(const KeepWaiting& keepWaiting);

@@ -1,6 +1,7 @@
 // Taking a picture out of the decoder's memory, see ReceivedPicture.h.
 #include "editor/decoding/ReceivedPicture.h"
 
+#include "picture/ForEachBand.h"
 #include "picture/ImagingError.h"
 
 #include <fcntl.h>
@@ -66,6 +67,12 @@ std::shared_ptr<std::uint8_t> Map(int descriptor, const decoder::Part& part) {
         ThrowOutOfMemory();
     }
     ::madvise(aligned, bytes, MADV_HUGEPAGE);
+    // All at once, and by all cores, costs less than page by page. Only advice, to kernels that take it.
+    ForEachBand(static_cast<int>((bytes + border - 1) / border), border, [=](int firstPage, int endPage) {
+        const std::size_t begin = static_cast<std::size_t>(firstPage) * border;
+        const std::size_t end = std::min(static_cast<std::size_t>(endPage) * border, bytes);
+        ::madvise(aligned + begin, end - begin, MADV_POPULATE_READ);
+    });
     return view;
 }
 
@@ -113,7 +120,7 @@ void AnswerMemory::Seal(const decoder::Answer& answer) const {
     if (::ftruncate(descriptor_.Number(), std::min(end, bytes_)) != 0) {
         ThrowRefused();
     }
-    if (::fcntl(descriptor_.Number(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_WRITE | F_SEAL_SEAL) != 0) {
+    if (::fcntl(descriptor_.Number(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_FUTURE_WRITE | F_SEAL_SEAL) != 0) {
         ThrowRefused();
     }
 }

@@ -129,7 +129,6 @@ Answer AnswerTo(const GivenRequest& given, const codecs::CodecTable& formats, bo
         if (codec == nullptr) {
             return Refused(ImagingFailure::UnsupportedFormat, "This is no picture of a known format.");
         }
-        // The last to go, and gone before the answer: nothing of this program may change the pixels then.
         SharedMemory memory(given.memory, given.request.memoryBytes);
         SetPictureBufferSource([&memory](std::size_t bytes) { return memory.TakePixels(bytes); });
         return Decoded(codec->read(file, {}), memory);

@@ -8,12 +8,14 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <system_error>
 
 namespace pictorel::decoder {
 namespace {
 
 constexpr std::size_t kLargePage = static_cast<std::size_t>(kPixelAlignment);
 constexpr std::size_t kSmallPicture = std::size_t{1} << 20; // copied at the end sooner than pages are mapped
+constexpr std::size_t kWorthAThread = 4 * kLargePage;
 constexpr std::size_t kSmallPart = 64;
 
 std::size_t RoundUp(std::size_t bytes, std::size_t unit) {
@@ -40,6 +42,30 @@ std::uint8_t* MapAligned(int descriptor, std::size_t bytes) {
 
 } // namespace
 
+void PageMaker::Start(std::uint8_t* address, std::size_t bytes) {
+    Stop();
+    isStopped_ = false;
+    try {
+        thread_ = std::thread([this, address, bytes] {
+            // In steps, so that it can be stopped. Older kernels cannot, and pages come one by one.
+            for (std::size_t done = 0; done < bytes && !isStopped_; done += kLargePage) {
+                if (::madvise(address + done, kLargePage, MADV_POPULATE_WRITE) != 0) {
+                    return;
+                }
+            }
+        });
+    } catch (const std::system_error&) {
+        // Pages come one by one.
+    }
+}
+
+void PageMaker::Stop() {
+    isStopped_ = true;
+    if (thread_.joinable()) {
+        thread_.join();
+    }
+}
+
 SharedMemory::SharedMemory(int descriptor, std::int64_t bytes)
     : begin_(MapAligned(descriptor, static_cast<std::size_t>(bytes))), size_(static_cast<std::size_t>(bytes)) {
     ::close(descriptor);
@@ -47,10 +73,6 @@ SharedMemory::SharedMemory(int descriptor, std::int64_t bytes)
         ThrowOutOfMemory();
     }
     ::madvise(begin_, size_, MADV_HUGEPAGE);
-}
-
-SharedMemory::~SharedMemory() {
-    ::munmap(begin_, size_);
 }
 
 std::uint8_t* SharedMemory::Take(std::size_t bytes, std::size_t alignment) noexcept {
@@ -65,6 +87,9 @@ std::uint8_t* SharedMemory::Take(std::size_t bytes, std::size_t alignment) noexc
 
 void SharedMemory::GiveBack(std::uint8_t* address, std::size_t bytes) noexcept {
     const std::lock_guard lock(mutex_);
+    if (address == inTheMaking_) {
+        pages_.Stop();
+    }
     if (address + bytes == begin_ + used_) {
         used_ -= bytes; // the next one takes these pages as they are
     } else {
@@ -77,6 +102,11 @@ std::shared_ptr<std::uint8_t> SharedMemory::TakePixels(std::size_t bytes) {
     std::uint8_t* const address = bytes < kSmallPicture ? nullptr : Take(room, kLargePage);
     if (address == nullptr) {
         return TakeBuffer(bytes);
+    }
+    if (room >= kWorthAThread) {
+        const std::lock_guard lock(mutex_);
+        inTheMaking_ = address;
+        pages_.Start(address, room);
     }
     return {address, [this, room](std::uint8_t* p) { GiveBack(p, room); }};
 }

@@ -3,20 +3,36 @@
 
 #include "programs/decoder/DecoderMessages.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <span>
+#include <thread>
 
 namespace pictorel::decoder {
+
+// Has pages made for a stretch of memory, from its beginning on, on another processor while the first rows are
+// decoded: where the system has no large pages for shared memory, making small ones takes as long as a quarter
+// of the decoding.
+class PageMaker {
+  public:
+    ~PageMaker() { Stop(); }
+    void Start(std::uint8_t* address, std::size_t bytes);
+    void Stop();
+
+  private:
+    std::atomic<bool> isStopped_ = false;
+    std::thread thread_;
+};
 
 class SharedMemory {
   public:
     // Maps the memory behind the descriptor, which stays open no longer than that. Throws
     // ImagingError(OutOfMemory).
     SharedMemory(int descriptor, std::int64_t bytes);
-    ~SharedMemory();
+    ~SharedMemory() = default; // the memory stays mapped until the program ends, which is soon
     SharedMemory(const SharedMemory&) = delete;
     SharedMemory& operator=(const SharedMemory&) = delete;
 
@@ -35,6 +51,8 @@ class SharedMemory {
     std::uint8_t* begin_ = nullptr;
     std::size_t size_ = 0;
     std::size_t used_ = 0;
+    const std::uint8_t* inTheMaking_ = nullptr; // the block that pages are made for
+    PageMaker pages_;
 };
 
 } // namespace pictorel::decoder
