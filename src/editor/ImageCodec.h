@@ -15,7 +15,7 @@ class ImageCodec {
 
     // 8; decides by content, never by extension. False, with `picture` empty, when the file cannot be opened
     // or is no picture that this editor reads. Throws ImagingError where it is one but cannot be had
-    // (OutOfMemory).
+    // (OutOfMemory; FileAccess where the program that decodes it safely does not start).
     virtual bool Read(const std::string& fileName, PixelArray& picture) = 0;
 
     // 13 BMP, 14 GIF, 15 JPG, 16 PNG, 17 TIF, 18 WMF, 19 EMF, 20 PCX, 21 TGA, 22 RAS, 23 J2K: the writer is

@@ -6,36 +6,62 @@
 #include "picture/BufferPool.h"
 #include "picture/ImagingError.h"
 #include "picture/codecs/jpeg/JpegCodec.h"
+#include "picture/codecs/png/Png.h"
 
 #include <new>
 #include <utility>
 
 namespace pictorel {
 
-PictureFileCodec::PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
-                                   codecs::CodecTable formats)
-    : isWorkingFile_(std::move(isWorkingFile)), memory_(std::move(memory)), formats_(std::move(formats)) {}
+namespace {
 
-bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
-    picture = PixelArray();
+bool IsReadHere(const codecs::Codec& codec) {
+    return codec.read == codecs::ReadJpeg || codec.read == codecs::ReadPng;
+}
+
+} // namespace
+
+PictureFileCodec::PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
+                                   codecs::CodecTable formats, std::shared_ptr<PictureDecoder> decoder)
+    : isWorkingFile_(std::move(isWorkingFile)), memory_(std::move(memory)), formats_(std::move(formats)),
+      decoder_(std::move(decoder)) {}
+
+bool PictureFileCodec::ReadAny(const std::string& fileName, PixelArray& picture) const {
+    const bool working = isWorkingFile_(fileName);
+    const bool isStrange = decoder_ != nullptr && !working;
+    if (isStrange) {
+        if (auto decoded = decoder_->Decode(fileName)) {
+            picture = *std::move(decoded);
+            return true;
+        }
+    }
     const auto bytes = ReadWholeFile(fileName);
     const codecs::Codec* const codec = bytes ? formats_.FindByContent(*bytes) : nullptr;
     if (codec == nullptr) {
         return false;
     }
-    try {
-        const bool working = isWorkingFile_(fileName);
-        picture = codec->read(*bytes, {working});
-        if (working) {
-            if (const auto finer = memory_->FinerOf(fileName)) {
-                finer->Ordinary(); // so that the first change of a slider need not wait for it
-                picture.SetFiner(finer);
-            }
-            memory_->Remember(fileName, picture);
+    if (isStrange && !IsReadHere(*codec)) {
+        throw ImagingError(ImagingFailure::FileAccess,
+                           "The program pictorel_decoder does not start, and without it only JPEG and PNG files "
+                           "can be opened safely.");
+    }
+    picture = codec->read(*bytes, {working});
+    if (working) {
+        if (const auto finer = memory_->FinerOf(fileName)) {
+            finer->Ordinary(); // so that the first change of a slider need not wait for it
+            picture.SetFiner(finer);
         }
-        return true;
+        memory_->Remember(fileName, picture);
+    }
+    return true;
+}
+
+bool PictureFileCodec::Read(const std::string& fileName, PixelArray& picture) {
+    picture = PixelArray();
+    try {
+        return ReadAny(fileName, picture);
     } catch (const ImagingError& error) {
-        if (error.Kind() == ImagingFailure::OutOfMemory) {
+        if (error.Kind() == ImagingFailure::OutOfMemory || error.Kind() == ImagingFailure::FileAccess) {
             throw;
         }
         return false;

@@ -31,10 +31,10 @@ OpenFile Open(const std::string& fileName) {
     OpenFile file{Descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))};
     struct stat status {};
     if (!file.descriptor.IsOpen() || ::fstat(file.descriptor.Number(), &status) != 0) {
-        throw ImagingError(ImagingFailure::FileAccess, "The file " + fileName + " could not be opened.");
+        throw ImagingError(ImagingFailure::UnsupportedFormat, "The file " + fileName + " could not be opened.");
     }
     if (!S_ISREG(status.st_mode) || status.st_size > kLargestFile) {
-        throw ImagingError(ImagingFailure::FileAccess, fileName + " is no picture file.");
+        throw ImagingError(ImagingFailure::UnsupportedFormat, fileName + " is no picture file.");
     }
     file.bytes = status.st_size;
     return file;
@@ -65,8 +65,7 @@ std::string PlainText(const std::array<char, 256>& text) {
 }
 
 [[noreturn]] void ThrowRefusal(const decoder::Answer& answer) {
-    for (const auto kind :
-         {ImagingFailure::TooLarge, ImagingFailure::OutOfMemory, ImagingFailure::FileAccess}) {
+    for (const auto kind : {ImagingFailure::TooLarge, ImagingFailure::OutOfMemory}) {
         if (answer.failure == static_cast<std::uint32_t>(kind)) {
             throw ImagingError(kind, PlainText(answer.text));
         }

@@ -13,7 +13,8 @@ class PictureDecoder {
     virtual ~PictureDecoder() = default;
 
     // The picture in a file, by content; nothing where this decoder cannot work at all on this machine. Throws
-    // ImagingError that says why it is refused (FileAccess, UnsupportedFormat, TooLarge, OutOfMemory).
+    // ImagingError that says why it is refused: UnsupportedFormat (where the file cannot be read, too), TooLarge,
+    // OutOfMemory.
     virtual std::optional<PixelArray> Decode(const std::string& fileName) = 0;
 };
 
