@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::int64_t kSmallPage = 4096;
 constexpr std::int64_t kSmallPicture = std::int64_t{1} << 20; // copied rather than mapped
-constexpr double kFinestResolution = 1e6;                     // pixels an inch
 
 [[noreturn]] void ThrowRefused() {
     throw ImagingError(ImagingFailure::UnsupportedFormat, "The file could not be decoded.");
@@ -32,7 +31,7 @@ std::int64_t RowsBytes(const decoder::Answer& answer) {
 }
 
 bool IsResolution(double perInch) {
-    return std::isfinite(perInch) && perInch >= 0 && perInch <= kFinestResolution;
+    return std::isfinite(perInch) && perInch >= 0;
 }
 
 void ReadAll(int descriptor, std::uint8_t* target, const decoder::Part& part) {

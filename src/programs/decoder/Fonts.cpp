@@ -66,6 +66,7 @@ void LoadFonts() {
         qunsetenv(name);
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_NO_GLIB", "1");
     static int count = 1;
     static char name[] = "pictorel_decoder";
     static char* words[] = {name, nullptr};

@@ -25,6 +25,7 @@ constexpr std::array kAllowed{
     SCMP_SYS(futex), SCMP_SYS(set_robust_list), SCMP_SYS(rseq), SCMP_SYS(sched_yield),
     SCMP_SYS(sched_getaffinity), SCMP_SYS(gettid), SCMP_SYS(getpid), SCMP_SYS(rt_sigprocmask),
     SCMP_SYS(rt_sigreturn), SCMP_SYS(sigaltstack), SCMP_SYS(membarrier), SCMP_SYS(exit),
+    SCMP_SYS(eventfd2), // a counter that each thread of Qt's wants to have, never written to
     // time and chance
     SCMP_SYS(clock_gettime), SCMP_SYS(clock_nanosleep), SCMP_SYS(nanosleep), SCMP_SYS(gettimeofday),
     SCMP_SYS(restart_syscall), SCMP_SYS(getrandom), SCMP_SYS(getcpu),

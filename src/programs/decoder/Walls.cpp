@@ -43,7 +43,7 @@ bool LimitMemory(const WallLimits& limits) noexcept {
 }
 
 bool LimitFiles() noexcept {
-    constexpr std::uint64_t kOpenFiles = 16;
+    constexpr std::uint64_t kOpenFiles = 1024; // each thread of Qt's takes one
     const bool noCore = Limit(RLIMIT_CORE, 0);
     const bool noGrowth = Limit(RLIMIT_FSIZE, 0);
     return Limit(RLIMIT_NOFILE, kOpenFiles) && noCore && noGrowth;
