@@ -1,5 +1,5 @@
-// What the decoder's room costs: a file decoded here, through the decoder program, and, where it is a JPEG file,
-// by libjpeg-turbo on one thread; the shortest and the middle of interleaved runs, and their ratios.
+// What the decoder's room costs: a file decoded here, through the decoder program, and, where it is a JPEG
+// file, by libjpeg-turbo on one thread; the shortest and the middle of interleaved runs, and their ratios.
 // Usage: decoder_bench picture [runs].
 #include "editor/decoding/DecoderProcess.h"
 #include "picture/BufferPool.h"

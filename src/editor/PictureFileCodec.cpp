@@ -23,7 +23,9 @@ bool IsReadHere(const codecs::Codec& codec) {
 
 PictureFileCodec::PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
                                    codecs::CodecTable formats, std::shared_ptr<PictureDecoder> decoder)
-    : isWorkingFile_(std::move(isWorkingFile)), memory_(std::move(memory)), formats_(std::move(formats)),
+    : isWorkingFile_(std::move(isWorkingFile)),
+      memory_(std::move(memory)),
+      formats_(std::move(formats)),
       decoder_(std::move(decoder)) {}
 
 bool PictureFileCodec::ReadAny(const std::string& fileName, PixelArray& picture) const {
@@ -41,9 +43,10 @@ bool PictureFileCodec::ReadAny(const std::string& fileName, PixelArray& picture)
         return false;
     }
     if (isStrange && !IsReadHere(*codec)) {
-        throw ImagingError(ImagingFailure::FileAccess,
-                           "The program pictorel_decoder does not start, and without it only JPEG and PNG files "
-                           "can be opened safely.");
+        throw ImagingError(
+            ImagingFailure::FileAccess,
+            "The program pictorel_decoder does not start, and without it only JPEG and PNG files "
+            "can be opened safely.");
     }
     picture = codec->read(*bytes, {working});
     if (working) {

@@ -16,9 +16,9 @@ namespace pictorel {
 // in a private segment, which is believed in them only.
 using IsWorkingFile = std::function<bool(const std::string& fileName)>;
 
-// With a decoder, files that are not our own are read through it alone. Where it does not work on this machine,
-// JPEG and PNG are read here, since most pictures are of these kinds and their libraries the best tested; others
-// are refused.
+// With a decoder, files that are not our own are read through it alone. Where it does not work on this
+// machine, JPEG and PNG are read here, since most pictures are of these kinds and their libraries the best
+// tested; others are refused.
 class PictureFileCodec : public ImageCodec {
   public:
     PictureFileCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,

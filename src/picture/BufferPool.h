@@ -18,8 +18,8 @@ std::shared_ptr<std::uint8_t> TakeBuffer(std::size_t bytes);
 // its owners. Called from several threads.
 using PictureBufferSource = std::function<std::shared_ptr<std::uint8_t>(std::size_t bytes)>;
 
-// Has the pixels of every picture from now on come from `source`: for a program that decodes into memory which
-// it shares with another. Called once, before there are pictures.
+// Has the pixels of every picture from now on come from `source`: for a program that decodes into memory
+// which it shares with another. Called once, before there are pictures.
 void SetPictureBufferSource(PictureBufferSource source);
 
 // A block for the pixels of a picture: TakeBuffer's where no other source was set.

@@ -25,8 +25,8 @@ class PixelArray {
     // Pixels are undefined until written. Throws ImagingError (TooLarge, OutOfMemory).
     PixelArray(int width, int height);
 
-    // Over memory that is at hand: `height` rows, StrideOf(width) bytes apart, 64-byte aligned, writable while
-    // an array holds them. Throws ImagingError(TooLarge, UnsupportedFormat), as above.
+    // Over memory that is at hand: `height` rows, StrideOf(width) bytes apart, 64-byte aligned, writable
+    // while an array holds them. Throws ImagingError(TooLarge, UnsupportedFormat), as above.
     PixelArray(int width, int height, std::shared_ptr<std::uint8_t> rows);
 
     // Bytes from row to row of an array of this width.

@@ -31,7 +31,8 @@ OpenFile Open(const std::string& fileName) {
     OpenFile file{Descriptor(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))};
     struct stat status {};
     if (!file.descriptor.IsOpen() || ::fstat(file.descriptor.Number(), &status) != 0) {
-        throw ImagingError(ImagingFailure::UnsupportedFormat, "The file " + fileName + " could not be opened.");
+        throw ImagingError(ImagingFailure::UnsupportedFormat,
+                           "The file " + fileName + " could not be opened.");
     }
     if (!S_ISREG(status.st_mode) || status.st_size > kLargestFile) {
         throw ImagingError(ImagingFailure::UnsupportedFormat, fileName + " is no picture file.");
@@ -58,7 +59,8 @@ std::string PlainText(const std::array<char, 256>& text) {
     const std::string_view whole(text.data(), ::strnlen(text.data(), text.size()));
     std::string plain;
     for (const char letter : whole) {
-        const bool isPlain = letter >= ' ' && letter <= '~' && letter != '<' && letter != '>' && letter != '&';
+        const bool isPlain =
+            letter >= ' ' && letter <= '~' && letter != '<' && letter != '>' && letter != '&';
         plain += isPlain ? letter : ' ';
     }
     return plain;
@@ -99,7 +101,8 @@ class DecoderProcess::Change {
 };
 
 DecoderProcess::DecoderProcess(std::string program, std::chrono::milliseconds patience)
-    : program_(std::move(program)), patience_(patience),
+    : program_(std::move(program)),
+      patience_(patience),
       plain_(std::make_unique<DecoderRoom>(program_, false)) {}
 
 // One that runs; the one that waits may have been ended by somebody.

@@ -20,9 +20,9 @@ struct OpenFile {
     std::int64_t bytes = 0;
 };
 
-// Every picture has a run of the program to itself, so that one picture cannot touch the next; the run for the
-// next is started as soon as the last is over. Drawings take another, with the machine's fonts loaded, which is
-// started when the first drawing comes and kept ready from then on.
+// Every picture has a run of the program to itself, so that one picture cannot touch the next; the run for
+// the next is started as soon as the last is over. Drawings take another, with the machine's fonts loaded,
+// which is started when the first drawing comes and kept ready from then on.
 //
 // To be made and used in one thread, the one that lasts as long as the editor: the programs end with it.
 class DecoderProcess : public PictureDecoder {
@@ -33,8 +33,8 @@ class DecoderProcess : public PictureDecoder {
 
     std::optional<PixelArray> Decode(const std::string& fileName) override;
 
-    // Asked again and again while a picture is decoded; false ends the decoding at once, and the picture counts
-    // as refused. It may paint, but not decode another.
+    // Asked again and again while a picture is decoded; false ends the decoding at once, and the picture
+    // counts as refused. It may paint, but not decode another.
     void SetKeepWaiting(KeepWaiting keepWaiting) { keepWaiting_ = std::move(keepWaiting); }
 
     // The walls of this machine by name, those that stand and those that it lacks; neither where the program
@@ -62,8 +62,8 @@ class DecoderProcess : public PictureDecoder {
     std::string program_;
     std::chrono::milliseconds patience_;
     KeepWaiting keepWaiting_;
-    Room plain_;    // waiting for its picture
-    Room drawings_; // the same; null until a drawing came
+    Room plain_;           // waiting for its picture
+    Room drawings_;        // the same; null until a drawing came
     std::jthread leaving_; // waits until the last program is gone, which gives its memory back meanwhile
 };
 

@@ -32,8 +32,8 @@ std::array<Descriptor, 2> Connection() {
     return {Descriptor(ends[0]), Descriptor(ends[1])};
 }
 
-// How the program is started: its end of the connection in place, in a group of its own (Ctrl+C in the editor's
-// terminal asks the editor alone), no signal blocked or ignored.
+// How the program is started: its end of the connection in place, in a group of its own (Ctrl+C in the
+// editor's terminal asks the editor alone), no signal blocked or ignored.
 class StartConditions {
   public:
     explicit StartConditions(int connection) {
@@ -47,8 +47,8 @@ class StartConditions {
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
         ::sigfillset(&signals);
         ::posix_spawnattr_setsigdefault(&attributes_, &signals);
-        ::posix_spawnattr_setflags(
-            &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        ::posix_spawnattr_setflags(&attributes_,
+                                   POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
     ~StartConditions() {
         ::posix_spawnattr_destroy(&attributes_);

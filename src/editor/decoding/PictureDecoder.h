@@ -12,9 +12,9 @@ class PictureDecoder {
   public:
     virtual ~PictureDecoder() = default;
 
-    // The picture in a file, by content; nothing where this decoder cannot work at all on this machine. Throws
-    // ImagingError that says why it is refused: UnsupportedFormat (where the file cannot be read, too), TooLarge,
-    // OutOfMemory.
+    // The picture in a file, by content; nothing where this decoder cannot work at all on this machine.
+    // Throws ImagingError that says why it is refused: UnsupportedFormat (where the file cannot be read,
+    // too), TooLarge, OutOfMemory.
     virtual std::optional<PixelArray> Decode(const std::string& fileName) = 0;
 };
 

@@ -19,8 +19,8 @@ class AnswerMemory {
     std::int64_t Bytes() const noexcept { return bytes_; }
 
     // The picture of a good answer, in this memory, which nobody can change from then on. Throws
-    // ImagingError(UnsupportedFormat) where the answer does not hold together, or where the program has kept a
-    // hand on the memory; ImagingError(OutOfMemory).
+    // ImagingError(UnsupportedFormat) where the answer does not hold together, or where the program has kept
+    // a hand on the memory; ImagingError(OutOfMemory).
     PixelArray Take(const decoder::Answer& answer);
 
   private:

@@ -66,7 +66,8 @@ codecs::ByteBuffer ReadFile(int descriptor, std::int64_t bytes) {
     codecs::ByteBuffer file(static_cast<std::size_t>(bytes));
     std::size_t done = 0;
     while (done < file.size()) {
-        const ssize_t read = ::pread(descriptor, file.data() + done, file.size() - done, static_cast<off_t>(done));
+        const ssize_t read =
+            ::pread(descriptor, file.data() + done, file.size() - done, static_cast<off_t>(done));
         if (read < 0 && errno == EINTR) {
             continue;
         }

@@ -3,8 +3,8 @@
 
 namespace pictorel::decoder {
 
-// Makes this program one that can draw text, without a screen, with every font of the machine open; where there
-// are very many, with those that a few seconds allow, the common ones first.
+// Makes this program one that can draw text, without a screen, with every font of the machine open; where
+// there are very many, with those that a few seconds allow, the common ones first.
 void LoadFonts();
 
 } // namespace pictorel::decoder

@@ -67,7 +67,8 @@ void PageMaker::Stop() {
 }
 
 SharedMemory::SharedMemory(int descriptor, std::int64_t bytes)
-    : begin_(MapAligned(descriptor, static_cast<std::size_t>(bytes))), size_(static_cast<std::size_t>(bytes)) {
+    : begin_(MapAligned(descriptor, static_cast<std::size_t>(bytes))),
+      size_(static_cast<std::size_t>(bytes)) {
     ::close(descriptor);
     if (begin_ == nullptr) {
         ThrowOutOfMemory();

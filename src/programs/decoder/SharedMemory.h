@@ -13,9 +13,9 @@
 
 namespace pictorel::decoder {
 
-// Has pages made for a stretch of memory, from its beginning on, on another processor while the first rows are
-// decoded: where the system has no large pages for shared memory, making small ones takes as long as a quarter
-// of the decoding.
+// Has pages made for a stretch of memory, from its beginning on, on another processor while the first rows
+// are decoded: where the system has no large pages for shared memory, making small ones takes as long as a
+// quarter of the decoding.
 class PageMaker {
   public:
     ~PageMaker() { Stop(); }
@@ -36,11 +36,12 @@ class SharedMemory {
     SharedMemory(const SharedMemory&) = delete;
     SharedMemory& operator=(const SharedMemory&) = delete;
 
-    // A block for the pixels of a large picture, from ordinary memory where it is small or no room is left. What
-    // is let go of costs no memory any longer. Safe to use from several threads.
+    // A block for the pixels of a large picture, from ordinary memory where it is small or no room is left.
+    // What is let go of costs no memory any longer. Safe to use from several threads.
     std::shared_ptr<std::uint8_t> TakePixels(std::size_t bytes);
 
-    // Where rows lie that may be in here already; otherwise they are copied. Throws ImagingError(OutOfMemory).
+    // Where rows lie that may be in here already; otherwise they are copied. Throws
+    // ImagingError(OutOfMemory).
     Part Place(std::span<const std::uint8_t> bytes);
 
   private:

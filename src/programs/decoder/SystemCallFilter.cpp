@@ -1,6 +1,7 @@
 // The wall of system calls, see SystemCallFilter.h.
 #include "programs/decoder/SystemCallFilter.h"
 
+#include <sched.h>
 #include <seccomp.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -10,7 +11,6 @@
 #include <csignal>
 #include <cstdint>
 #include <memory>
-#include <sched.h>
 
 namespace pictorel::decoder {
 namespace {
@@ -18,17 +18,36 @@ namespace {
 // Without conditions. None of them names a path, another process or a network.
 constexpr std::array kAllowed{
     // reading what is open, and letting go of it
-    SCMP_SYS(read), SCMP_SYS(pread64), SCMP_SYS(close),
+    SCMP_SYS(read),
+    SCMP_SYS(pread64),
+    SCMP_SYS(close),
     // memory
-    SCMP_SYS(brk), SCMP_SYS(munmap), SCMP_SYS(mremap), SCMP_SYS(madvise),
+    SCMP_SYS(brk),
+    SCMP_SYS(munmap),
+    SCMP_SYS(mremap),
+    SCMP_SYS(madvise),
     // threads
-    SCMP_SYS(futex), SCMP_SYS(set_robust_list), SCMP_SYS(rseq), SCMP_SYS(sched_yield),
-    SCMP_SYS(sched_getaffinity), SCMP_SYS(gettid), SCMP_SYS(getpid), SCMP_SYS(rt_sigprocmask),
-    SCMP_SYS(rt_sigreturn), SCMP_SYS(sigaltstack), SCMP_SYS(membarrier), SCMP_SYS(exit),
+    SCMP_SYS(futex),
+    SCMP_SYS(set_robust_list),
+    SCMP_SYS(rseq),
+    SCMP_SYS(sched_yield),
+    SCMP_SYS(sched_getaffinity),
+    SCMP_SYS(gettid),
+    SCMP_SYS(getpid),
+    SCMP_SYS(rt_sigprocmask),
+    SCMP_SYS(rt_sigreturn),
+    SCMP_SYS(sigaltstack),
+    SCMP_SYS(membarrier),
+    SCMP_SYS(exit),
     SCMP_SYS(eventfd2), // a counter that each thread of Qt's wants to have, never written to
     // time and chance
-    SCMP_SYS(clock_gettime), SCMP_SYS(clock_nanosleep), SCMP_SYS(nanosleep), SCMP_SYS(gettimeofday),
-    SCMP_SYS(restart_syscall), SCMP_SYS(getrandom), SCMP_SYS(getcpu),
+    SCMP_SYS(clock_gettime),
+    SCMP_SYS(clock_nanosleep),
+    SCMP_SYS(nanosleep),
+    SCMP_SYS(gettimeofday),
+    SCMP_SYS(restart_syscall),
+    SCMP_SYS(getrandom),
+    SCMP_SYS(getcpu),
     // the end
     SCMP_SYS(exit_group),
 };

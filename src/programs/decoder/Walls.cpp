@@ -34,10 +34,10 @@ bool LimitMemory(const WallLimits& limits) noexcept {
     static_cast<void>(limits);
     return false;
 #else
-    const std::uint64_t memory =
-        limits.memoryBytes != 0 ? limits.memoryBytes
-                                : static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES)) *
-                                      static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+    const std::uint64_t memory = limits.memoryBytes != 0
+                                     ? limits.memoryBytes
+                                     : static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES)) *
+                                           static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
     return Limit(RLIMIT_DATA, memory) && Limit(RLIMIT_AS, memory + limits.sharedBytes + kIdleAddressSpace);
 #endif
 }

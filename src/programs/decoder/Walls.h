@@ -25,9 +25,12 @@ struct WallName {
 };
 
 inline constexpr std::array kWallNames{
-    WallName{kSystemCalls, "system calls"}, WallName{kFileSystem, "file system"},
-    WallName{kNetwork, "network"},          WallName{kMemory, "memory"},
-    WallName{kProcessorTime, "processor time"}, WallName{kFiles, "files"},
+    WallName{kSystemCalls, "system calls"},
+    WallName{kFileSystem, "file system"},
+    WallName{kNetwork, "network"},
+    WallName{kMemory, "memory"},
+    WallName{kProcessorTime, "processor time"},
+    WallName{kFiles, "files"},
     WallName{kPrivileges, "privileges"},
 };
 

@@ -1,4 +1,5 @@
-// The decoder program: it goes behind its walls, decodes one picture from a stranger for the editor, and ends.
+// The decoder program: it goes behind its walls, decodes one picture from a stranger for the editor, and
+// ends.
 #include "picture/ForEachBand.h"
 #include "picture/metafile/Metafile.h"
 #include "programs/decoder/Conversation.h"

@@ -5,10 +5,13 @@
 #include "picture/ImagingError.h"
 #include "picture/MadeDetails.h"
 #include "picture/engine/TestPictures.h"
-#include "picture/metafile/Metafile.h"
+#include "picture/metafile/Records.h"
 
+#include <QFontDatabase>
+#include <QStringList>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
@@ -18,6 +21,8 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 namespace pictorel::test {
@@ -95,6 +100,57 @@ class DecoderProcessTest : public ::testing::Test {
 
     const TemporaryFolder folder_;
 };
+
+// A drawing with a line of letters of several scripts in every one of the fonts.
+codecs::ByteBuffer Writing(const std::vector<std::string>& families) {
+    using codecs::testing::Bytes;
+    using metafile::EmfType;
+    constexpr std::u16string_view kLetters = u"Ag\u00E9\u0416\u05D0\u4E2D\u2192";
+    constexpr int kNameLetters = 32;
+    metafile::testing::Emf drawing(400, 40 * 3 * static_cast<int>(families.size()));
+    int y = 0;
+    for (const std::string& family : families) {
+        for (const int weight : {100, 400, 700}) {
+            Bytes font;
+            font.Le32({3, -30, 0, 0, 0, weight}).U8({weight == 700 ? 1 : 0, 0, 0, 0, 0, 0, 0, 0});
+            for (std::size_t i = 0; i < kNameLetters; ++i) {
+                font.Le16({i < family.size() ? family[i] : 0});
+            }
+            Bytes text;
+            text.Le32({0, 0, 0, 0, 1, 0, 0, 0, y, kLetters.size(), 76, 0, 0, 0, 0, 0, 0});
+            for (const char16_t letter : kLetters) {
+                text.Le16({letter});
+            }
+            drawing.Add(EmfType::CreateFont, font.Done())
+                .Add(EmfType::SelectObject, {3})
+                .Add(EmfType::ExtTextOutW, text.Done());
+            y += 40;
+        }
+    }
+    return drawing.Done();
+}
+
+TEST_F(DecoderProcessTest, DrawsTextInEveryFontAsInside) {
+    std::vector<std::string> families{"Arial", "Times New Roman", "Courier New", "Wingdings", "No Such Font"};
+    for (const QString& family : QFontDatabase::families().mid(0, 40)) {
+        families.push_back(family.toStdString());
+    }
+    const auto bytes = Writing(families);
+    const std::string name =
+        folder_.Make("text.emf", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    DecoderProcess decoder(kProgram);
+    const auto through = decoder.Decode(name);
+    const auto inside = Inside(name);
+    ASSERT_TRUE(through && inside);
+    EXPECT_TRUE(SamePicture(*through, *inside));
+    int inked = 0;
+    for (int y = 0; y < through->Height(); ++y) {
+        for (int x = 0; x < through->Width(); ++x) {
+            inked += through->Row(y)[4 * x] < 128 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(inked, 100 * static_cast<int>(families.size()));
+}
 
 TEST_F(DecoderProcessTest, DecodesEveryFileOfTheCorpusAsInside) {
     DecoderProcess decoder(kProgram);
@@ -216,6 +272,40 @@ TEST_F(DecoderProcessTest, ItsDeathInTheMidstOfAPictureIsSurvived) {
     const auto picture = decoder.Decode(slow);
     ASSERT_TRUE(picture);
     EXPECT_EQ(picture->Width(), 2500);
+}
+
+TEST_F(DecoderProcessTest, TheProgramEndsWithAnEditorThatIsKilled) {
+    const pid_t editor = ::fork();
+    if (editor == 0) {
+        const DecoderRoom room(kProgram, false);
+        ::pause();
+        std::_Exit(EXIT_FAILURE);
+    }
+    const auto childOfEditor = [&] {
+        std::ifstream list("/proc/" + std::to_string(editor) + "/task/" + std::to_string(editor) +
+                           "/children");
+        pid_t process = -1;
+        list >> process;
+        return process;
+    };
+    const auto stateOf = [](pid_t process) { // the letter behind the name in brackets; 'X' where it is gone
+        const std::string line = ContentOf("/proc/" + std::to_string(process) + "/stat");
+        return line.empty() ? 'X' : line[line.rfind(')') + 2];
+    };
+    const auto within = [](double seconds, const std::function<bool()>& isSo) {
+        for (int i = 0; i < seconds * 100 && !isSo(); ++i) {
+            std::this_thread::sleep_for(milliseconds(10));
+        }
+        return isSo();
+    };
+    ASSERT_TRUE(within(10, [&] { return childOfEditor() > 0 && stateOf(childOfEditor()) == 'S'; }));
+    std::this_thread::sleep_for(milliseconds(300)); // it is behind its walls
+    const pid_t program = childOfEditor();
+    ::kill(program, SIGSTOP); // so that it cannot see that nobody listens any longer
+    ASSERT_TRUE(within(10, [&] { return stateOf(program) == 'T'; }));
+    ::kill(editor, SIGKILL);
+    ::waitpid(editor, nullptr, 0);
+    EXPECT_TRUE(within(10, [&] { return stateOf(program) == 'X' || stateOf(program) == 'Z'; }));
 }
 
 TEST_F(DecoderProcessTest, OneThatDiedWhileItWaitedIsReplaced) {

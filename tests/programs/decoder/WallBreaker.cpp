@@ -1,6 +1,6 @@
-// Raises walls as the decoder program does, then tries what they are to prevent. Its arguments are the bits of
-// the walls and the name of the attempt; its exit status says how that went. A bound on memory or time that
-// holds ends it or makes it fail as well.
+// Raises walls as the decoder program does, then tries what they are to prevent. Its arguments are the bits
+// of the walls and the name of the attempt; its exit status says how that went. A bound on memory or time
+// that holds ends it or makes it fail as well.
 #include "programs/decoder/WallBreaker.h"
 
 #include "programs/decoder/Walls.h"
@@ -39,8 +39,8 @@ constexpr std::uint64_t kSharedBytes = std::uint64_t{64} << 20;
 // What attempts need and a decoder does not have: opened before the walls go up.
 struct Before {
     std::array<int, 2> sockets{-1, -1};
-    int ownFile = -1;  // open for writing
-    int memory = -1;   // a small piece of shared memory
+    int ownFile = -1; // open for writing
+    int memory = -1;  // a small piece of shared memory
     int otherSocket = -1;
     pid_t parent = ::getppid();
 };
@@ -109,8 +109,7 @@ bool ReadOtherMemory(const Before& before) {
 }
 
 bool MakeCode(int protection) {
-    void* const page =
-        ::mmap(nullptr, 4096, protection, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* const page = ::mmap(nullptr, 4096, protection, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     return page != MAP_FAILED &&
            ((protection & PROT_EXEC) != 0 || ::mprotect(page, 4096, PROT_READ | PROT_EXEC) == 0);
 }
@@ -118,8 +117,7 @@ bool MakeCode(int protection) {
 bool TakeMemory() {
     constexpr std::size_t kStep = std::size_t{16} << 20;
     for (std::uint64_t taken = 0; taken <= 2 * kMemoryBytes; taken += kStep) {
-        void* const more =
-            ::mmap(nullptr, kStep, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        void* const more = ::mmap(nullptr, kStep, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (more == MAP_FAILED) {
             return false;
         }
@@ -130,7 +128,8 @@ bool TakeMemory() {
 
 bool ReserveAddresses() {
     constexpr std::size_t kVast = std::size_t{64} << 30;
-    return ::mmap(nullptr, kVast, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0) != MAP_FAILED;
+    return ::mmap(nullptr, kVast, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0) !=
+           MAP_FAILED;
 }
 
 bool RunForLong() {
@@ -183,8 +182,7 @@ constexpr std::array kAttempts{
                 return IsOpen(static_cast<int>(
                     ::syscall(SYS_openat2, AT_FDCWD, "/etc/passwd", how.data(), sizeof(how))));
             }},
-    Attempt{"make a file",
-            [](const Before&) { return IsOpen(::open("/tmp", O_TMPFILE | O_RDWR, 0600)); }},
+    Attempt{"make a file", [](const Before&) { return IsOpen(::open("/tmp", O_TMPFILE | O_RDWR, 0600)); }},
     Attempt{"list a folder", [](const Before&) { return IsOpen(::open("/", O_RDONLY | O_DIRECTORY)); }},
     Attempt{"open what is open once more",
             [](const Before&) { return IsOpen(::open("/proc/self/fd/0", O_RDONLY)); }},
@@ -197,8 +195,9 @@ constexpr std::array kAttempts{
     Attempt{"open a local socket", [](const Before&) { return IsOpen(::socket(AF_UNIX, SOCK_STREAM, 0)); }},
     Attempt{"connect", Connect},
     Attempt{"fork", [](const Before&) { return ChildRuns(::fork()); }},
-    Attempt{"clone a process",
-            [](const Before&) { return ChildRuns(::syscall(SYS_clone, SIGCHLD, nullptr, nullptr, nullptr, 0)); }},
+    Attempt{
+        "clone a process",
+        [](const Before&) { return ChildRuns(::syscall(SYS_clone, SIGCHLD, nullptr, nullptr, nullptr, 0)); }},
     Attempt{"clone by the newer call",
             [](const Before&) {
                 std::array<std::uint64_t, 8> how{}; // flags first, the signal at the end fifth
@@ -215,7 +214,9 @@ constexpr std::array kAttempts{
     Attempt{"have shared memory", [](const Before&) { return IsOpen(::memfd_create("more", 0)); }},
     Attempt{"send elsewhere", SendElsewhere},
     Attempt{"be traced", [](const Before&) { return ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0; }},
-    Attempt{"trace", [](const Before& before) { return ::ptrace(PTRACE_SEIZE, before.parent, nullptr, nullptr) == 0; }},
+    Attempt{
+        "trace",
+        [](const Before& before) { return ::ptrace(PTRACE_SEIZE, before.parent, nullptr, nullptr) == 0; }},
     Attempt{"read other memory", ReadOtherMemory},
     Attempt{"signal", [](const Before& before) { return ::kill(before.parent, 0) == 0; }},
     Attempt{"map code", [](const Before&) { return MakeCode(PROT_READ | PROT_EXEC); }},

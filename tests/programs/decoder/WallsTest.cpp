@@ -21,7 +21,7 @@ using pictorel::test::TemporaryFolder;
 
 struct Attempt {
     const char* name;
-    std::uint32_t keptOutBy; // the walls that refuse it, each alone
+    std::uint32_t keptOutBy;     // the walls that refuse it, each alone
     bool succeedsWithout = true; // false where a machine without walls may refuse it for reasons of its own
 };
 
