@@ -8,14 +8,13 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-
-extern char** environ; // the name that the system gives it
 
 namespace pictorel {
 namespace {

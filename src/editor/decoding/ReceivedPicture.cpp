@@ -93,8 +93,9 @@ PixelArray AnswerMemory::Take(const decoder::Answer& answer) {
     CheckPictureSize(answer.width, answer.height);
     const bool holdsAll =
         Holds(answer.pixels) && Holds(answer.exif) && Holds(answer.icc) && Holds(answer.xmp);
-    if (!holdsAll || answer.pixels.bytes != RowsBytes(answer) || answer.pixels.offset % kSmallPage != 0 ||
-        !IsResolution(answer.dotsPerInchX) || !IsResolution(answer.dotsPerInchY)) {
+    if (!holdsAll || answer.pixels.bytes != RowsBytes(answer) ||
+        answer.pixels.offset % decoder::kPixelAlignment != 0 || !IsResolution(answer.dotsPerInchX) ||
+        !IsResolution(answer.dotsPerInchY)) {
         ThrowRefused();
     }
     Seal(answer);

@@ -88,6 +88,8 @@ std::span<const std::uint8_t> RowsOf(const PixelArray& picture) {
             static_cast<std::size_t>(picture.Stride()) * static_cast<std::size_t>(picture.Height())};
 }
 
+constexpr std::size_t kDetailAlignment = 64;
+
 Answer Decoded(const PixelArray& picture, SharedMemory& memory) {
     const Metadata& details = picture.Details();
     Answer answer;
@@ -95,10 +97,10 @@ Answer Decoded(const PixelArray& picture, SharedMemory& memory) {
     answer.hasAlpha = picture.HasAlpha() ? 1 : 0;
     answer.width = picture.Width();
     answer.height = picture.Height();
-    answer.pixels = memory.Place(RowsOf(picture));
-    answer.exif = memory.Place(details.exif);
-    answer.icc = memory.Place(details.icc);
-    answer.xmp = memory.Place(details.xmp);
+    answer.pixels = memory.Place(RowsOf(picture), kPixelAlignment);
+    answer.exif = memory.Place(details.exif, kDetailAlignment);
+    answer.icc = memory.Place(details.icc, kDetailAlignment);
+    answer.xmp = memory.Place(details.xmp, kDetailAlignment);
     answer.dotsPerInchX = details.dotsPerInchX;
     answer.dotsPerInchY = details.dotsPerInchY;
     return answer;

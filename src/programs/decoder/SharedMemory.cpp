@@ -16,7 +16,6 @@ namespace {
 constexpr std::size_t kLargePage = static_cast<std::size_t>(kPixelAlignment);
 constexpr std::size_t kSmallPicture = std::size_t{1} << 20; // copied at the end sooner than pages are mapped
 constexpr std::size_t kWorthAThread = 4 * kLargePage;
-constexpr std::size_t kSmallPart = 64;
 
 std::size_t RoundUp(std::size_t bytes, std::size_t unit) {
     return (bytes + unit - 1) / unit * unit;
@@ -112,10 +111,10 @@ std::shared_ptr<std::uint8_t> SharedMemory::TakePixels(std::size_t bytes) {
     return {address, [this, room](std::uint8_t* p) { GiveBack(p, room); }};
 }
 
-Part SharedMemory::Place(std::span<const std::uint8_t> bytes) {
+Part SharedMemory::Place(std::span<const std::uint8_t> bytes, std::size_t alignment) {
     const std::uint8_t* address = bytes.data();
     if (address < begin_ || address >= begin_ + size_) {
-        std::uint8_t* const copy = Take(bytes.size(), kSmallPart);
+        std::uint8_t* const copy = Take(bytes.size(), alignment);
         if (copy == nullptr) {
             ThrowOutOfMemory();
         }

@@ -40,9 +40,9 @@ class SharedMemory {
     // What is let go of costs no memory any longer. Safe to use from several threads.
     std::shared_ptr<std::uint8_t> TakePixels(std::size_t bytes);
 
-    // Where rows lie that may be in here already; otherwise they are copied. Throws
+    // Where the bytes lie if they are in here already; otherwise they are copied, to such a border. Throws
     // ImagingError(OutOfMemory).
-    Part Place(std::span<const std::uint8_t> bytes);
+    Part Place(std::span<const std::uint8_t> bytes, std::size_t alignment);
 
   private:
     std::uint8_t* Take(std::size_t bytes, std::size_t alignment) noexcept; // null where there is no room

@@ -7,12 +7,11 @@
 #include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <string>
 #include <vector>
-
-extern char** environ;
 
 namespace pictorel::decoder::test {
 namespace {
