@@ -152,11 +152,12 @@ TEST_F(DecoderProcessTest, DrawsTextInEveryFontAsInside) {
     EXPECT_GT(inked, 100 * static_cast<int>(families.size()));
 }
 
-TEST_F(DecoderProcessTest, DecodesEveryFileOfTheCorpusAsInside) {
+class DecodedCorpus : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(DecodedCorpus, IsTheSameAsInside) {
     DecoderProcess decoder(kProgram);
     int opened = 0;
-    int refused = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(PICTOREL_CORPUS)) {
+    for (const auto& entry : fs::recursive_directory_iterator(fs::path(PICTOREL_CORPUS) / GetParam())) {
         if (!entry.is_regular_file()) {
             continue;
         }
@@ -164,14 +165,18 @@ TEST_F(DecoderProcessTest, DecodesEveryFileOfTheCorpusAsInside) {
         const auto inside = Inside(name);
         const auto through = Through(decoder, name);
         ASSERT_EQ(through.has_value(), inside.has_value()) << name;
-        ++(inside ? opened : refused);
         if (inside) {
+            ++opened;
             EXPECT_TRUE(SamePicture(*through, *inside)) << name;
         }
     }
-    EXPECT_GT(opened, 100);
-    EXPECT_GT(refused, 20);
+    EXPECT_GT(opened, 5);
 }
+
+INSTANTIATE_TEST_SUITE_P(EveryFormat, DecodedCorpus,
+                         ::testing::Values("bmp", "emf", "gif", "j2k", "jpg", "pcx", "png", "ras", "tga",
+                                           "tif", "wmf"),
+                         [](const auto& format) { return std::string(format.param); });
 
 TEST_F(DecoderProcessTest, LargePicturesStayValuesAfterTheProgramHasGone) {
     PixelArray made = Random({1300, 900}, engine::test::Alpha::Random);
@@ -252,7 +257,7 @@ TEST_F(DecoderProcessTest, AHangEndsWithItsTimeOrWhenAsked) {
 }
 
 TEST_F(DecoderProcessTest, ItsDeathInTheMidstOfAPictureIsSurvived) {
-    const std::string slow = Save(Random({2500, 1800}), "J2K");
+    const std::string slow = Save(Random({1200, 900}), "J2K");
     DecoderProcess decoder(kProgram);
     int killed = 0;
     decoder.SetKeepWaiting([&] {
@@ -271,7 +276,7 @@ TEST_F(DecoderProcessTest, ItsDeathInTheMidstOfAPictureIsSurvived) {
     decoder.SetKeepWaiting(nullptr);
     const auto picture = decoder.Decode(slow);
     ASSERT_TRUE(picture);
-    EXPECT_EQ(picture->Width(), 2500);
+    EXPECT_EQ(picture->Width(), 1200);
 }
 
 TEST_F(DecoderProcessTest, TheProgramEndsWithAnEditorThatIsKilled) {
