@@ -1,6 +1,8 @@
 // One run of the decoder program, see DecoderRoom.h.
 #include "editor/decoding/DecoderRoom.h"
 
+#include "programs/decoder/Walls.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
@@ -148,7 +150,8 @@ std::optional<std::uint32_t> DecoderRoom::Walls(const KeepWaiting& keepWaiting) 
 void DecoderRoom::LimitMemory(std::uint64_t bytes) noexcept {
 #ifdef __linux__
     rlimit limit{};
-    if (process_ > 0 && ::prlimit(process_, RLIMIT_DATA, nullptr, &limit) == 0) {
+    const bool isBounded = process_ > 0 && walls_ && (*walls_ & decoder::kMemory) != 0;
+    if (isBounded && ::prlimit(process_, RLIMIT_DATA, nullptr, &limit) == 0) {
         limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, bytes);
         ::prlimit(process_, RLIMIT_DATA, &limit, nullptr);
     }

@@ -39,7 +39,7 @@ class DecoderRoom {
     // The walls that stand around it (bits of programs/decoder/Walls.h); nothing where it did not get so far.
     std::optional<std::uint32_t> Walls(const KeepWaiting& keepWaiting);
 
-    // Bounds the private memory that it may take.
+    // Tightens its bound on private memory, where it has one.
     void LimitMemory(std::uint64_t bytes) noexcept;
 
     // Hands it both descriptors with the request, and waits for its answer; nothing where it died, took too

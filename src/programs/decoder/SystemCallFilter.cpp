@@ -4,7 +4,6 @@
 #include <sched.h>
 #include <seccomp.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -85,9 +84,10 @@ bool AddRules(scmp_filter_ctx filter, int answersOn) noexcept {
     }
     // Its flags lie in memory, out of a filter's sight: the C library falls back to the older call.
     isWell = seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0) == 0 && isWell;
-#ifdef PICTOREL_SANITIZED // the sanitizers' reports
-    const scmp_arg_cmp errors{0, SCMP_CMP_MASKED_EQ, kWholeDescriptor, STDERR_FILENO};
-    isWell = seccomp_rule_add_array(filter, SCMP_ACT_ALLOW, SCMP_SYS(write), 1, &errors) == 0 && isWell;
+#ifdef PICTOREL_SANITIZED // they write reports, and look through a pipe whether memory can be read
+    for (const int call : {SCMP_SYS(write), SCMP_SYS(pipe), SCMP_SYS(pipe2)}) {
+        isWell = seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 0) == 0 && isWell;
+    }
 #endif
     return isWell;
 }

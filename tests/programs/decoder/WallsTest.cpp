@@ -24,6 +24,12 @@ struct Attempt {
     bool succeedsWithout = true; // false where a machine without walls may refuse it for reasons of its own
 };
 
+#ifdef PICTOREL_SANITIZED // whose reports the filter lets pass
+constexpr std::uint32_t kAgainstWriting = kFiles;
+#else
+constexpr std::uint32_t kAgainstWriting = kSystemCalls | kFiles;
+#endif
+
 const std::vector<Attempt> kAttempts{
     {"open a file", kSystemCalls | kFileSystem},
     {"open by the newer call", kSystemCalls | kFileSystem},
@@ -38,7 +44,7 @@ const std::vector<Attempt> kAttempts{
     {"clone a process", kSystemCalls},
     {"clone by the newer call", kSystemCalls},
     {"execute", kSystemCalls | kFileSystem},
-    {"write to a file", kSystemCalls | kFiles},
+    {"write to a file", kAgainstWriting},
     {"write at a place", kSystemCalls | kFiles},
     {"let a file grow", kSystemCalls | kFiles},
     {"let shared memory grow", kSystemCalls | kFiles},
