@@ -11,4 +11,5 @@ endforeach()
 
 # The programs that the editor starts as processes of their own (targets).
 set(PICTOREL_HELPER_PROGRAMS
-  pictorel_scanner)
+  pictorel_scanner
+  pictorel_decoder)

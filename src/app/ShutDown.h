@@ -57,8 +57,8 @@ class ShutDown {
     QWidget& window_;
     ShutDownParts parts_;
     bool endRequested_ = false;
-    bool isMoment_ = false; // the window may close now
-    bool asking_ = false;   // the question, or its Save dialog, is open
+    bool isMoment_ = false;         // the window may close now
+    bool asking_ = false;           // the question, or its Save dialog, is open
     PixelArray answeredForSession_; // the picture for which the session's question was answered ...
     QElapsedTimer sinceAnswer_;     // ... and when: a log-out that was called off silences no later close
     Events events_;

@@ -5,6 +5,7 @@
 #include "app/PictureDependent.h"
 #include "commands/print/PicturePrinter.h"
 #include "commands/scan/ScannerProcess.h"
+#include "editor/decoding/DecoderProcess.h"
 #include "notices/frmAbout.h"
 #include "notices/frmTools.h"
 #include "notices/frmUpdates.h"
@@ -32,7 +33,10 @@ QString ShortVersion() {
 } // namespace
 
 frmMain::frmMain()
-    : editor_(messages_, codecs::CodecTable(metafile::MetafileCodecs())), controls_{CreateControls(*this)} {
+    : editor_(
+          messages_, codecs::CodecTable(metafile::MetafileCodecs()),
+          std::make_shared<DecoderProcess>(HelperProgram(QStringLiteral("pictorel_decoder")).toStdString())),
+      controls_{CreateControls(*this)} {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Pictorel"));
     resize(TwipsToPixels(15570), TwipsToPixels(12570));

@@ -9,7 +9,7 @@
 
 namespace pictorel {
 
-Editor::Editor(Messages& messages, codecs::CodecTable formats)
+Editor::Editor(Messages& messages, codecs::CodecTable formats, std::shared_ptr<PictureDecoder> decoder)
     : Files(Document, observer_, messages),
       History(Document, Files, observer_),
       ReducedCopy(Document, Files, observer_),
@@ -19,7 +19,7 @@ Editor::Editor(Messages& messages, codecs::CodecTable formats)
         return !folder.empty() && fileName.starts_with(folder);
     };
     Document.ImageCodec = std::make_shared<ImageCodec>(isWorkingFile, std::make_shared<WorkingFileMemory>(),
-                                                       std::move(formats));
+                                                       std::move(formats), std::move(decoder));
 }
 
 void Editor::SetObserver(EditorObserver* observer) {

@@ -7,18 +7,22 @@
 #include "editor/OperationTable.h"
 #include "editor/PictureFiles.h"
 #include "editor/ReducedCopy.h"
+#include "editor/decoding/PictureDecoder.h"
 #include "picture/codecs/Codec.h"
 #include "platform/Messages.h"
 
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 namespace pictorel {
 
 class Editor {
   public:
-    explicit Editor(Messages& messages, codecs::CodecTable formats = codecs::CodecTable());
+    // With a decoder, files from strangers are read through it alone, see ImageCodec.
+    explicit Editor(Messages& messages, codecs::CodecTable formats = codecs::CodecTable(),
+                    std::shared_ptr<PictureDecoder> decoder = nullptr);
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
 

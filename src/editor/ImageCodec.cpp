@@ -5,32 +5,61 @@
 #include "picture/BufferPool.h"
 #include "picture/ImagingError.h"
 #include "picture/codecs/jpeg/JpegCodec.h"
+#include "picture/codecs/png/Png.h"
 
 #include <new>
 #include <utility>
 
 namespace pictorel {
 
-ImageCodec::ImageCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
-                       codecs::CodecTable formats)
-    : isWorkingFile_(std::move(isWorkingFile)), memory_(std::move(memory)), formats_(std::move(formats)) {}
+namespace {
 
-bool ImageCodec::Read(const std::string& fileName, PixelArray& picture) {
-    picture = PixelArray();
+bool IsReadHere(const codecs::Codec& codec) {
+    return codec.read == codecs::ReadJpeg || codec.read == codecs::ReadPng;
+}
+
+} // namespace
+
+ImageCodec::ImageCodec(IsWorkingFile isWorkingFile, std::shared_ptr<WorkingFileMemory> memory,
+                       codecs::CodecTable formats, std::shared_ptr<PictureDecoder> decoder)
+    : isWorkingFile_(std::move(isWorkingFile)),
+      memory_(std::move(memory)),
+      formats_(std::move(formats)),
+      decoder_(std::move(decoder)) {}
+
+bool ImageCodec::ReadAny(const std::string& fileName, PixelArray& picture) const {
+    const bool working = isWorkingFile_(fileName);
+    const bool isStrange = decoder_ != nullptr && !working;
+    if (isStrange) {
+        if (auto decoded = decoder_->Decode(fileName)) {
+            picture = *std::move(decoded);
+            return true;
+        }
+    }
     const auto bytes = ReadWholeFile(fileName);
     const codecs::Codec* const codec = bytes ? formats_.FindByContent(*bytes) : nullptr;
     if (codec == nullptr) {
         return false;
     }
+    if (isStrange && !IsReadHere(*codec)) {
+        throw ImagingError(
+            ImagingFailure::FileAccess,
+            "The program pictorel_decoder does not start, and without it only JPEG and PNG files "
+            "can be opened safely.");
+    }
+    picture = codec->read(*bytes, {working});
+    if (working) {
+        memory_->Remember(fileName, picture);
+    }
+    return true;
+}
+
+bool ImageCodec::Read(const std::string& fileName, PixelArray& picture) {
+    picture = PixelArray();
     try {
-        const bool working = isWorkingFile_(fileName);
-        picture = codec->read(*bytes, {working});
-        if (working) {
-            memory_->Remember(fileName, picture);
-        }
-        return true;
+        return ReadAny(fileName, picture);
     } catch (const ImagingError& error) {
-        if (error.Kind() == ImagingFailure::OutOfMemory) {
+        if (error.Kind() == ImagingFailure::OutOfMemory || error.Kind() == ImagingFailure::FileAccess) {
             throw;
         }
         return false;

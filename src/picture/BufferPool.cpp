@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <map>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace pictorel {
@@ -122,7 +123,21 @@ class Pool {
     std::size_t idleBytes_ = 0;
 };
 
+// Never destroyed, as the pool.
+PictureBufferSource& PictureSource() {
+    static auto* const source = new PictureBufferSource(TakeBuffer);
+    return *source;
+}
+
 } // namespace
+
+void SetPictureBufferSource(PictureBufferSource source) {
+    PictureSource() = std::move(source);
+}
+
+std::shared_ptr<std::uint8_t> TakePictureBuffer(std::size_t bytes) {
+    return PictureSource()(bytes);
+}
 
 std::shared_ptr<std::uint8_t> TakeBuffer(std::size_t bytes) {
     if (bytes < kSmallBlock) {

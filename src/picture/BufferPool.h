@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 namespace pictorel {
@@ -12,6 +13,17 @@ namespace pictorel {
 // 256 MiB, or as much as the largest block in use, and frees the rest: there is room for the next result of a
 // huge picture too. Throws ImagingError(OutOfMemory). Safe to use from several threads.
 std::shared_ptr<std::uint8_t> TakeBuffer(std::size_t bytes);
+
+// Where the pixels of pictures lie: a block as TakeBuffer gives one, 64-byte aligned at least, that outlives
+// its owners. Called from several threads.
+using PictureBufferSource = std::function<std::shared_ptr<std::uint8_t>(std::size_t bytes)>;
+
+// Has the pixels of every picture from now on come from `source`: for a program that decodes into memory
+// which it shares with another. Called once, before there are pictures.
+void SetPictureBufferSource(PictureBufferSource source);
+
+// A block for the pixels of a picture: TakeBuffer's where no other source was set.
+std::shared_ptr<std::uint8_t> TakePictureBuffer(std::size_t bytes);
 
 // Frees every block that nobody uses; called when a much smaller picture replaces a large one.
 void TrimBufferPool() noexcept;

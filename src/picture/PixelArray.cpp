@@ -29,11 +29,23 @@ void CheckPictureSize(std::int64_t width, std::int64_t height) {
 
 PixelArray::PixelArray(int width, int height) {
     CheckPictureSize(width, height);
-    stride_ = (static_cast<std::ptrdiff_t>(width) * kComponents + kRowAlignment - 1) / kRowAlignment *
-              kRowAlignment;
-    buffer_ = TakeBuffer(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height));
+    stride_ = StrideOf(width);
+    buffer_ = TakePictureBuffer(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height));
     width_ = width;
     height_ = height;
+}
+
+PixelArray::PixelArray(int width, int height, std::shared_ptr<std::uint8_t> rows) {
+    CheckPictureSize(width, height);
+    stride_ = StrideOf(width);
+    buffer_ = std::move(rows);
+    width_ = width;
+    height_ = height;
+}
+
+std::ptrdiff_t PixelArray::StrideOf(int width) noexcept {
+    return (static_cast<std::ptrdiff_t>(width) * kComponents + kRowAlignment - 1) / kRowAlignment *
+           kRowAlignment;
 }
 
 PixelArray PixelArray::Like(const PixelArray& source, int width, int height) {

@@ -23,6 +23,13 @@ class PixelArray {
     // Pixels are undefined until written. Throws ImagingError (TooLarge, OutOfMemory).
     PixelArray(int width, int height);
 
+    // Over memory that is at hand: `height` rows, StrideOf(width) bytes apart, 64-byte aligned, writable
+    // while an array holds them. Throws ImagingError(TooLarge, UnsupportedFormat), as above.
+    PixelArray(int width, int height, std::shared_ptr<std::uint8_t> rows);
+
+    // Bytes from row to row of an array of this width.
+    static std::ptrdiff_t StrideOf(int width) noexcept;
+
     // As above, with the alpha meaning, metadata and reduction of `source`, for an operation's result.
     static PixelArray Like(const PixelArray& source, int width, int height);
     static PixelArray Like(const PixelArray& source) { return Like(source, source.width_, source.height_); }

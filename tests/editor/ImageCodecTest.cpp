@@ -177,5 +177,61 @@ TEST_F(ImageCodecTest, AFailedWorkingFileIsNotRemembered) {
     EXPECT_TRUE(codec_.Read(folder_.Path("tmp_2.jpg"), read));
 }
 
+// A decoder that does not run; one that refuses; one that has a picture.
+struct MadeDecoder : PictureDecoder {
+    enum class Manner { Missing, Refusing, Working } manner;
+    int asked = 0;
+
+    explicit MadeDecoder(Manner how) : manner(how) {}
+    std::optional<PixelArray> Decode(const std::string& /*fileName*/) override {
+        ++asked;
+        if (manner == Manner::Refusing) {
+            throw ImagingError(ImagingFailure::UnsupportedFormat, "refused");
+        }
+        return manner == Manner::Working ? std::optional(Random({5, 4})) : std::nullopt;
+    }
+};
+
+TEST_F(ImageCodecTest, StrangeFilesAreReadByTheDecoderAlone) {
+    const PixelArray picture = Random({64, 64});
+    for (const char* const name : {"a.jpg", "a.png", "a.bmp", "tmp_1.jpg"}) {
+        codec_.Write(picture, folder_.Path(name),
+                     std::string_view(name).substr(std::string_view(name).size() - 3));
+    }
+    const auto codecWith = [&](MadeDecoder::Manner manner) {
+        auto decoder = std::make_shared<MadeDecoder>(manner);
+        return std::pair(decoder, ImageCodec(
+                                      [](const std::string& fileName) {
+                                          return fileName.find("/tmp_") != std::string::npos;
+                                      },
+                                      memory_, codecs::CodecTable(), decoder));
+    };
+    PixelArray read;
+
+    auto [working, byWorking] = codecWith(MadeDecoder::Manner::Working);
+    EXPECT_TRUE(byWorking.Read(folder_.Path("a.bmp"), read));
+    EXPECT_EQ(read.Width(), 5);
+    EXPECT_TRUE(byWorking.Read(folder_.Path("tmp_1.jpg"), read));
+    EXPECT_EQ(read.Width(), 64) << "our own are read here";
+    EXPECT_EQ(working->asked, 1);
+
+    auto [refusing, byRefusing] = codecWith(MadeDecoder::Manner::Refusing);
+    for (const char* const name : {"a.jpg", "a.png", "a.bmp"}) {
+        EXPECT_FALSE(byRefusing.Read(folder_.Path(name), read)) << name;
+        EXPECT_TRUE(read.IsEmpty());
+    }
+
+    auto [missing, byMissing] = codecWith(MadeDecoder::Manner::Missing);
+    EXPECT_TRUE(byMissing.Read(folder_.Path("a.jpg"), read));
+    EXPECT_TRUE(byMissing.Read(folder_.Path("a.png"), read));
+    EXPECT_TRUE(SamePixels(read, picture));
+    try {
+        byMissing.Read(folder_.Path("a.bmp"), read);
+        FAIL();
+    } catch (const ImagingError& error) {
+        EXPECT_NE(std::string(error.what()).find("pictorel_decoder"), std::string::npos);
+    }
+}
+
 } // namespace
 } // namespace pictorel::test

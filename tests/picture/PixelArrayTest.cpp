@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 
 namespace pictorel {
@@ -149,6 +150,29 @@ TEST(PictureSize, TheRefusalNamesTheSize) {
     } catch (const ImagingError& error) {
         EXPECT_NE(std::string(error.what()).find("40000 x 123"), std::string::npos) << error.what();
     }
+}
+
+TEST(PixelArray, BorrowedRowsAreSharedAndLetGo) {
+    constexpr int kWidth = 13;
+    constexpr int kHeight = 5;
+    const auto bytes = static_cast<std::size_t>(PixelArray::StrideOf(kWidth) * kHeight);
+    bool isLetGo = false;
+    auto* const memory = static_cast<std::uint8_t*>(std::aligned_alloc(64, bytes));
+    std::fill_n(memory, bytes, std::uint8_t{7});
+    {
+        PixelArray borrowed(kWidth, kHeight, {memory, [&](std::uint8_t*) { isLetGo = true; }});
+        EXPECT_EQ(borrowed.Stride(), PixelArray(kWidth, kHeight).Stride());
+        EXPECT_TRUE(IsFilledWith(borrowed, 7));
+
+        PixelArray copy = borrowed;
+        Fill(copy, 9);
+        EXPECT_TRUE(IsFilledWith(borrowed, 7)) << "writing to a copy reached the lender's memory";
+        Fill(borrowed, 8);
+        EXPECT_EQ(memory[0], 8) << "the only owner writes in place";
+    }
+    EXPECT_TRUE(isLetGo);
+    std::free(memory);
+    EXPECT_THROW(PixelArray(0, 5, nullptr), ImagingError);
 }
 
 } // namespace
