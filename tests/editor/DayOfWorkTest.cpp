@@ -14,7 +14,11 @@ namespace {
 
 using test::Random;
 
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kSteps = 3000; // each takes several times as long
+#else
 constexpr int kSteps = 20000;
+#endif
 constexpr int kMostStates = 15;
 constexpr int kLossOfWorkingFile = 2; // levels, by one encoding
 
