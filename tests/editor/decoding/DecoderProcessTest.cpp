@@ -53,7 +53,7 @@ std::optional<PixelArray> Inside(const std::string& fileName) {
 
 std::optional<PixelArray> Through(DecoderProcess& decoder, const std::string& fileName) {
     try {
-        const auto picture = decoder.Decode(fileName);
+        auto picture = decoder.Decode(fileName);
         EXPECT_TRUE(picture) << "the program does not start";
         return picture;
     } catch (const ImagingError&) {
@@ -93,7 +93,7 @@ class DecoderProcessTest : public ::testing::Test {
 
     // A name of the program that answers in a manner of its own.
     std::string FalseDecoder(const char* manner) const {
-        const std::string name = folder_.Path(manner);
+        std::string name = folder_.Path(manner);
         fs::create_symlink(PICTOREL_FALSE_DECODER, name);
         return name;
     }

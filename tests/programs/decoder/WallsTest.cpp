@@ -31,6 +31,7 @@ constexpr std::uint32_t kAgainstWriting = kSystemCalls | kFiles;
 #endif
 
 const std::vector<Attempt> kAttempts{
+    // NOLINT(cert-err58-cpp): without its table no test could run
     {"open a file", kSystemCalls | kFileSystem},
     {"open by the newer call", kSystemCalls | kFileSystem},
     {"make a file", kSystemCalls | kFileSystem, false},
