@@ -30,8 +30,8 @@ constexpr std::uint32_t kAgainstWriting = kFiles;
 constexpr std::uint32_t kAgainstWriting = kSystemCalls | kFiles;
 #endif
 
+// NOLINTNEXTLINE(cert-err58-cpp): without its table no test could run
 const std::vector<Attempt> kAttempts{
-    // NOLINT(cert-err58-cpp): without its table no test could run
     {"open a file", kSystemCalls | kFileSystem},
     {"open by the newer call", kSystemCalls | kFileSystem},
     {"make a file", kSystemCalls | kFileSystem, false},
