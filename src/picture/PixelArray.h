@@ -60,6 +60,11 @@ class PixelArray {
     double Reduction() const noexcept { return reduction_; }
     void SetReduction(double reduction) noexcept { reduction_ = reduction; }
 
+    // How much of the picture its file held, above 0; less than 1 where that was damaged. Not handed on by
+    // Like: what an operation makes is whole.
+    double PartShown() const noexcept { return partShown_; }
+    void SetPartShown(double part) noexcept { partShown_ = part; }
+
     const Metadata& Details() const noexcept;
     void SetDetails(Metadata details);
 
@@ -70,6 +75,7 @@ class PixelArray {
     int width_ = 0;
     int height_ = 0;
     double reduction_ = 1.0;
+    double partShown_ = 1.0;
     bool hasAlpha_ = false;
 };
 
