@@ -67,7 +67,16 @@ struct Image_Mods {
     std::shared_ptr<pictorel::WorkingFolder> WorkingFolder = std::make_shared<pictorel::WorkingFolder>();
 
     QString GetTempFolder() const { return WorkingFolder->GetTempFolder(); }
-    QString WorkingFile(const QString& name) const { return GetTempFolder() + name; }
+
+    // The path of a working file. Throws FileError where there is no folder for it: a name alone would be one
+    // in the current folder, which is the person's.
+    QString WorkingFile(const QString& name) const {
+        const QString folder = GetTempFolder();
+        if (folder.isEmpty()) {
+            throw FileError("There is no folder for temporary files.");
+        }
+        return folder + name;
+    }
 };
 
 } // namespace pictorel

@@ -69,6 +69,11 @@ class PixelArray {
         top_ = top;
     }
 
+    // How much of the picture its file held, above 0; less than 1 where that was damaged. Not handed on by
+    // Like: what an operation makes is whole.
+    double PartShown() const noexcept { return partShown_; }
+    void SetPartShown(double part) noexcept { partShown_ = part; }
+
     const Metadata& Details() const noexcept;
     void SetDetails(Metadata details);
 
@@ -81,6 +86,7 @@ class PixelArray {
     int left_ = 0;
     int top_ = 0;
     double reduction_ = 1.0;
+    double partShown_ = 1.0;
     bool hasAlpha_ = false;
 };
 

@@ -46,11 +46,16 @@ int MakeLock(const QString& folder) {
     return lock;
 }
 
-// The system's temporary folder. Qt gives an empty path where TMPDIR names a folder that does not exist;
-// taken as a path, that would be the current folder, which is not ours to sweep.
-QString TemporaryRoot() {
-    const QString root = QDir::tempPath();
-    return QDir::isAbsolutePath(root) && QFileInfo(root).isDir() ? root : QStringLiteral(P_tmpdir);
+// The folders for temporary files, the person's choice first. Qt gives an empty path where TMPDIR names a
+// folder that does not exist; taken as a path, that would be the current folder, which is not ours to sweep.
+QStringList TemporaryRoots() {
+    QStringList roots;
+    for (const QString& root : {QDir::tempPath(), QStringLiteral(P_tmpdir), QStringLiteral("/var/tmp")}) {
+        if (QDir::isAbsolutePath(root) && QFileInfo(root).isDir() && !roots.contains(root)) {
+            roots << root;
+        }
+    }
+    return roots;
 }
 
 // Whether the folder is ours and nobody alive holds its lock. One without a lock may be a second old; if it
@@ -127,7 +132,9 @@ QString GetSpecialPath(int folderNumber) {
 }
 
 WorkingFolder::WorkingFolder() {
-    SweepAbandonedFolders(TemporaryRoot());
+    for (const QString& root : TemporaryRoots()) {
+        SweepAbandonedFolders(root);
+    }
     Create();
 }
 
@@ -143,13 +150,16 @@ QString WorkingFolder::GetTempFolder() {
     return path_.isEmpty() ? QString() : path_ + QDir::separator();
 }
 
+// In the first of the folders that takes it.
 void WorkingFolder::Create() {
-    QByteArray name = QFile::encodeName(TemporaryRoot() + QStringLiteral("/pictorel-XXXXXX"));
-    if (name.size() + 1 > kLongestPath || ::mkdtemp(name.data()) == nullptr) { // mode 0700
-        return;
+    for (const QString& root : TemporaryRoots()) {
+        QByteArray name = QFile::encodeName(root + QStringLiteral("/pictorel-XXXXXX"));
+        if (name.size() + 1 <= kLongestPath && ::mkdtemp(name.data()) != nullptr) { // mode 0700
+            path_ = QFile::decodeName(name);
+            lock_ = MakeLock(path_);
+            return;
+        }
     }
-    path_ = QFile::decodeName(name);
-    lock_ = MakeLock(path_);
 }
 
 void WorkingFolder::Remove() noexcept {

@@ -40,7 +40,8 @@ class WorkingFolder {
     WorkingFolder& operator=(const WorkingFolder&) = delete;
 
     // The folder's path with its trailing separator. Asked afresh at every call: a folder that somebody
-    // deleted is made again. Empty where the system has no temporary folder whose path fits 255 characters.
+    // deleted is made again. Where the temporary folder cannot take it, or its path would not fit 255
+    // characters, the system's own folders (/tmp, /var/tmp) are asked; empty where none of them can.
     QString GetTempFolder();
 
     // Removes the folder before its time, for a process that ends past its objects.

@@ -6,7 +6,11 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
+
+#include <array>
+#include <cstdint>
 
 namespace pictorel::test {
 namespace {
@@ -85,10 +89,74 @@ TEST_F(AtomicFile, WritesBesideWhereTheNameHasNoFolder) {
     EXPECT_EQ(ContentOf(folder_.Path("plain.png")), "new");
 }
 
+TEST_F(AtomicFile, MakesWhatALinkLeadsToWhereItIsNotThereYet) {
+    fs::create_symlink("to come.png", folder_.Path("link.png"));
+    ReplaceFile(folder_.Path("link.png"), Bytes("new"), Durability::Lasting);
+    EXPECT_TRUE(fs::is_symlink(folder_.Path("link.png")));
+    EXPECT_EQ(ContentOf(folder_.Path("to come.png")), "new");
+}
+
+// An access-control list as the kernel takes it: rows of kind, rights and user below a version.
+std::string RightsOfAnotherUser() {
+    constexpr std::uint32_t kNobodys = 0xFFFFFFFF;
+    struct Row {
+        std::uint16_t kind;
+        std::uint16_t rights;
+        std::uint32_t user;
+    };
+    constexpr std::array<Row, 5> kRows{
+        {{1, 6, kNobodys}, {2, 4, 12345}, {4, 0, kNobodys}, {16, 4, kNobodys}, {32, 0, kNobodys}}};
+    std::string list("\2\0\0\0", 4);
+    for (const Row& row : kRows) {
+        list.append(reinterpret_cast<const char*>(&row), sizeof(row));
+    }
+    return list;
+}
+
+std::string AttributeOf(const std::string& fileName, const char* name) {
+    std::string value(256, '\0');
+    const ssize_t bytes = ::getxattr(fileName.c_str(), name, value.data(), value.size());
+    value.resize(bytes > 0 ? static_cast<std::size_t>(bytes) : 0);
+    return value;
+}
+
+TEST_F(AtomicFile, KeepsTheAccessControlListAndTheAttributes) {
+    const std::string name = folder_.Make("a.png", "old");
+    const std::string list = RightsOfAnotherUser();
+    const std::string tags("sea\0sun", 7);
+    if (::setxattr(name.c_str(), "user.xdg.tags", tags.data(), tags.size(), 0) != 0 ||
+        ::setxattr(name.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0) {
+        GTEST_SKIP() << "the file system of the temporary folder has no attributes";
+    }
+    ::setxattr(name.c_str(), "user.empty", "", 0, 0);
+    ReplaceFile(name, Bytes("new"), Durability::Lasting);
+    EXPECT_EQ(ContentOf(name), "new");
+    EXPECT_EQ(AttributeOf(name, "user.xdg.tags"), tags);
+    EXPECT_EQ(::getxattr(name.c_str(), "user.empty", nullptr, 0), 0);
+    EXPECT_EQ(AttributeOf(name, "system.posix_acl_access"), list);
+}
+
+TEST_F(AtomicFile, TheFoldersListWidensNoRights) {
+    const std::string list = RightsOfAnotherUser();
+    if (::setxattr(folder_.Path(".").c_str(), "system.posix_acl_default", list.data(), list.size(), 0) != 0) {
+        GTEST_SKIP() << "the file system of the temporary folder has no lists";
+    }
+    const std::string name = folder_.Make("a.png", "old");
+    ASSERT_EQ(AttributeOf(name, "system.posix_acl_access").size(), list.size()) << "a new file gets it";
+    ASSERT_EQ(::removexattr(name.c_str(), "system.posix_acl_access"), 0);
+    ASSERT_EQ(::chmod(name.c_str(), 0600), 0);
+    ReplaceFile(name, Bytes("new"), Durability::Lasting);
+    EXPECT_EQ(AttributeOf(name, "system.posix_acl_access"), "");
+    EXPECT_EQ(ModeOf(name), 0600U);
+    ReplaceFile(folder_.Path("b.png"), Bytes("new"), Durability::Lasting);
+    EXPECT_EQ(AttributeOf(folder_.Path("b.png"), "system.posix_acl_access").size(), list.size());
+}
+
 TEST_F(AtomicFile, RefusesAndSaysWhy) {
     const std::string guarded = folder_.Make("guarded.png", "old");
     ASSERT_EQ(::chmod(guarded.c_str(), 0444), 0);
     fs::create_symlink("guarded.png", folder_.Path("link.png"));
+    fs::create_symlink("round.png", folder_.Path("round.png"));
     fs::create_directory(folder_.Path("album.png"));
     ASSERT_EQ(::mkfifo(folder_.Path("pipe.png").c_str(), 0600), 0);
     const auto before = folder_.Names();
@@ -96,9 +164,14 @@ TEST_F(AtomicFile, RefusesAndSaysWhy) {
     EXPECT_NE(ErrorOf(guarded, "new").find("write-protected"), std::string::npos);
     EXPECT_NE(ErrorOf(folder_.Path("link.png"), "new").find("write-protected"), std::string::npos);
     EXPECT_NE(ErrorOf(folder_.Path("album.png"), "new").find("folder"), std::string::npos);
-    EXPECT_NE(ErrorOf(folder_.Path("pipe.png"), "new"), "");
+    EXPECT_NE(ErrorOf(folder_.Path("pipe.png"), "new").find("pipe"), std::string::npos);
+    EXPECT_NE(ErrorOf("/dev/full", "new").find("device"), std::string::npos);
+    EXPECT_NE(ErrorOf("/proc/a.png", "new"), "") << "nobody may make files there";
+    EXPECT_NE(ErrorOf(folder_.Path(std::string(300, 'n') + ".png"), "new").find("too long"),
+              std::string::npos);
     EXPECT_NE(ErrorOf(folder_.Path("none/a.png"), "new").find("No such file"), std::string::npos);
     EXPECT_NE(ErrorOf(folder_.Path("guarded.png/a.png"), "new"), "");
+    EXPECT_NE(ErrorOf(folder_.Path("round.png"), "new"), "");
 
     EXPECT_EQ(ContentOf(guarded), "old");
     EXPECT_EQ(folder_.Names(), before) << "nothing is left behind";

@@ -2,6 +2,7 @@
 #include "editor/HeadlessEditor.h"
 #include "picture/engine/Geometry.h"
 #include "picture/engine/PointOperations.h"
+#include "platform/ScopedEnvironment.h"
 #include "support/Pictures.h"
 
 #include <QDir>
@@ -42,6 +43,27 @@ TEST_F(EditorTest, ARefusedFileChangesNothing) {
         EXPECT_TRUE(editor.Document.ImageModified(kSlot));
         EXPECT_EQ(editor.Document.PictureName, "first.png");
     }
+}
+
+TEST_F(EditorTest, ATemporaryFolderTooDeepKeepsTheHistoryAndLeavesTheCurrentFolderAlone) {
+    const QString before = QDir::currentPath();
+    const TemporaryFolder current;
+    const std::string root =
+        current.Path(std::string(100, 'a') + '/' + std::string(100, 'b') + '/' + std::string(60, 'c'));
+    ASSERT_TRUE(QDir().mkpath(QString::fromStdString(root)));
+    ASSERT_TRUE(QDir::setCurrent(QString::fromStdString(current.Path("."))));
+    {
+        const ScopedEnvironment deep("TMPDIR", QString::fromStdString(root));
+        HeadlessEditor other;
+        ASSERT_TRUE(other.Open(QString::fromStdString(folder.Path("first.png"))));
+        ASSERT_TRUE(other.Commit(Operation::Invert));
+        EXPECT_EQ(current.Names().size(), 1U) << "only the deep folder itself";
+        other.editor.Undo();
+        EXPECT_EQ(other.States().Active(), 0);
+        EXPECT_LE(LargestDifference(other.Shown(), picture_), 2);
+    }
+    EXPECT_EQ(current.Names().size(), 1U);
+    QDir::setCurrent(before);
 }
 
 TEST_F(EditorTest, AnEditIsAppliedRecordedAndMarked) {

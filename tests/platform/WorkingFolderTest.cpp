@@ -178,7 +178,7 @@ TEST_F(WorkingFolderTest, OnlyItsOwnKindIsSwept) {
     }
 }
 
-TEST_F(WorkingFolderTest, IsEmptyWhereItsPathWouldBeTooLong) {
+TEST_F(WorkingFolderTest, IsElsewhereWhereItsPathWouldBeTooLong) {
     // The folder's own name takes 16 characters with the separator before it, and one separator behind it.
     for (const int length : {254, 255, 300}) {
         QString root = temporary_.path();
@@ -190,7 +190,10 @@ TEST_F(WorkingFolderTest, IsEmptyWhereItsPathWouldBeTooLong) {
         ASSERT_TRUE(QDir().mkpath(root));
         const ScopedEnvironment deep("TMPDIR", root);
         WorkingFolder folder;
-        EXPECT_EQ(folder.GetTempFolder().size(), length == 254 ? 254 : 0) << length;
+        const QString path = folder.GetTempFolder();
+        EXPECT_EQ(path.startsWith(root + u'/'), length == 254) << length;
+        EXPECT_TRUE(QFileInfo(path).isDir() && QDir::isAbsolutePath(path)) << path.toStdString();
+        EXPECT_LE(path.size(), 254);
     }
 }
 

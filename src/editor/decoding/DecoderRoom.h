@@ -1,7 +1,7 @@
 // One run of the decoder program: started, asked once, gone.
 #pragma once
 
-#include "editor/decoding/Descriptor.h"
+#include "editor/Descriptor.h"
 #include "programs/decoder/DecoderMessages.h"
 
 #include <sys/types.h>

@@ -2,7 +2,7 @@
 // the program says is believed.
 #pragma once
 
-#include "editor/decoding/Descriptor.h"
+#include "editor/Descriptor.h"
 #include "picture/PixelArray.h"
 #include "programs/decoder/DecoderMessages.h"
 

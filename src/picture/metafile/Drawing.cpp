@@ -20,11 +20,10 @@ constexpr double kLongestDrawnSide = 16000;
 constexpr double kShortestSensible = 32;
 constexpr double kLongestSensible = 1024;
 
-double WorkFor(const Drawing& drawing) { // what an honest file of its size can ask for
-    constexpr double kForAny = 1.5e9;
-    constexpr double kPerByte = 4096;
-    return kForAny + kPerByte * static_cast<double>(drawing.fileBytes);
-}
+// Drawing ends with it, however large the file: about a second, since an editor that does not answer is of no
+// use to anybody. Noting what would be drawn comes before that, and has less.
+constexpr double kMostWork = 1.5e9;
+constexpr double kMostSurveyWork = 2e8;
 
 // What the picture shows of the device's plane, and in how many pixels.
 struct Plan {
@@ -110,7 +109,7 @@ void SetResolution(Plan& plan, const QSizeF& inches, const Survey& survey) {
 }
 
 Plan PlanOf(const Drawing& drawing) {
-    Survey survey(WorkFor(drawing));
+    Survey survey(kMostSurveyWork);
     if (drawing.hasBitmaps || drawing.sheet.isEmpty()) {
         DeviceContext context(survey, {QTransform(), 1, drawing.dotsPerMillimetre}, drawing.mapping);
         drawing.play(context);
@@ -149,10 +148,14 @@ PixelArray Played(const Drawing& drawing) {
     const QTransform toCanvas = QTransform::fromTranslate(-plan.sheet.x(), -plan.sheet.y()) *
                                 QTransform::fromScale(scale * plan.width / plan.sheet.width(),
                                                       scale * plan.height / plan.sheet.height());
-    PaintedSurface surface(size, scale, WorkFor(drawing));
+    PaintedSurface surface(size, scale, kMostWork);
     DeviceContext context(surface, {toCanvas, double(scale), drawing.dotsPerMillimetre}, drawing.mapping);
-    drawing.play(context);
+    const double part = drawing.play(context);
+    if (surface.IsExhausted() && !surface.IsPainted()) {
+        codecs::Refuse("The metafile would take too long to draw.");
+    }
     PixelArray picture = surface.Finish();
+    picture.SetPartShown(part);
     Metadata details;
     details.dotsPerInchX = plan.dotsPerInchX;
     details.dotsPerInchY = plan.dotsPerInchY;

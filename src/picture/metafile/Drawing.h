@@ -13,7 +13,8 @@ namespace pictorel::metafile {
 struct Drawing {
     explicit Drawing(QPointF dots) : dotsPerMillimetre(dots), mapping(dots) {}
 
-    std::function<void(DeviceContext&)> play;
+    // Plays the records until the surface is exhausted. How much of the file was played: 1 for all of it.
+    std::function<double(DeviceContext&)> play;
     QPointF dotsPerMillimetre; // of the file's device
     Mapping mapping;           // before the first record
     QRectF sheet;              // device units that the picture shows; empty where the file does not tell
@@ -23,7 +24,8 @@ struct Drawing {
     std::size_t fileBytes = 0;
 };
 
-// Throws ImagingError(UnsupportedFormat) where nothing is drawn, (TooLarge, OutOfMemory).
+// What is drawn before the file has asked for too much work is kept, and PartShown() tells. Throws
+// ImagingError(UnsupportedFormat) where nothing is drawn, (TooLarge, OutOfMemory).
 PixelArray Played(const Drawing& drawing);
 
 } // namespace pictorel::metafile

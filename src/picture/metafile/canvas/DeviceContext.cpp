@@ -1,6 +1,8 @@
 // The drawing state of a metafile being played: state and paths, see DeviceContext.h.
 #include "picture/metafile/canvas/DeviceContext.h"
 
+#include "picture/metafile/canvas/PaintingWork.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -186,6 +188,10 @@ void DeviceContext::CloseFigure() {
 }
 
 void DeviceContext::FlattenPath() {
+    surface_.Spend(StrokeWork(path_, Qt::NoPen, surface_.Bounds()));
+    if (surface_.IsExhausted()) {
+        return;
+    }
     QPainterPath flat;
     for (const QPolygonF& polygon : path_.toSubpathPolygons()) {
         flat.addPolygon(polygon);
@@ -194,7 +200,12 @@ void DeviceContext::FlattenPath() {
 }
 
 void DeviceContext::WidenPath() {
-    path_ = QPainterPathStroker(PaintPen(*state_.pen)).createStroke(path_);
+    const QPen pen = PaintPen(*state_.pen);
+    surface_.Spend(StrokeWork(path_, pen, surface_.Bounds()));
+    if (surface_.IsExhausted()) {
+        return;
+    }
+    path_ = QPainterPathStroker(pen).createStroke(path_);
     path_.setFillRule(Qt::WindingFill);
 }
 

@@ -5,8 +5,11 @@
 namespace pictorel::metafile {
 
 QRegion DeviceContext::RegionOf(const QPainterPath& onCanvas) {
+    if (!surface_.WantsPixels()) {
+        return {}; // nothing is clipped where only extents are noted
+    }
     const QRect bounds = surface_.Bounds();
-    surface_.Spend(onCanvas.elementCount() * 50.0 + bounds.height() * 10.0);
+    surface_.Spend(RegionWork(onCanvas, bounds));
     return surface_.IsExhausted() ? QRegion() : RegionOfPath(onCanvas, bounds);
 }
 
@@ -16,7 +19,11 @@ void DeviceContext::Clip(const QPainterPath& onCanvas, Combine combine) {
 
 void DeviceContext::Clip(const QRegion& onCanvas, Combine combine) {
     const QRegion before = state_.clip.value_or(surface_.Bounds());
-    surface_.Spend((before.rectCount() + onCanvas.rectCount()) * 10.0);
+    constexpr double kPerRectangle = 50;
+    surface_.Spend((before.rectCount() + onCanvas.rectCount()) * kPerRectangle);
+    if (surface_.IsExhausted()) {
+        return;
+    }
     switch (combine) {
         case Combine::And:
             state_.clip = before & onCanvas;

@@ -51,7 +51,8 @@ void FillTriangle(DeviceContext& context, const std::array<GradientVertex, 3>& c
                         context.OnCanvas(corners[2].point)};
     const double whole = Cross(at[0], at[1], at[2]);
     const QRect box = mapped.boundingRect().toAlignedRect() & context.Canvas().Bounds();
-    context.Canvas().Spend(box.width() * 16.0 * box.height());
+    constexpr double kPerPixel = 30;
+    context.Canvas().Spend(kPerPixel * box.width() * box.height());
     if (box.isEmpty() || whole == 0 || context.Canvas().IsExhausted()) {
         return;
     }

@@ -3,7 +3,7 @@
 
 #include "picture/ForEachBand.h"
 #include "picture/codecs/PixelSupport.h"
-#include "picture/metafile/canvas/StrokeWork.h"
+#include "picture/metafile/canvas/PaintingWork.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,12 +13,6 @@ namespace {
 
 QImage ImageIn(PixelArray& memory) {
     return {memory.WritableRows(), memory.Width(), memory.Height(), memory.Stride(), QImage::Format_RGB32};
-}
-
-// Upper bounds of what the painter does for a path of so many points.
-double OutlineWork(const QPainterPath& path, const QRectF& area) {
-    constexpr double kPerPoint = 200;
-    return path.elementCount() * (kPerPoint + area.height() / 8);
 }
 
 std::uint32_t MeanOf(const std::uint32_t* pixels, std::ptrdiff_t stride, int side) {
@@ -58,40 +52,61 @@ QRect PaintedSurface::Reached(const QRectF& area) const {
 
 void PaintedSurface::Fill(const QPainterPath& path, const QBrush& brush, int operation) {
     const QRect area = Reached(path.controlPointRect());
-    Spend(area.width() * double(area.height()) + OutlineWork(path, area));
+    Spend(FillWork(path, brush, area) + UnderClip(area));
     if (IsExhausted() || area.isEmpty()) {
         return;
     }
     painter_.setCompositionMode(CompositionOf(operation));
     painter_.fillPath(path, brush);
+    isPainted_ = true;
 }
 
 void PaintedSurface::Stroke(const QPainterPath& path, const QPen& pen, int operation) {
     const double reach = pen.widthF() * std::max(1.0, pen.miterLimit());
     const QRect area = Reached(path.controlPointRect().adjusted(-reach, -reach, reach, reach));
-    Spend(StrokeWork(path, pen, area));
+    Spend(StrokeWork(path, pen, area) + UnderClip(area));
     if (IsExhausted() || area.isEmpty()) {
         return;
     }
     painter_.setCompositionMode(CompositionOf(operation));
     painter_.strokePath(path, pen);
+    isPainted_ = true;
 }
 
 void PaintedSurface::PutImage(QPoint at, const QImage& image) {
-    Spend(image.width() * 2.0 * image.height());
+    Spend(image.width() * 2.0 * image.height() + UnderClip({at, image.size()}));
     if (!IsExhausted()) {
         painter_.setCompositionMode(QPainter::CompositionMode_SourceOver);
         painter_.drawImage(at, image);
+        isPainted_ = true;
     }
 }
 
+// Where a region is ragged, the painter takes it as a path: for a region as such it sets aside room for every
+// one of its rectangles in every row, which is gigabytes for a few ten thousand of them.
 void PaintedSurface::SetClip(const std::optional<QRegion>& region) {
-    Spend(canvas_.height() + (region ? region->rectCount() * 4.0 : 0.0));
-    if (region) {
+    constexpr int kPlainRectangles = 64;
+    clipRectangles_ = region ? region->rectCount() : 0;
+    Spend(ClippingWork(clipRectangles_));
+    if (IsExhausted()) {
+        return;
+    }
+    if (!region) {
+        painter_.setClipping(false);
+    } else if (clipRectangles_ <= kPlainRectangles) {
         painter_.setClipRegion(*region);
     } else {
-        painter_.setClipping(false);
+        QPainterPath outline;
+        outline.addRegion(*region);
+        painter_.setClipPath(outline);
     }
+}
+
+// What the clip adds to painting in an area.
+double PaintedSurface::UnderClip(const QRect& area) const {
+    constexpr double kPerRectangle = 20;
+    const double share = std::min(1.0, double(area.height()) / canvas_.height());
+    return clipRectangles_ * share * kPerRectangle;
 }
 
 PixelArray PaintedSurface::Finish() {

@@ -14,7 +14,7 @@ class PaintedSurface : public Surface {
   public:
     // Lines and edges are smooth because `scale` x `scale` pixels of the canvas become one of the picture:
     // unlike blended edges, that leaves no seams between areas that touch, and bits to the raster operations.
-    // `work` is how many pixels drawing may touch. Throws ImagingError(TooLarge, OutOfMemory).
+    // `work` is what drawing may cost (PaintingWork.h). Throws ImagingError(TooLarge, OutOfMemory).
     PaintedSurface(QSize picture, int scale, double work);
 
     void Fill(const QPainterPath& path, const QBrush& brush, int operation) override;
@@ -27,10 +27,14 @@ class PaintedSurface : public Surface {
     void Spend(double work) override { work_ -= work; }
     bool IsExhausted() const override { return work_ < 0; }
 
+    // Whether anything was drawn.
+    bool IsPainted() const { return isPainted_; }
+
     // What was drawn, opaque. The surface draws no more.
     PixelArray Finish();
 
   private:
+    double UnderClip(const QRect& area) const;
     QRect Reached(const QRectF& area) const; // whole pixels that are inside canvas and clip
     void Mix(const Stamp& stamp, const PlacedBitmap& placed, const QImage& image, const QRect& area);
 
@@ -38,6 +42,8 @@ class PaintedSurface : public Surface {
     QImage canvas_;
     int scale_;
     double work_;
+    int clipRectangles_ = 0;
+    bool isPainted_ = false;
     QPainter painter_;
 };
 

@@ -49,9 +49,11 @@ void PaintedSurface::Put(const Stamp& stamp) {
     const PlacedBitmap placed(stamp, scale_);
     const QRect area = Reached(placed.Area());
     constexpr double kPerCanvasPixel = 8;
+    constexpr double kPerMixedPixel = 30;
     constexpr double kPerBitmapPixel = 4;
-    Spend(kPerCanvasPixel * area.width() * area.height() +
-          kPerBitmapPixel * stamp.bitmap->Size().width() * stamp.bitmap->Size().height());
+    const bool isMixed = stamp.mask != nullptr || stamp.operation != kCopySource;
+    Spend((isMixed ? kPerMixedPixel : kPerCanvasPixel) * area.width() * area.height() +
+          kPerBitmapPixel * stamp.bitmap->Size().width() * stamp.bitmap->Size().height() + UnderClip(area));
     if (IsExhausted() || area.isEmpty()) {
         return;
     }
@@ -59,6 +61,7 @@ void PaintedSurface::Put(const Stamp& stamp) {
     if (image.isNull()) {
         return;
     }
+    isPainted_ = true;
     if (stamp.mask == nullptr && stamp.operation == kCopySource) {
         painter_.setCompositionMode(QPainter::CompositionMode_SourceOver);
         painter_.setOpacity(stamp.opacity);

@@ -50,7 +50,7 @@ class Surface {
     // Whether it matters what is drawn, or only where.
     virtual bool WantsPixels() const = 0;
 
-    // Counts work that is done beside the surface, in pixels touched.
+    // Counts work that is done beside the surface, in the nanoseconds of PaintingWork.h.
     virtual void Spend(double work) = 0;
 
     // Whether the file has asked for more work than one of its size can mean: nothing is drawn from then on.

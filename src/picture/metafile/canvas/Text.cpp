@@ -140,8 +140,9 @@ QTransform ToCanvas(const DeviceContext& context, const Layout& layout, QPointF 
 }
 
 void DrawLetters(DeviceContext& context, const TextLine& line) {
-    constexpr double kPerLetter = 4000;
-    context.Canvas().Spend(kPerLetter * static_cast<double>(line.text.size()));
+    constexpr double kPerLine = 15000;
+    constexpr double kPerLetter = 12000;
+    context.Canvas().Spend(kPerLine + kPerLetter * static_cast<double>(line.text.size()));
     if (context.Canvas().IsExhausted()) {
         return;
     }

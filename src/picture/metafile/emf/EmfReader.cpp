@@ -4,6 +4,7 @@
 #include "picture/metafile/Metafile.h"
 #include "picture/metafile/emf/EmfRecords.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace pictorel::metafile {
@@ -29,8 +30,8 @@ class Records {
         constexpr std::uint32_t kLeastBytes = 8;
         const std::uint32_t type = codecs::LittleEndian32(rest_, 0);
         const std::uint32_t bytes = codecs::LittleEndian32(rest_, 4);
-        if (rest_.size() < kLeastBytes || bytes < kLeastBytes ||
-            type == static_cast<std::uint32_t>(EmfType::EndOfFile)) {
+        isWhole_ = type == static_cast<std::uint32_t>(EmfType::EndOfFile);
+        if (rest_.size() < kLeastBytes || bytes < kLeastBytes || isWhole_) {
             return std::nullopt;
         }
         const Record record{type, codecs::Slice(rest_, 0, bytes), bytes <= rest_.size()};
@@ -38,8 +39,12 @@ class Records {
         return record;
     }
 
+    std::size_t BytesLeft() const { return rest_.size(); }
+    bool IsWhole() const { return isWhole_; } // once there is no next: the last one said that it is
+
   private:
     ByteView rest_;
+    bool isWhole_ = false;
 };
 
 // A bitmap that is cut short still shows its first rows.
@@ -72,7 +77,14 @@ Content ContentOf(ByteView file) {
     return content;
 }
 
-void Play(ByteView file, DeviceContext& context) {
+// Files without their last record were cut short; their header says how long they should be.
+double PartPresent(ByteView file, const Records& atEnd) {
+    constexpr double kAlmostAll = 0.99;
+    const double claimed = double(codecs::LittleEndian32(file, 48));
+    return atEnd.IsWhole() || claimed <= 0 ? 1 : std::min(kAlmostAll, double(file.size()) / claimed);
+}
+
+double Play(ByteView file, DeviceContext& context) {
     Records records(file);
     while (const auto record = records.Next()) {
         const EmfRow* const row = FindEmfRow(record->type);
@@ -80,9 +92,10 @@ void Play(ByteView file, DeviceContext& context) {
             row->play(context, Fields(record->bytes));
         }
         if (context.Canvas().IsExhausted()) {
-            return;
+            return 1 - double(records.BytesLeft()) / double(file.size());
         }
     }
+    return PartPresent(file, records);
 }
 
 // Device pixels a millimetre. Files that do not tell were made for the usual screen.
@@ -132,7 +145,7 @@ PixelArray ReadEmf(ByteView file, const codecs::ReadOptions& /*options*/) {
     }
     const Fields header(file);
     Drawing drawing(DeviceResolution(header));
-    drawing.play = [file](DeviceContext& context) { Play(file, context); };
+    drawing.play = [file](DeviceContext& context) { return Play(file, context); };
     drawing.hasBitmaps = content.hasBitmaps;
     drawing.isOnlyBitmaps = content.isOnlyBitmaps;
     drawing.fileBytes = file.size();

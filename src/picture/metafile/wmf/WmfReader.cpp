@@ -4,6 +4,7 @@
 #include "picture/metafile/Metafile.h"
 #include "picture/metafile/wmf/WmfRecords.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace pictorel::metafile {
@@ -41,7 +42,8 @@ class Records {
         constexpr std::size_t kHeadBytes = 6;
         const std::size_t bytes = std::size_t{2} * LittleEndian32(rest_, 0);
         const std::uint16_t type = LittleEndian16(rest_, 4);
-        if (rest_.size() < kHeadBytes || bytes < kHeadBytes || type == static_cast<int>(WmfType::EndOfFile)) {
+        isWhole_ = rest_.size() >= kHeadBytes && type == static_cast<int>(WmfType::EndOfFile);
+        if (rest_.size() < kHeadBytes || bytes < kHeadBytes || isWhole_) {
             return std::nullopt;
         }
         const Record record{type, Fields(codecs::Slice(rest_, kHeadBytes, bytes - kHeadBytes)),
@@ -50,8 +52,12 @@ class Records {
         return record;
     }
 
+    std::size_t BytesLeft() const { return rest_.size(); }
+    bool IsWhole() const { return isWhole_; } // once there is no next: the last one said that it is
+
   private:
     ByteView rest_;
+    bool isWhole_ = false;
 };
 
 // A bitmap that is cut short still shows its first rows.
@@ -102,7 +108,14 @@ Content ContentOf(ByteView file) {
     return content;
 }
 
-void Play(ByteView file, DeviceContext& context) {
+// Files without their last record were cut short; their header says how long they should be.
+double PartPresent(ByteView file, const Records& atEnd) {
+    constexpr double kAlmostAll = 0.99;
+    const double claimed = double(std::size_t{2} * LittleEndian32(WithoutPlaceableHeader(file), 6));
+    return atEnd.IsWhole() || claimed <= 0 ? 1 : std::min(kAlmostAll, double(file.size()) / claimed);
+}
+
+double Play(ByteView file, DeviceContext& context) {
     Records records(file);
     while (const auto record = records.Next()) {
         const WmfRow* const row = FindWmfRow(record->type);
@@ -110,9 +123,10 @@ void Play(ByteView file, DeviceContext& context) {
             row->play(context, record->fields);
         }
         if (context.Canvas().IsExhausted()) {
-            return;
+            return 1 - double(records.BytesLeft()) / double(file.size());
         }
     }
+    return PartPresent(file, records);
 }
 
 // The rectangle of the placeable header, and what it measures on paper.
@@ -175,7 +189,7 @@ PixelArray ReadWmf(ByteView file, const codecs::ReadOptions& /*options*/) {
         codecs::Refuse("The metafile draws nothing.");
     }
     Drawing drawing(kScreen);
-    drawing.play = [file](DeviceContext& context) { Play(file, context); };
+    drawing.play = [file](DeviceContext& context) { return Play(file, context); };
     drawing.mapping.SetMode(kAnisotropic);
     drawing.hasBitmaps = content.hasBitmaps;
     drawing.isOnlyBitmaps = content.isOnlyBitmaps;

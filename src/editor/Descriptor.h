@@ -20,10 +20,10 @@ class Descriptor {
     int Number() const noexcept { return number_; }
     bool IsOpen() const noexcept { return number_ >= 0; }
 
-    void Close() noexcept {
-        if (IsOpen()) {
-            ::close(std::exchange(number_, -1));
-        }
+    // False where the system only now says that something written through it is lost.
+    bool Close() noexcept {
+        const int number = std::exchange(number_, -1);
+        return number < 0 || ::close(number) == 0;
     }
 
   private:
