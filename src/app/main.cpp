@@ -3,6 +3,7 @@
 #include "app/frmMain.h"
 #include "platform/Folders.h"
 #include "platform/TerminationSignals.h"
+#include "platform/WorkingFolder.h"
 
 #include <QApplication>
 #include <QFont>
@@ -29,7 +30,7 @@ QIcon ApplicationIcon() {
 
 struct RemovedAtExit {
     std::shared_ptr<pictorel::WorkingFolder> folder;
-    ~RemovedAtExit() { folder->Remove(); }
+    ~RemovedAtExit() { folder->RemoveUnlessRecoverable(); }
 };
 
 } // namespace

@@ -1,5 +1,5 @@
 // The private folder of working files: whose it is, how long it lives, and which other folders it may sweep.
-#include "platform/Folders.h"
+#include "platform/WorkingFolder.h"
 #include "platform/ScopedEnvironment.h"
 
 #include <QDir>
