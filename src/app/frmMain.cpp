@@ -152,11 +152,12 @@ void frmMain::MakeShell() {
     shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
     pictureDrop_ = std::make_unique<PictureDrop>(
         *this, editor_, [this] { return IsReadyToOpen(); },
-        [this](const QString& fileName) { fileCommands_->OpenFile(fileName); });
+        [this](const PictureArrival& arrival) { fileCommands_->OpenArrival(arrival); });
     startUp_ = std::make_unique<StartUp>(
         StartUpParts{*this, controls_, timers_, strings_, icons_, skin_, PopupControl_Splash_,
                      PopupControl_Tag_, editor_, *updateCheck_, *popups_, *pictureControls_, *historyPanel_,
-                     *toolPanels_, *resizePanel_, *zoomScroll_, *preview_, [this] { return ShowUpdates(); }});
+                     *toolPanels_, *resizePanel_, *zoomScroll_, *preview_, [this] { return ShowUpdates(); },
+                     [this](const QStringList& files) { pictureDrop_->Open(FirstOf(files)); }});
 }
 
 bool frmMain::IsReadyToOpen() const {

@@ -13,7 +13,8 @@ namespace pictorel {
 
 class EditorWindow {
   public:
-    EditorWindow();
+    // Started with the file on the command line, where one is given.
+    explicit EditorWindow(const CommandLine& commandLine = {});
     ~EditorWindow();
 
     Person person;
