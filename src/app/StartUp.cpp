@@ -8,6 +8,7 @@
 #include "notices/WebSite.h"
 #include "panels/IconTable.h"
 #include "platform/CarryOn.h"
+#include "platform/Folders.h"
 #include "platform/PumpEvents.h"
 #include "platform/Texts.h"
 
@@ -273,7 +274,7 @@ void StartUp::Timer_StartUp_Timer() {
                 }
             },
             [&] { parts_.popups.BlinkButton(OpenButton(), true, kBlinkInterval); }, //
-            [&] { OpenButton().SetEnabled(true); },
+            [&] { OpenButton().SetEnabled(true); }, [&] { parts_.offerRecovery(); },
             [&] {
                 if (!DownloadChosen_) {
                     parts_.timers.Timer_Tags.start();

@@ -64,7 +64,8 @@ struct StartUpParts {
     ResizePanel& resizePanel;
     ZoomScroll& zoomScroll;
     PreviewWindow& previewWindow;
-    std::function<bool()> showUpdates; // waits for the answer; true where the new version is wanted
+    std::function<bool()> showUpdates;   // waits for the answer; true where the new version is wanted
+    std::function<void()> offerRecovery; // of what other editors left
     std::function<void(const QStringList&)> openFiles; // as if they were dropped on the window
 };
 

@@ -147,6 +147,23 @@ void FileCommands::OpenBy(const std::function<bool()>& load) {
     }
 }
 
+bool FileCommands::Recover(const RecoveryRecord& record) {
+    CarryOn([&] { services_.endAttention(); });
+    bool recovered = false;
+    CarryOn([&] {
+        if (OfferToSaveChanges()) {
+            const Editor::Command command(editor_);
+            recovered = editor_.Recover(record);
+        }
+    });
+    if (recovered) {
+        CarryOn([&] { services_.resetPanels(); },   //
+                [&] { services_.enableEditing(); }, //
+                [&] { services_.settleUndoRedo(); });
+    }
+    return recovered;
+}
+
 void FileCommands::ShowAsFreshlyOpened() {
     const Editor::Command command(editor_);
     CarryOn([&] { services_.resetPanels(); },   //

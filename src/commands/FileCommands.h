@@ -40,6 +40,9 @@ class FileCommands {
     // such file, and which others were left.
     void OpenArrival(const PictureArrival& arrival);
 
+    // Brings back what another editor left, with the question of Open first. False where that did not happen.
+    bool Recover(const RecoveryRecord& record);
+
     // Asks "Save Changes ?" while the picture is changed. False where the command at hand must end: the
     // person cancelled, or chose to save and that did not happen. What was saved is changed no longer.
     bool OfferToSaveChanges();

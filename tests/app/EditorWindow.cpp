@@ -13,7 +13,11 @@
 
 namespace pictorel {
 
-EditorWindow::EditorWindow(const CommandLine& commandLine) : window_(std::make_unique<frmMain>()) {
+EditorWindow::EditorWindow(const CommandLine& commandLine, const std::function<void(Person& person)>& prepare)
+    : window_(std::make_unique<frmMain>()) {
+    if (prepare) {
+        prepare(person);
+    }
     // The splash is waited for by the start-up sequence itself; nobody needs to see it here.
     QTimer closer;
     QObject::connect(&closer, &QTimer::timeout, [this] {
