@@ -12,14 +12,6 @@
 #include <thread>
 #include <vector>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define PICTOREL_UNDER_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define PICTOREL_UNDER_ASAN 1
-#endif
-#endif
-
 namespace pictorel {
 namespace {
 
@@ -121,7 +113,7 @@ TEST_F(BufferPool, ServesSeveralThreads) {
 }
 
 TEST_F(BufferPool, AsksForMoreThanThereIsWithAClearError) {
-#ifdef PICTOREL_UNDER_ASAN
+#ifdef PICTOREL_SANITIZED
     GTEST_SKIP() << "the sanitizer ends the program instead";
 #endif
     try {
@@ -152,7 +144,7 @@ class AddressSpaceLimit {
 };
 
 TEST_F(BufferPool, IdleBlocksMakeRoomWhenMemoryIsShort) {
-#ifdef PICTOREL_UNDER_ASAN
+#ifdef PICTOREL_SANITIZED
     GTEST_SKIP() << "the sanitizer keeps freed memory";
 #endif
     TakeBuffer(200 * kMiB).reset();
