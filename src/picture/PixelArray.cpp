@@ -3,6 +3,7 @@
 
 #include "picture/BufferPool.h"
 #include "picture/ForEachBand.h"
+#include "picture/FreeMemory.h"
 #include "picture/ImagingError.h"
 
 #include <cstring>
@@ -13,6 +14,18 @@ namespace pictorel {
 namespace {
 
 constexpr std::ptrdiff_t kRowAlignment = 64;
+
+// Before memory is taken that the system would have to end programs for.
+void CheckRoom(int width, int height, std::size_t bytes) {
+    const auto room = RoomForPicture(bytes);
+    const auto needed = room ? static_cast<std::int64_t>(static_cast<double>(bytes) * room->takenPerByte) : 0;
+    if (room && needed > room->bytes) {
+        throw ImagingError(ImagingFailure::OutOfMemory,
+                           "There is not enough memory: " + std::to_string(width) + " x " +
+                               std::to_string(height) + " pixels need " + MemoryText(needed) + ", and " +
+                               MemoryText(room->bytes) + " are free.");
+    }
+}
 
 } // namespace
 
@@ -30,7 +43,9 @@ void CheckPictureSize(std::int64_t width, std::int64_t height) {
 PixelArray::PixelArray(int width, int height) {
     CheckPictureSize(width, height);
     stride_ = StrideOf(width);
-    buffer_ = TakePictureBuffer(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height));
+    const std::size_t bytes = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height);
+    CheckRoom(width, height, bytes);
+    buffer_ = TakePictureBuffer(bytes);
     width_ = width;
     height_ = height;
 }

@@ -60,6 +60,7 @@ TEST_F(BufferPool, SmallBlocksAreLeftToTheSystem) {
 }
 
 TEST_F(BufferPool, KeepsTheNewestUpToItsCap) {
+    const auto used = TakeBuffer(90 * kMiB);
     auto oldest = TakeBuffer(100 * kMiB);
     auto middle = TakeBuffer(110 * kMiB);
     auto newest = TakeBuffer(120 * kMiB);
@@ -72,6 +73,20 @@ TEST_F(BufferPool, KeepsTheNewestUpToItsCap) {
 
     TakeBuffer(kMostKept + 1).reset(); // more than the pool may hold at all
     EXPECT_EQ(PooledBytes(), 230 * kMiB) << "one that is too large does not push the others out";
+}
+
+TEST_F(BufferPool, KeepsWhatThePictureInUseJustifies) {
+    const auto small = TakeBuffer(4 * kMiB);
+    auto huge = TakeBuffer(2 * kMostKept);
+    TakeBuffer(2 * kMostKept).reset();
+    EXPECT_EQ(PooledBytes(), 2 * kMostKept);
+    huge.reset(); // the huge picture is closed
+    EXPECT_EQ(PooledBytes(), 0U);
+    for (std::size_t i = 1; i < 100; ++i) { // small ones of many sizes
+        TakeBuffer(2 * i % 20 * kMiB + kMiB).reset();
+        EXPECT_LE(PooledBytes(), 32 * kMiB);
+    }
+    EXPECT_GT(PooledBytes(), 0U);
 }
 
 TEST_F(BufferPool, KeepsOneMoreOfAHugePicture) {
@@ -143,12 +158,30 @@ class AddressSpaceLimit {
     rlimit before_{};
 };
 
+TEST_F(BufferPool, SaysWhatIsNeededAndWhatIsFree) {
+#ifdef PICTOREL_UNDER_ASAN
+    GTEST_SKIP() << "the sanitizer maps more than any limit";
+#endif
+    const AddressSpaceLimit limit(200 * kMiB);
+    try {
+        TakeBuffer(900 * kMiB);
+        FAIL();
+    } catch (const ImagingError& error) {
+        EXPECT_EQ(error.Kind(), ImagingFailure::OutOfMemory);
+        const std::string text = error.what();
+        EXPECT_NE(text.find("needs 944 MB, and 2"), std::string::npos) << text;
+    }
+    EXPECT_NE(TakeBuffer(100 * kMiB).get(), nullptr);
+}
+
 TEST_F(BufferPool, IdleBlocksMakeRoomWhenMemoryIsShort) {
 #ifdef PICTOREL_SANITIZED
     GTEST_SKIP() << "the sanitizer keeps freed memory";
 #endif
+    const auto used = TakeBuffer(100 * kMiB);
     TakeBuffer(200 * kMiB).reset();
-    const AddressSpaceLimit limit(50 * kMiB);
+    ASSERT_EQ(PooledBytes(), 200 * kMiB);
+    const AddressSpaceLimit limit(130 * kMiB);
     const auto block = TakeBuffer(150 * kMiB);
     EXPECT_NE(block.get(), nullptr);
     EXPECT_EQ(PooledBytes(), 0U);

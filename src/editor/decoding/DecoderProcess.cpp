@@ -2,6 +2,7 @@
 #include "editor/decoding/DecoderProcess.h"
 
 #include "editor/decoding/ReceivedPicture.h"
+#include "picture/FreeMemory.h"
 #include "picture/ImagingError.h"
 #include "picture/Limits.h"
 #include "programs/decoder/Walls.h"
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <string_view>
 #include <utility>
 
@@ -39,19 +39,6 @@ OpenFile Open(const std::string& fileName) {
     }
     file.bytes = status.st_size;
     return file;
-}
-
-// What the machine can give without taking it from others, in bytes.
-std::int64_t MemoryToSpare() {
-    std::ifstream figures("/proc/meminfo");
-    for (std::string word; figures >> word;) {
-        if (word == "MemAvailable:") {
-            std::int64_t kilobytes = 0;
-            figures >> kilobytes;
-            return kilobytes << 10;
-        }
-    }
-    return 2 * kMostShared;
 }
 
 // A text that a stranger may have written: fit for any message box, whatever that takes for markup.
@@ -117,8 +104,10 @@ DecoderProcess::Room DecoderProcess::TakeRoom(Room& waiting, bool withFonts) con
 // Asks a program that is ready.
 std::optional<decoder::Answer> DecoderProcess::Ask(DecoderRoom& room, const OpenFile& file,
                                                    const AnswerMemory& memory) const {
-    room.LimitMemory(static_cast<std::uint64_t>(MemoryToSpare() / 2));
+    const std::int64_t free = FreeMemory();
+    room.LimitMemory(static_cast<std::uint64_t>(free / 2));
     decoder::Request request;
+    request.roomBytes = free;
     request.fileBytes = file.bytes;
     request.memoryBytes = memory.Bytes();
     return room.Ask(request, file.descriptor.Number(), memory.Number(), {patience_, keepWaiting_});
@@ -137,7 +126,7 @@ DecoderProcess::Decoded DecoderProcess::DecodeIn(Room& waiting, bool withFonts, 
         }
         return {Outcome::NoProgram, {}};
     }
-    AnswerMemory memory(std::min(MemoryToSpare() / 2, kMostShared));
+    AnswerMemory memory(std::min(FreeMemory() / 2, kMostShared));
     const auto answer = Ask(*room, file, memory);
     room->End(); // it has no hand on the picture any longer
     const Change change(*this, waiting, withFonts, room);

@@ -133,6 +133,7 @@ Answer AnswerTo(const GivenRequest& given, const codecs::CodecTable& formats, bo
             return Refused(ImagingFailure::UnsupportedFormat, "This is no picture of a known format.");
         }
         SharedMemory memory(given.memory, given.request.memoryBytes);
+        SetPictureRoom({given.request.roomBytes, kEditingPerByte});
         SetPictureBufferSource([&memory](std::size_t bytes) { return memory.TakePixels(bytes); });
         return Decoded(codec->read(file, {}), memory);
     } catch (const ImagingError& error) {

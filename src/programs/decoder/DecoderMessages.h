@@ -12,7 +12,7 @@ inline constexpr int kSocket = 3; // the descriptor under which the program find
 // The program's argument where it is to load the fonts of the machine, for drawings with text.
 inline constexpr const char* kWithFonts = "--with-fonts";
 
-inline constexpr std::uint32_t kMark = 0x50445231; // opens every message; goes up with any change below
+inline constexpr std::uint32_t kMark = 0x50445232; // opens every message; goes up with any change below
 
 // Pixels begin on such a border in the shared memory, so that large pages can hold them.
 inline constexpr std::int64_t kPixelAlignment = std::int64_t{2} << 20;
@@ -29,7 +29,12 @@ struct Request {
     std::uint32_t unused = 0;
     std::int64_t fileBytes = 0;
     std::int64_t memoryBytes = 0;
+    std::int64_t roomBytes = 0; // that the machine has free
 };
+
+// What editing takes for each byte of a picture: the picture, the result of an operation, the halved copies
+// for the screen, and the file that is written.
+inline constexpr double kEditingPerByte = 2.5;
 
 enum class Outcome : std::uint32_t {
     Decoded,

@@ -10,6 +10,7 @@
 #include <QFontDatabase>
 #include <QStringList>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -340,6 +341,32 @@ TEST_F(DecoderProcessTest, FilesThatAreNoneAreRefused) {
     EXPECT_THROW(decoder.Decode("/dev/zero"), ImagingError);
     EXPECT_THROW(decoder.Decode(folder_.Make("empty", "")), ImagingError);
     EXPECT_TRUE(decoder.Decode(Save(Random({20, 10}), "BMP")));
+}
+
+TEST_F(DecoderProcessTest, APictureThatTheMachineHasNoRoomForIsRefusedWithItsSize) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer maps more than any limit";
+#endif
+    const std::string name = Save(test::Constant({6000, 4000}, {9, 8, 7, 255}), "PNG");
+    DecoderProcess decoder(kProgram);
+    ASSERT_TRUE(decoder.Walls().lacking.size() < 10) << "it has started before the limit";
+    rlimit before{};
+    ::getrlimit(RLIMIT_AS, &before);
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit limit = before;
+    limit.rlim_cur = pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) + (std::size_t{150} << 20);
+    ::setrlimit(RLIMIT_AS, &limit);
+    std::string text;
+    try {
+        decoder.Decode(name);
+    } catch (const ImagingError& error) {
+        EXPECT_EQ(error.Kind(), ImagingFailure::OutOfMemory);
+        text = error.what();
+    }
+    ::setrlimit(RLIMIT_AS, &before);
+    EXPECT_NE(text.find("6000 x 4000 pixels need 240 MB, and 15"), std::string::npos) << text;
+    EXPECT_TRUE(decoder.Decode(name));
 }
 
 TEST_F(DecoderProcessTest, TellsItsWalls) {

@@ -236,6 +236,20 @@ TEST(Bmp, DecodesRunLengths) {
         });
 }
 
+TEST(Bmp, RefusesAHugePictureThatIsNearlyAllJumpedOver) {
+    Recipe recipe{.width = 30000, .height = 30000, .bits = 8, .compression = 1, .palette = RgbPalette()};
+    for (int i = 0; i < 120; ++i) {
+        recipe.pixels.insert(recipe.pixels.end(), {0, 2, 0, 250, 9, 1}); // a delta, and a run of nine
+    }
+    try {
+        ReadBmp(MakeBmp(recipe), {});
+        FAIL();
+    } catch (const ImagingError& error) {
+        EXPECT_EQ(error.Kind(), ImagingFailure::UnsupportedFormat);
+        EXPECT_STREQ(error.what(), "The file is far too short for its picture of 30000 x 30000 pixels.");
+    }
+}
+
 // Each row behind an end of line: four white and four black of width 8 need no more; then none white, two
 // black, six white.
 TEST(Bmp, DecodesTheHuffmanCodesOfOs2) {

@@ -164,13 +164,21 @@ PixelArray Decode(const BmpHeader& header, const ReadOptions& options) {
     if (header.compression == BmpCompression::EmbeddedFile) {
         return ReadEmbedded(header, options);
     }
+    const bool hasRunLengths = header.compression != BmpCompression::None &&
+                               header.compression != BmpCompression::BitFields &&
+                               header.compression != BmpCompression::Huffman;
+    if (hasRunLengths) {
+        constexpr std::int64_t kMostJumpedOver = 1000; // pixels for each that is named
+        CheckClaimedSize(header.width, header.height,
+                         static_cast<std::size_t>(PixelsNamedByRunLengths(header)), kMostJumpedOver);
+    }
     PixelArray picture = header.compression == BmpCompression::Huffman
                              ? DecodeBmpHuffman(header)
                              : PixelArray(header.width, header.height);
     if (header.compression == BmpCompression::None || header.compression == BmpCompression::BitFields) {
         DecodeRawRows(header, picture);
         JudgeAlphaOfRowsPresent(header, picture);
-    } else if (header.compression != BmpCompression::Huffman) {
+    } else if (hasRunLengths) {
         DecodeBmpRunLengths(header, picture);
         SettleAlpha(picture);
     }

@@ -121,6 +121,29 @@ class RunLengthDecoder {
 
 } // namespace
 
+std::int64_t PixelsNamedByRunLengths(const BmpHeader& header) {
+    const ByteView data = header.pixels;
+    const auto bytesOf = [&](int pixels) {
+        return (static_cast<std::size_t>(pixels) * static_cast<std::size_t>(header.bits) + 7) / 8;
+    };
+    constexpr int kLastCommand = 2; // end of line, end of bitmap, delta; above them counts of plain pixels
+    std::int64_t named = 0;
+    for (std::size_t at = 0; at + 1 < data.size();) {
+        const int count = data[at];
+        const int code = data[at + 1];
+        if (count > 0) {
+            named += count;
+            at += header.bits == 24 ? 4 : 2;
+        } else if (code > kLastCommand) {
+            named += code;
+            at += 2 + (bytesOf(code) + 1) / 2 * 2;
+        } else {
+            at += code == kLastCommand ? 4 : 2;
+        }
+    }
+    return named;
+}
+
 void DecodeBmpRunLengths(const BmpHeader& header, PixelArray& picture) {
     RunLengthDecoder(header, picture).Decode();
 }

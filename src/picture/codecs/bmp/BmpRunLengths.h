@@ -10,4 +10,8 @@ namespace pictorel::codecs {
 // rest is white.
 void DecodeBmpRunLengths(const BmpHeader& header, PixelArray& picture);
 
+// How many pixels the data names at most, for asking whether a picture of the claimed size is meant. The rest
+// of it is jumped over: that costs four bytes for 65,000 of them.
+std::int64_t PixelsNamedByRunLengths(const BmpHeader& header);
+
 } // namespace pictorel::codecs

@@ -111,6 +111,11 @@ std::shared_ptr<std::uint8_t> Inflated(ByteView data, std::size_t bytes) {
 
 bool ReadPlainPng(ByteView file, bool hasAlpha, PixelArray& picture) {
     const std::size_t rowBytes = (hasAlpha ? 4U : 3U) * static_cast<std::size_t>(picture.Width());
+    // Twice the memory is too much for a large picture, and half of the time no longer worth it.
+    constexpr std::int64_t kMostPixels = std::int64_t{64} << 20;
+    if (std::int64_t{picture.Width()} * picture.Height() > kMostPixels) {
+        return false;
+    }
     ByteBuffer joined;
     const ByteView data = PngData(file, joined);
     const auto filtered = Inflated(data, (rowBytes + 1) * static_cast<std::size_t>(picture.Height()));
