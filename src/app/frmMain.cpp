@@ -116,9 +116,9 @@ void frmMain::MakeResizePanel() {
 
 void frmMain::MakeDisplay() {
     display_ = std::make_unique<EditorDisplay>(
-        editor_,
-        EditorDisplayParts{controls_.ImageView(kSlot), *zoomScroll_, *preview_, *historyPanel_, *livePreview_,
-                           *resizePanel_, controls_.lbl_ImageInfo(kSlot), controls_.ProgressBarControl});
+        editor_, EditorDisplayParts{*this, strings_.Entry(Text::Title), controls_.ImageView(kSlot),
+                                    *zoomScroll_, *preview_, *historyPanel_, *livePreview_, *resizePanel_,
+                                    controls_.lbl_ImageInfo(kSlot), controls_.ProgressBarControl});
     editor_.SetObserver(display_.get());
 }
 

@@ -1,6 +1,7 @@
 // The tool bar's commands, see FileCommands.h.
 #include "commands/FileCommands.h"
 
+#include "commands/SaveName.h"
 #include "controls/FocusKeeper.h"
 #include "editor/SaveFormats.h"
 #include "platform/CarryOn.h"
@@ -89,7 +90,19 @@ bool FileCommands::OpenImageDialog() {
 bool FileCommands::SaveImageDialog() {
     return OrShowError([this] {
         CommonDialog& dialog = controls_.CDialog_Open;
-        PrepareDialog(dialog, FromView(kSaveFilter), kSaveFlags, editor_.Document.SaveDialogFolder);
+        const Image_Mods& document = editor_.Document;
+        const bool isFile = !document.PictureFolder.isEmpty();
+        PrepareDialog(dialog, FromView(kSaveFilter), kSaveFlags,
+                      isFile ? document.PictureFolder : document.SaveDialogFolder);
+        if (!document.PictureName.isEmpty()) {
+            const SaveProposal proposal = ProposeSave(document.PictureName);
+            dialog.FileName = proposal.name;
+            dialog.FilterIndex = proposal.filterIndex;
+        }
+        dialog.OtherExtensions.clear();
+        for (const SaveSpelling& row : kSaveSpellings) {
+            dialog.OtherExtensions.append(FromView(row.spelling));
+        }
         dialog.ShowSave();
         const Editor::Command command(editor_);
         return !dialog.FileName.isEmpty() && editor_.Files.SaveImageFileAs(kSlot, dialog.FileName);

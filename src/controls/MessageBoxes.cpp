@@ -22,7 +22,7 @@ QMessageBox::Icon KindOf(MessageIcon icon) {
 }
 
 int Ask(QWidget* owner, const QString& text, const QString& title, MessageIcon icon,
-        QMessageBox::StandardButtons buttons) {
+        QMessageBox::StandardButtons buttons, QMessageBox::StandardButton byDefault = QMessageBox::NoButton) {
     QMessageBox box(KindOf(icon), title, text, buttons, owner);
     // Into the label, not by setIconPixmap(): that would take from the box what kind it is, which desktops
     // tell by a sound and screen readers by words.
@@ -30,6 +30,7 @@ int Ask(QWidget* owner, const QString& text, const QString& title, MessageIcon i
         label->setPixmap(MessageMark(icon, box.devicePixelRatioF()));
     }
     box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(byDefault);
     return box.exec();
 }
 
@@ -37,6 +38,11 @@ int Ask(QWidget* owner, const QString& text, const QString& title, MessageIcon i
 
 void MessageBoxes::Show(const QString& text, const QString& title, MessageIcon icon) {
     Ask(owner_, text, title, icon, QMessageBox::Ok);
+}
+
+bool MessageBoxes::AskYesNo(const QString& text, const QString& title) {
+    return Ask(owner_, text, title, MessageIcon::Question, QMessageBox::Yes | QMessageBox::No,
+               QMessageBox::No) == QMessageBox::Yes;
 }
 
 MessageAnswer MessageBoxes::AskYesNoCancel(const QString& text, const QString& title) {

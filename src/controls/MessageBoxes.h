@@ -14,6 +14,9 @@ class MessageBoxes : public Messages {
     void Show(const QString& text, const QString& title, MessageIcon icon) override;
     MessageAnswer AskYesNoCancel(const QString& text, const QString& title) override;
 
+    // True for Yes; closing the box is No, and so is Enter.
+    bool AskYesNo(const QString& text, const QString& title);
+
   private:
     QWidget* owner_;
 };
