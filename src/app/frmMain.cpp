@@ -149,7 +149,7 @@ void frmMain::MakeShell() {
     shutDown_ = std::make_unique<ShutDown>(
         *this, ShutDownParts{editor_, *fileCommands_, *scanCommand_, *imageTwain_, *preview_,
                              controls_.WebBrowser1, *popups_, PopupControl_Splash_});
-    shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
+    BindKeys();
     pictureDrop_ = std::make_unique<PictureDrop>(
         *this, editor_, [this] { return IsReadyToOpen(); },
         [this](const PictureArrival& arrival) { fileCommands_->OpenArrival(arrival); });
@@ -158,6 +158,21 @@ void frmMain::MakeShell() {
                      PopupControl_Tag_, editor_, *updateCheck_, *popups_, *pictureControls_, *historyPanel_,
                      *toolPanels_, *resizePanel_, *zoomScroll_, *preview_, [this] { return ShowUpdates(); },
                      [this](const QStringList& files) { pictureDrop_->Open(FirstOf(files)); }});
+}
+
+void frmMain::BindKeys() {
+    shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
+    clipboard_ = std::make_unique<PictureClipboard>(editor_, *fileCommands_, messages_);
+    shortcuts_->On(*this, QKeySequence::Copy, [this] {
+        if (controls_.Cmd_Panel(kSaveButton).isEnabled()) {
+            clipboard_->Copy();
+        }
+    });
+    shortcuts_->On(*this, QKeySequence::Paste, [this] {
+        if (IsReadyToOpen()) {
+            clipboard_->Paste();
+        }
+    });
 }
 
 bool frmMain::IsReadyToOpen() const {

@@ -7,6 +7,9 @@
 #include "platform/CarryOn.h"
 #include "platform/Texts.h"
 
+#include <QDir>
+#include <QTemporaryFile>
+
 #include <array>
 #include <utility>
 
@@ -133,17 +136,34 @@ void FileCommands::Open() {
 }
 
 void FileCommands::OpenArrival(const PictureArrival& arrival) {
-    if (const QString reason = WhyUnreadable(arrival.fileName); !reason.isEmpty()) {
+    const bool isFile = !arrival.fileName.isEmpty();
+    if (const QString reason = isFile ? WhyUnreadable(arrival.fileName) : QString(); !reason.isEmpty()) {
         messages_.Show(reason, QStringLiteral("Error"), MessageIcon::Critical);
         return;
     }
     OpenBy([&] {
         const Editor::Command command(editor_);
-        return editor_.Files.OpenImageFile(kSlot, arrival.fileName);
+        return isFile ? editor_.Files.OpenImageFile(kSlot, arrival.fileName) : LoadBytes(arrival);
     });
     if (const QString left = WhatWasLeft(arrival); !left.isEmpty()) {
         messages_.Show(left, services_.applicationTitle, MessageIcon::Exclamation);
     }
+}
+
+// By a file of its own, since that is what the decoder takes; it stands beside the folder of working files,
+// for what lies in there is believed.
+bool FileCommands::LoadBytes(const PictureArrival& arrival) {
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/pictorel_arrival_XXXXXX"));
+    if (!file.open() || file.write(arrival.bytes) != arrival.bytes.size() || !file.flush()) {
+        messages_.Show(file.errorString(), QStringLiteral("Error"), MessageIcon::Critical);
+        return false;
+    }
+    const bool loaded = editor_.Files.LoadImageFile(kSlot, file.fileName());
+    if (loaded) {
+        editor_.Document.PictureName = arrival.name;
+        editor_.Document.PictureFolder.clear();
+    }
+    return loaded;
 }
 
 void FileCommands::OpenBy(const std::function<bool()>& load) {
