@@ -1,13 +1,11 @@
 // What the words of the command line ask for, see CommandLine.h.
 #include "app/CommandLine.h"
 
-#include "editor/SaveFormats.h"
+#include "commands/SaveName.h"
 #include "platform/Texts.h"
 
 #include <QFileInfo>
 #include <QUrl>
-
-#include <algorithm>
 
 namespace pictorel {
 namespace {
@@ -24,17 +22,8 @@ Edits photos, one at a time, with sliders that preview live.
   -v, --version  prints the version and ends
 )";
 
-bool EndsAsPictures(const QString& word) {
-    const QString pattern = QStringLiteral("*.") + QFileInfo(word).suffix().toLower();
-    const auto has = [&](std::string_view patterns) {
-        return FromView(patterns).split(u';').contains(pattern);
-    };
-    const std::size_t begin = kOpenFilter.find('|') + 1;
-    return has(kOpenFilter.substr(begin, kOpenFilter.find('|', begin) - begin)) || has(kModernPatterns);
-}
-
 bool NamesAFile(const QString& word) {
-    return !word.startsWith(u'-') && (word.contains(u'/') || EndsAsPictures(word) || QFileInfo::exists(word));
+    return !word.startsWith(u'-') && (word.contains(u'/') || EndsAsPicture(word) || QFileInfo::exists(word));
 }
 
 QString PathOf(const QString& word) {

@@ -36,6 +36,17 @@ void EditorDisplay::HistoryChanged() {
     parts_.livePreview.HistoryChanged();
 }
 
+// "photo.jpg - Pictorel", with the platform's mark while there are unsaved changes.
+void EditorDisplay::DocumentChanged() {
+    static const QString kMark = QStringLiteral("[*]"); // what Qt puts the platform's mark for
+    QString name = editor_.Document.PictureName;
+    name.replace(kMark, kMark + kMark); // in a name it means itself
+    parts_.window.setWindowTitle(name.isEmpty()
+                                     ? parts_.applicationTitle
+                                     : name + kMark + QStringLiteral(" - ") + parts_.applicationTitle);
+    parts_.window.setWindowModified(!name.isEmpty() && editor_.Document.ImageModified(kSlot));
+}
+
 void EditorDisplay::PreviewLoaded() {
     parts_.previewWindow.ShowCopy(editor_.Document.PreviewPixels);
 }

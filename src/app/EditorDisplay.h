@@ -11,9 +11,14 @@
 #include "view/ImageView.h"
 #include "view/ZoomScroll.h"
 
+#include <QString>
+#include <QWidget>
+
 namespace pictorel {
 
 struct EditorDisplayParts {
+    QWidget& window;
+    QString applicationTitle;
     ImageView& view;
     ZoomScroll& zoomScroll;
     PreviewWindow& previewWindow;
@@ -32,6 +37,7 @@ class EditorDisplay : public EditorObserver {
     void PictureChanged(PictureSlot slot) override;
     void SizeChanged(PictureSlot slot) override;
     void HistoryChanged() override;
+    void DocumentChanged() override;
     void PreviewLoaded() override;
     void PreviewChanged(const PixelArray& preview) override;
     void Progressed(int step) override;

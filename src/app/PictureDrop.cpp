@@ -4,29 +4,12 @@
 #include "controls/Events.h"
 
 #include <QDropEvent>
-#include <QFileInfo>
 #include <QMimeData>
 #include <QTimer>
-#include <QUrl>
 
 #include <utility>
 
 namespace pictorel {
-namespace {
-
-// The files of this machine among what is dropped.
-QStringList FilesIn(const QMimeData* data) {
-    QStringList files;
-    for (const QUrl& url : data == nullptr ? QList<QUrl>() : data->urls()) {
-        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isFile()) {
-            files.append(url.toLocalFile());
-        }
-    }
-    return files;
-}
-
-} // namespace
-
 PictureDrop::PictureDrop(QWidget& window, const Editor& editor, std::function<bool()> isReady,
                          std::function<void(const PictureArrival&)> open)
     : editor_(editor), isReady_(std::move(isReady)), open_(std::move(open)) {
@@ -35,7 +18,7 @@ PictureDrop::PictureDrop(QWidget& window, const Editor& editor, std::function<bo
 }
 
 bool PictureDrop::Takes(const QMimeData* data) const {
-    return isReady_() && !FilesIn(data).isEmpty();
+    return isReady_() && data != nullptr && HoldsPicture(*data);
 }
 
 bool PictureDrop::eventFilter(QObject* watched, QEvent* event) {
@@ -51,7 +34,8 @@ bool PictureDrop::eventFilter(QObject* watched, QEvent* event) {
     drop->setDropAction(Qt::CopyAction); // the file stays where it is, whatever its owner proposes
     drop->accept();
     if (type == QEvent::Drop) {
-        QTimer::singleShot(0, this, [this, files = FilesIn(drop->mimeData())] { Open(FirstOf(files)); });
+        QTimer::singleShot(0, this,
+                           [this, arrival = ArrivalIn(*drop->mimeData(), tr("Picture"))] { Open(arrival); });
     }
     return true;
 }

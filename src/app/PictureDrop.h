@@ -14,9 +14,10 @@ class QMimeData;
 
 namespace pictorel {
 
-// Takes files dropped anywhere on the window. What is no file of this machine, and everything while the
-// editor is not ready, gets the refusing pointer. The file is opened after the drop and whatever command runs
-// have ended, so that the program it came from need not wait for the questions that opening may ask.
+// Takes files and pictures dropped anywhere on the window. What is neither a file of this machine nor a
+// picture itself, and everything while the editor is not ready, gets the refusing pointer. It is opened after
+// the drop and whatever command runs have ended, so that the program it came from need not wait for the
+// questions that opening may ask.
 class PictureDrop : public QObject {
     Q_OBJECT
 

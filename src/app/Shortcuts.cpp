@@ -2,8 +2,9 @@
 #include "app/Shortcuts.h"
 
 #include <QApplication>
-#include <QKeySequence>
 #include <QShortcut>
+
+#include <utility>
 
 namespace pictorel {
 namespace {
@@ -58,6 +59,16 @@ Shortcuts::Shortcuts(QWidget& window, const MainControls& controls) {
             }
         }
     }
+}
+
+void Shortcuts::On(QWidget& window, QKeySequence::StandardKey keys, std::function<void()> action) {
+    auto* const shortcut = new QShortcut(keys, &window); // the window owns it
+    shortcut->setAutoRepeat(false);
+    events_.On(*shortcut, &QShortcut::activated, [action = std::move(action)] {
+        if (QApplication::mouseButtons() == Qt::NoButton) {
+            action();
+        }
+    });
 }
 
 void Shortcuts::Bind(QWidget& window, PushButton& button, const ShortcutRow& row, std::string_view keys) {

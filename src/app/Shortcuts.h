@@ -5,9 +5,11 @@
 #include "controls/Events.h"
 #include "controls/PushButton.h"
 
+#include <QKeySequence>
 #include <QWidget>
 
 #include <array>
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -28,6 +30,9 @@ std::span<const ShortcutRow> ShortcutTable() noexcept;
 class Shortcuts {
   public:
     Shortcuts(QWidget& window, const MainControls& controls);
+
+    // The platform's keys for something that has no button.
+    void On(QWidget& window, QKeySequence::StandardKey keys, std::function<void()> action);
 
   private:
     void Bind(QWidget& window, PushButton& button, const ShortcutRow& row, std::string_view keys);

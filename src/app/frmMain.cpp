@@ -117,9 +117,9 @@ void frmMain::MakeResizePanel() {
 
 void frmMain::MakeDisplay() {
     display_ = std::make_unique<EditorDisplay>(
-        editor_,
-        EditorDisplayParts{controls_.ImageView(kSlot), *zoomScroll_, *preview_, *historyPanel_, *livePreview_,
-                           *resizePanel_, controls_.lbl_ImageInfo(kSlot), controls_.ProgressBarControl});
+        editor_, EditorDisplayParts{*this, strings_.Entry(Text::Title), controls_.ImageView(kSlot),
+                                    *zoomScroll_, *preview_, *historyPanel_, *livePreview_, *resizePanel_,
+                                    controls_.lbl_ImageInfo(kSlot), controls_.ProgressBarControl});
     editor_.SetObserver(display_.get());
 }
 
@@ -154,7 +154,7 @@ void frmMain::MakeShell() {
     shutDown_ = std::make_unique<ShutDown>(
         *this, ShutDownParts{editor_, *fileCommands_, *scanCommand_, *imageTwain_, *preview_,
                              controls_.WebBrowser1, *popups_, PopupControl_Splash_});
-    shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
+    BindKeys();
     pictureDrop_ = std::make_unique<PictureDrop>(
         *this, editor_, [this] { return IsReadyToOpen(); },
         [this](const PictureArrival& arrival) { fileCommands_->OpenArrival(arrival); });
@@ -179,6 +179,21 @@ void frmMain::MakeShell() {
                      [this] { return ShowUpdates(); },
                      [this] { recoverCommand_->OfferAll(); },
                      [this](const QStringList& files) { pictureDrop_->Open(FirstOf(files)); }});
+}
+
+void frmMain::BindKeys() {
+    shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
+    clipboard_ = std::make_unique<PictureClipboard>(editor_, *fileCommands_, messages_);
+    shortcuts_->On(*this, QKeySequence::Copy, [this] {
+        if (controls_.Cmd_Panel(kSaveButton).isEnabled()) {
+            clipboard_->Copy();
+        }
+    });
+    shortcuts_->On(*this, QKeySequence::Paste, [this] {
+        if (IsReadyToOpen()) {
+            clipboard_->Paste();
+        }
+    });
 }
 
 bool frmMain::IsReadyToOpen() const {

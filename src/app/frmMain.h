@@ -11,6 +11,7 @@
 #include "app/ShutDown.h"
 #include "app/StartUp.h"
 #include "commands/FileCommands.h"
+#include "commands/PictureClipboard.h"
 #include "commands/RecoverCommand.h"
 #include "commands/print/PrintCommand.h"
 #include "commands/scan/ImageTwain.h"
@@ -68,6 +69,7 @@ class frmMain : public QWidget {
     void MakeCommands();
     void MakeDisplay();
     void MakeShell();
+    void BindKeys();
 
     void RequestLayout();
     void RunLayout();
@@ -109,6 +111,7 @@ class frmMain : public QWidget {
     std::unique_ptr<FileCommands> fileCommands_;
     std::unique_ptr<RecoverCommand> recoverCommand_;
     std::unique_ptr<PictureDrop> pictureDrop_;
+    std::unique_ptr<PictureClipboard> clipboard_;
     std::unique_ptr<PrintCommand> printCommand_;
     std::unique_ptr<ScanCommand> scanCommand_;
     std::unique_ptr<Popup_Mod> popups_;

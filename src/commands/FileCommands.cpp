@@ -1,10 +1,14 @@
 // The tool bar's commands, see FileCommands.h.
 #include "commands/FileCommands.h"
 
+#include "commands/SaveName.h"
 #include "controls/FocusKeeper.h"
 #include "editor/SaveFormats.h"
 #include "platform/CarryOn.h"
 #include "platform/Texts.h"
+
+#include <QDir>
+#include <QTemporaryFile>
 
 #include <array>
 #include <utility>
@@ -89,7 +93,19 @@ bool FileCommands::OpenImageDialog() {
 bool FileCommands::SaveImageDialog() {
     return OrShowError([this] {
         CommonDialog& dialog = controls_.CDialog_Open;
-        PrepareDialog(dialog, FromView(kSaveFilter), kSaveFlags, editor_.Document.SaveDialogFolder);
+        const Image_Mods& document = editor_.Document;
+        const bool isFile = !document.PictureFolder.isEmpty();
+        PrepareDialog(dialog, FromView(kSaveFilter), kSaveFlags,
+                      isFile ? document.PictureFolder : document.SaveDialogFolder);
+        if (!document.PictureName.isEmpty()) {
+            const SaveProposal proposal = ProposeSave(document.PictureName);
+            dialog.FileName = proposal.name;
+            dialog.FilterIndex = proposal.filterIndex;
+        }
+        dialog.OtherExtensions.clear();
+        for (const SaveSpelling& row : kSaveSpellings) {
+            dialog.OtherExtensions.append(FromView(row.spelling));
+        }
         dialog.ShowSave();
         const Editor::Command command(editor_);
         return !dialog.FileName.isEmpty() && editor_.Files.SaveImageFileAs(kSlot, dialog.FileName);
@@ -120,17 +136,34 @@ void FileCommands::Open() {
 }
 
 void FileCommands::OpenArrival(const PictureArrival& arrival) {
-    if (const QString reason = WhyUnreadable(arrival.fileName); !reason.isEmpty()) {
+    const bool isFile = !arrival.fileName.isEmpty();
+    if (const QString reason = isFile ? WhyUnreadable(arrival.fileName) : QString(); !reason.isEmpty()) {
         messages_.Show(reason, QStringLiteral("Error"), MessageIcon::Critical);
         return;
     }
     OpenBy([&] {
         const Editor::Command command(editor_);
-        return editor_.Files.OpenImageFile(kSlot, arrival.fileName);
+        return isFile ? editor_.Files.OpenImageFile(kSlot, arrival.fileName) : LoadBytes(arrival);
     });
     if (const QString left = WhatWasLeft(arrival); !left.isEmpty()) {
         messages_.Show(left, services_.applicationTitle, MessageIcon::Exclamation);
     }
+}
+
+// By a file of its own, since that is what the decoder takes; it stands beside the folder of working files,
+// for what lies in there is believed.
+bool FileCommands::LoadBytes(const PictureArrival& arrival) {
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/pictorel_arrival_XXXXXX"));
+    if (!file.open() || file.write(arrival.bytes) != arrival.bytes.size() || !file.flush()) {
+        messages_.Show(file.errorString(), QStringLiteral("Error"), MessageIcon::Critical);
+        return false;
+    }
+    const bool loaded = editor_.Files.LoadImageFile(kSlot, file.fileName());
+    if (loaded) {
+        editor_.Document.PictureName = arrival.name;
+        editor_.Document.PictureFolder.clear();
+    }
+    return loaded;
 }
 
 void FileCommands::OpenBy(const std::function<bool()>& load) {

@@ -56,6 +56,7 @@ class FileCommands {
 
   private:
     void Open();
+    bool LoadBytes(const PictureArrival& arrival);
     void OpenBy(const std::function<bool()>& load);
     void Save();
     void Step(void (Editor::*step)());

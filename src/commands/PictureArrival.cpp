@@ -2,12 +2,61 @@
 #include "commands/PictureArrival.h"
 
 #include <QFileInfo>
+#include <QMimeData>
 #include <QObject>
+#include <QUrl>
+
+#include <algorithm>
+#include <array>
 
 namespace pictorel {
+namespace {
+
+// Those that keep every pixel first. Other formats are not asked for: they would be decoded by whoever hands
+// them over, not by our decoder.
+constexpr std::array kPictureTypes{"image/png",  "image/tiff", "image/bmp",  "image/x-bmp",  "image/x-MS-bmp",
+                                   "image/webp", "image/jxl",  "image/avif", "image/heif",   "image/heic",
+                                   "image/jp2",  "image/jpeg", "image/gif",  "image/x-targa"};
+
+// The files of this machine.
+QStringList FilesIn(const QMimeData& data) {
+    QStringList files;
+    for (const QUrl& url : data.urls()) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isFile()) {
+            files.append(url.toLocalFile());
+        }
+    }
+    return files;
+}
+
+} // namespace
+
+bool HoldsPicture(const QMimeData& data) {
+    const QStringList formats = data.formats();
+    return !FilesIn(data).isEmpty() ||
+           std::any_of(kPictureTypes.begin(), kPictureTypes.end(),
+                       [&](const char* type) { return formats.contains(QLatin1String(type)); });
+}
+
+PictureArrival ArrivalIn(const QMimeData& data, const QString& name) {
+    if (const QStringList files = FilesIn(data); !files.isEmpty()) {
+        return FirstOf(files);
+    }
+    PictureArrival arrival;
+    const auto addresses = data.urls();
+    const QString addressed = addresses.isEmpty() ? QString() : addresses.first().fileName();
+    arrival.name = addressed.isEmpty() ? name : addressed;
+    const QStringList formats = data.formats();
+    for (const char* const type : kPictureTypes) {
+        if (arrival.bytes.isEmpty() && formats.contains(QLatin1String(type))) {
+            arrival.bytes = data.data(QLatin1String(type));
+        }
+    }
+    return arrival;
+}
 
 PictureArrival FirstOf(const QStringList& files) {
-    return {files.first(), files.mid(1)};
+    return {files.first(), files.mid(1), {}, {}};
 }
 
 QString WhyUnreadable(const QString& fileName) {

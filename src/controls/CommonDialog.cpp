@@ -1,12 +1,17 @@
 // The Open and Save file dialogs, see CommonDialog.h.
 #include "controls/CommonDialog.h"
 
+#include "controls/MessageBoxes.h"
+
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QRegularExpression>
 #include <QTreeView>
+
+#include <algorithm>
 
 namespace pictorel {
 namespace {
@@ -51,6 +56,30 @@ QString ExtensionOf(const FilterEntry& entry) {
     return entry.patterns.isEmpty() ? QString() : QFileInfo(entry.patterns.first()).suffix();
 }
 
+// From 0. A desktop's dialog may tell the filter without its patterns.
+qsizetype ChosenEntry(const QFileDialog& dialog) {
+    const QString chosen = dialog.selectedNameFilter();
+    const QStringList filters = dialog.nameFilters();
+    for (qsizetype i = 0; i < filters.size(); ++i) {
+        if (filters[i] == chosen || filters[i].startsWith(chosen + QStringLiteral(" ("))) {
+            return i;
+        }
+    }
+    return 0;
+}
+
+// The name with the extension of the entry, unless it ends in one that is known: "St. Mark" has none.
+QString WithExtension(const QString& fileName, const QList<FilterEntry>& entries, qsizetype chosen,
+                      const QStringList& others) {
+    const QString extension = QFileInfo(fileName).suffix();
+    const bool isKnown =
+        others.contains(extension, Qt::CaseInsensitive) ||
+        std::any_of(entries.begin(), entries.end(), [&](const FilterEntry& entry) {
+            return entry.patterns.contains(QStringLiteral("*.") + extension, Qt::CaseInsensitive);
+        });
+    return isKnown || entries.isEmpty() ? fileName : fileName + u'.' + ExtensionOf(entries[chosen]);
+}
+
 // Sizes and dates in full, the rest of the width for the names.
 void GiveColumnsTheirWidth(QFileDialog& dialog) {
     if (const auto* const list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
@@ -67,42 +96,51 @@ void CommonDialog::ShowOpen() {
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     // One picture is open at a time, so one file is taken even where the flags would allow more.
     dialog.setFileMode(QFileDialog::ExistingFile);
-    Run(dialog, false);
+    Prepare(dialog);
+    const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+    FileName = chosen ? dialog.selectedFiles().first() : QString();
 }
 
 void CommonDialog::ShowSave() {
-    QFileDialog dialog(owner_, QObject::tr("Save"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite, (Flags & kAskBeforeOverwriting) == 0);
-    Run(dialog, true);
+    const auto entries = ParseFilter(Filter);
+    do {
+        QFileDialog dialog(owner_, QObject::tr("Save"));
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        dialog.setFileMode(QFileDialog::AnyFile);
+        // The dialog would ask about the name as it was typed: without the extension that it gets.
+        dialog.setOption(QFileDialog::DontConfirmOverwrite);
+        Prepare(dialog);
+        if (!FileName.isEmpty()) {
+            dialog.selectFile(QDir(StartFolder(InitDir)).filePath(FileName));
+            if (auto* const name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))) {
+                name->selectAll(); // typing begins another name
+            }
+        }
+        const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+        const qsizetype entry = ChosenEntry(dialog);
+        FilterIndex = static_cast<int>(entry) + 1;
+        FileName = chosen ? WithExtension(dialog.selectedFiles().first(), entries, entry, OtherExtensions)
+                          : QString();
+    } while (!FileName.isEmpty() && !MayReplace(FileName));
 }
 
-void CommonDialog::Run(QFileDialog& dialog, bool saving) {
+bool CommonDialog::MayReplace(const QString& fileName) const {
+    if ((Flags & kAskBeforeOverwriting) == 0 || !QFileInfo::exists(fileName)) {
+        return true;
+    }
+    const QString question = QObject::tr("\"%1\" is there already. Replace it?");
+    return MessageBoxes(owner_).AskYesNo(question.arg(QFileInfo(fileName).fileName()), QObject::tr("Save"));
+}
+
+void CommonDialog::Prepare(QFileDialog& dialog) {
     GiveColumnsTheirWidth(dialog);
-    const auto entries = ParseFilter(Filter);
-    const QStringList filters = NameFilters(entries);
+    const QStringList filters = NameFilters(ParseFilter(Filter));
     dialog.setNameFilters(filters);
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setDirectory(StartFolder(InitDir));
-    // A name typed without an extension gets that of the chosen filter.
-    const auto useExtensionOf = [&](const QString& filter) {
-        for (qsizetype i = 0; saving && i < filters.size(); ++i) {
-            if (filters[i] == filter || filters[i].startsWith(filter + QStringLiteral(" ("))) {
-                dialog.setDefaultSuffix(ExtensionOf(entries[i]));
-            }
-        }
-    };
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, useExtensionOf);
     if (FilterIndex >= 1 && FilterIndex <= filters.size()) {
         dialog.selectNameFilter(filters[FilterIndex - 1]);
-        useExtensionOf(filters[FilterIndex - 1]);
     }
-    if (!FileName.isEmpty()) {
-        dialog.selectFile(FileName);
-    }
-    const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
-    FileName = chosen ? dialog.selectedFiles().first() : QString();
 }
 
 } // namespace pictorel

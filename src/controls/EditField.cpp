@@ -1,6 +1,8 @@
 // A flat field for one line of text, whose owner may refuse keys, see EditField.h.
 #include "controls/EditField.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 
 namespace pictorel {
@@ -9,12 +11,15 @@ EditField::EditField(QWidget* parent) : QLineEdit(parent), Control(static_cast<Q
     setAcceptDrops(false); // what is dropped goes to the window, and never past the key filter
 }
 
-// Undo and Redo belong to the field only while something typed in it can be taken back.
+// Undo and Redo belong to the field only while something typed in it can be taken back, Copy while something
+// is marked, Paste while there is text to paste: otherwise they are the picture's.
 bool EditField::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* const key = static_cast<QKeyEvent*>(event);
         if ((key->matches(QKeySequence::Undo) && !isUndoAvailable()) ||
-            (key->matches(QKeySequence::Redo) && !isRedoAvailable())) {
+            (key->matches(QKeySequence::Redo) && !isRedoAvailable()) ||
+            (key->matches(QKeySequence::Copy) && !hasSelectedText()) ||
+            (key->matches(QKeySequence::Paste) && QGuiApplication::clipboard()->text().isEmpty())) {
             event->ignore();
             return false;
         }

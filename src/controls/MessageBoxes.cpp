@@ -33,10 +33,11 @@ void SetMark(QMessageBox& box, const QPixmap& mark) {
 }
 
 int Ask(QWidget* owner, const QString& text, const QString& title, MessageIcon icon,
-        QMessageBox::StandardButtons buttons) {
+        QMessageBox::StandardButtons buttons, QMessageBox::StandardButton byDefault = QMessageBox::NoButton) {
     QMessageBox box(KindOf(icon), title, text, buttons, owner);
     SetMark(box, MessageMark(icon, box.devicePixelRatioF()));
     box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(byDefault);
     return box.exec();
 }
 
@@ -55,6 +56,11 @@ MessageAnswer AnswerOf(int button) {
 
 void MessageBoxes::Show(const QString& text, const QString& title, MessageIcon icon) {
     Ask(owner_, text, title, icon, QMessageBox::Ok);
+}
+
+bool MessageBoxes::AskYesNo(const QString& text, const QString& title) {
+    return Ask(owner_, text, title, MessageIcon::Question, QMessageBox::Yes | QMessageBox::No,
+               QMessageBox::No) == QMessageBox::Yes;
 }
 
 MessageAnswer MessageBoxes::AskYesNoCancel(const QString& text, const QString& title) {

@@ -18,6 +18,9 @@ class MessageBoxes : public Messages {
     // The same about a picture, which is shown beside the text where it is there; Cancel reads "Later".
     MessageAnswer AskAboutPicture(const QString& text, const QString& title, const QImage& picture);
 
+    // True for Yes; closing the box is No, and so is Enter.
+    bool AskYesNo(const QString& text, const QString& title);
+
   private:
     QWidget* owner_;
 };

@@ -46,8 +46,7 @@ bool Editor::Recover(const RecoveryRecord& record) {
         return false;
     }
     Document.PictureName = record.pictureName;
-    Document.OpenDialogFolder = record.openDialogFolder;
-    Document.SaveDialogFolder = record.saveDialogFolder;
+    Document.PictureFolder = record.pictureFolder;
     CarryOn([&] { ReducedCopy.UpdatePreviewImage(kSlot); }, [&] { Document.PreviewOutdated = false; },
             [&] { SetImageModified(true); });
     return true;

@@ -55,6 +55,7 @@ struct Image_Mods {
     QString OpenDialogFolder;                  // where the dialogs begin: a folder, or the file chosen last
     QString SaveDialogFolder;                  //
     QString PictureName;                       // the open picture's file without its folder, or "Scan"
+    QString PictureFolder;                     // where that file lies; empty for what is no file
     ColourValue BackgroundColour = 0x00FFFFFF; // of area that geometry exposes in an opaque picture
     bool LivePreviewMode = true;               // False only while a slider's commit runs its operation
     bool PreviewOutdated = false;              // the reduced copy does not show what the view shows

@@ -6,6 +6,7 @@
 #include "picture/ImagingError.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
+#include "platform/Texts.h"
 
 #include <QFileInfo>
 
@@ -80,6 +81,7 @@ bool PictureFiles::OpenImageFile(PictureSlot slot, const QString& fileName) {
     document_.OpenDialogFolder = fileName;
     if (loaded) {
         document_.PictureName = QFileInfo(fileName).fileName();
+        document_.PictureFolder = QFileInfo(fileName).absolutePath();
     }
     return loaded;
 }
@@ -99,10 +101,13 @@ bool PictureFiles::SaveImageFile(PictureSlot slot, const QString& fileName, cons
 }
 
 bool PictureFiles::SaveImageFileAs(PictureSlot slot, const QString& fileName) {
-    const bool saved = SaveImageFile(slot, fileName, document_.FileSystem.ExtensionOf(fileName));
+    const QString extension = document_.FileSystem.ExtensionOf(fileName);
+    const std::string_view format = SaveFormatFor(extension.toStdString());
+    const bool saved = SaveImageFile(slot, fileName, format.empty() ? extension : FromView(format));
     document_.SaveDialogFolder = fileName;
     if (saved) {
         document_.PictureName = QFileInfo(fileName).fileName();
+        document_.PictureFolder = QFileInfo(fileName).absolutePath();
     }
     return saved;
 }

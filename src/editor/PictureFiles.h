@@ -25,7 +25,8 @@ class PictureFiles {
     // whole.
     bool SaveImageFile(PictureSlot slot, const QString& fileName, const QString& formatText);
 
-    // SaveImageFile for a file that the person chose: the Save dialog begins there from now on.
+    // SaveImageFile for a file that the person chose, in kSaveSpellings too: the Save dialog begins there
+    // from now on.
     bool SaveImageFileAs(PictureSlot slot, const QString& fileName);
 
     // Refresh the size tables from the working picture; without one the old value stays.

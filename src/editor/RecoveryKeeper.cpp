@@ -23,8 +23,8 @@ bool IsWholeJpeg(const QString& fileName) {
 } // namespace
 
 RecoveryRecord RecoveryKeeper::Record() const {
-    RecoveryRecord record{document_.PictureName, document_.OpenDialogFolder, document_.SaveDialogFolder,
-                          history_.States().States(), history_.States().Active()};
+    RecoveryRecord record{document_.PictureName, document_.PictureFolder, history_.States().States(),
+                          history_.States().Active()};
     for (HistoryState& state : record.states) {
         state.imageFile = QFileInfo(state.imageFile).fileName();
     }

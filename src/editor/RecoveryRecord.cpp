@@ -10,8 +10,7 @@ namespace pictorel {
 namespace {
 
 constexpr QLatin1String kName("name");
-constexpr QLatin1String kOpenFolder("openFolder");
-constexpr QLatin1String kSaveFolder("saveFolder");
+constexpr QLatin1String kFolder("folder");
 constexpr QLatin1String kCaption("caption");
 constexpr QLatin1String kFile("file");
 constexpr QLatin1String kActive("active");
@@ -33,8 +32,7 @@ bool IsPlainFileName(const QString& name) {
 } // namespace
 
 QByteArray RecoveryRecord::Written() const {
-    QByteArray bytes =
-        Line({{kName, pictureName}, {kOpenFolder, openDialogFolder}, {kSaveFolder, saveDialogFolder}});
+    QByteArray bytes = Line({{kName, pictureName}, {kFolder, pictureFolder}});
     for (std::size_t row = 0; row < states.size(); ++row) {
         if (states[row].restorable) {
             bytes += Line({{kCaption, states[row].caption},
@@ -52,8 +50,7 @@ std::optional<RecoveryRecord> RecoveryRecord::Read(const QByteArray& bytes) {
         const QString file = TextOf(object, kFile);
         if (object.contains(kName)) {
             record.pictureName = TextOf(object, kName);
-            record.openDialogFolder = TextOf(object, kOpenFolder);
-            record.saveDialogFolder = TextOf(object, kSaveFolder);
+            record.pictureFolder = TextOf(object, kFolder);
         } else if (IsPlainFileName(file) && record.states.size() < History::kMost) {
             if (object.value(kActive).toBool()) {
                 record.active = static_cast<int>(record.states.size());

@@ -12,9 +12,8 @@
 namespace pictorel {
 
 struct RecoveryRecord {
-    QString pictureName;      // as the status strip shows it
-    QString openDialogFolder; // where the dialogs were
-    QString saveDialogFolder;
+    QString pictureName;              // its file without its folder, or "Scan"
+    QString pictureFolder;            // empty for what is no file
     std::vector<HistoryState> states; // the working files without their folder
     int active = -1;
 

@@ -1,6 +1,7 @@
 // The formats that pictures are saved in, and the filters of the Open and Save dialogs.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -27,6 +28,34 @@ inline constexpr std::array<SaveFormat, 11> kSaveFormats{{
 }};
 
 inline constexpr int kSaveQuality = 100;
+
+// Longer spellings that mean the same where a person names a file.
+struct SaveSpelling {
+    std::string_view spelling; // upper case
+    std::string_view extension;
+};
+inline constexpr std::array<SaveSpelling, 3> kSaveSpellings{
+    {{"JPEG", "JPG"}, {"JPE", "JPG"}, {"TIFF", "TIF"}}};
+
+// The extension of kSaveFormats that a file with this one, in any letter case, is written as; empty for none.
+constexpr std::string_view SaveFormatFor(std::string_view extension) {
+    const auto isSame = [&](std::string_view other) {
+        return std::equal(extension.begin(), extension.end(), other.begin(), other.end(), [](char a, char b) {
+            return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b;
+        });
+    };
+    for (const SaveFormat& format : kSaveFormats) {
+        if (isSame(format.extension)) {
+            return format.extension;
+        }
+    }
+    for (const SaveSpelling& row : kSaveSpellings) {
+        if (isSame(row.spelling)) {
+            return row.extension;
+        }
+    }
+    return {};
+}
 
 inline constexpr std::string_view kOpenFilter =
     "All Supported Picture "

@@ -3,6 +3,7 @@
 #include "controls/EditField.h"
 
 #include <QDialog>
+#include <QDir>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QTest>
@@ -75,6 +76,39 @@ TEST_F(Drop, ReportsAFileThatIsNoPictureAndKeepsTheOneOpen) {
     EXPECT_TRUE(DropOn({QUrl::fromLocalFile(text.fileName())}));
     ASSERT_EQ(editor.person.Messages().size(), 1U);
     EXPECT_EQ(editor.person.Messages().front().text, "Unsupported file format!");
+    EXPECT_EQ(editor.Shown().Width(), 80);
+}
+
+QByteArray BytesOf(const QString& fileName) {
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+TEST_F(Drop, TakesPicturesOutOfABrowser) {
+    QMimeData data; // as browsers hand an image over
+    data.setUrls({QUrl("https://example.org/some/photo.webp?size=2")});
+    data.setText("https://example.org/some/photo.webp?size=2");
+    data.setData("image/jpeg", "damaged");
+    data.setData("image/png", BytesOf(editor.MakeFile("any.png", MakeScene(70, 60))));
+    EXPECT_TRUE(DropOn(data));
+    EXPECT_EQ(LargestDifference(editor.Shown(), MakeScene(70, 60)), 0);
+    EXPECT_EQ(editor.Document().PictureName, "photo.webp");
+    EXPECT_EQ(editor.HistoryCaptions(), QStringList{"Open"});
+    EXPECT_TRUE(QDir(QDir::tempPath()).entryList({"pictorel_arrival_*"}).isEmpty());
+    editor.person.WillCancelFileDialog();
+    editor.Click("Cmd_Panel", 1);
+    EXPECT_EQ(editor.person.FileDialogs().back().fileName, "photo.jpg");
+
+    QMimeData local; // the file itself, not what the browser made of it
+    local.setUrls({Picture("file.bmp", 80)});
+    local.setData("image/png", data.data("image/png"));
+    EXPECT_TRUE(DropOn(local));
+    EXPECT_EQ(editor.Shown().Width(), 80);
+
+    QMimeData damaged;
+    damaged.setData("image/png", "no picture");
+    EXPECT_TRUE(DropOn(damaged));
+    ASSERT_EQ(editor.person.Messages().size(), 1U);
     EXPECT_EQ(editor.Shown().Width(), 80);
 }
 

@@ -96,7 +96,8 @@ TEST(Save, WritesTheFormatOfTheExtension) {
          {SaveCase{"plain.png", "plain.png", 0}, SaveCase{"Mixed.Png", "Mixed.Png", 0},
           SaveCase{"loud.BMP", "loud.BMP", 0}, SaveCase{"layers.tif", "layers.tif", 0},
           SaveCase{"drawing.wmf", "drawing.wmf", 0}, SaveCase{"Drawing.Emf", "Drawing.Emf", 0},
-          SaveCase{"photo.jpg", "photo.jpg", 6}, SaveCase{"no extension", "no extension.jpg", 6}}) {
+          SaveCase{"photo.jpg", "photo.jpg", 6}, SaveCase{"photo.JPEG", "photo.JPEG", 6},
+          SaveCase{"scan.tiff", "scan.tiff", 0}}) {
         editor.Document().ImageModified(0) = true;
         editor.Save(editor.Path(c.typed));
         EXPECT_FALSE(editor.Document().ImageModified(0)) << c.typed;
@@ -105,18 +106,107 @@ TEST(Save, WritesTheFormatOfTheExtension) {
     EXPECT_TRUE(editor.person.Messages().empty());
 }
 
-TEST(Save, RefusesAnExtensionThatIsNoneOfTheEleven) {
+TEST(Save, ANameWithoutAnExtensionThatIsKnownGetsTheChosenOne) {
+    for (const char* const source : {"source.jpg", "source.png"}) {
+        EditorWindow editor;
+        editor.Open(editor.MakeFile(source, MakeScene(64, 48)));
+        const QString extension = QFileInfo(source).suffix();
+        for (const char* const name : {"plain", "St. Mark", "photo.txt"}) {
+            editor.Save(editor.Path(name));
+            EXPECT_TRUE(QFileInfo::exists(editor.Path(name) + "." + extension)) << name;
+            EXPECT_FALSE(QFileInfo::exists(editor.Path(name))) << name;
+        }
+        for (const SeenMessage& message : editor.person.Messages()) {
+            ADD_FAILURE() << message.text.toStdString();
+        }
+    }
+}
+
+struct ProposalCase {
+    const char* opened;
+    const char* proposed;
+    const char* filter;
+};
+
+TEST(Save, BeginsWithTheNameFolderAndFormatOfTheOpenPicture) {
     EditorWindow editor;
-    editor.Open(editor.MakeFile("source.bmp", MakeScene(64, 48)));
+    QDir(editor.Path(".")).mkdir("elsewhere");
+    for (const ProposalCase& c : {
+             ProposalCase{"elsewhere/plain.png", "plain.png", "PNG"},
+             ProposalCase{"Loud.JPG", "Loud.JPG", "JPG"},
+             ProposalCase{"long.jpeg", "long.jpeg", "JPG"},
+             ProposalCase{"old.dib", "old.bmp", "BMP"},
+             ProposalCase{"wavelets.jp2", "wavelets.j2k", "J2K"},
+             ProposalCase{"today.webp", "today.jpg", "JPG"},
+             ProposalCase{"St. Mark", "St. Mark.jpg", "JPG"},
+             ProposalCase{"none", "none.jpg", "JPG"},
+         }) {
+        // Whatever the name says, it is opened by what is in it.
+        const QString made = editor.MakeFile("any.png", MakeScene(64, 48));
+        ASSERT_TRUE(QFile::rename(made, editor.Path(c.opened)));
+        editor.Open(editor.Path(c.opened));
+        editor.person.WillCancelFileDialog();
+        editor.Click("Cmd_Panel", 1);
+        const SeenFileDialog& dialog = editor.person.FileDialogs().back();
+        EXPECT_EQ(dialog.fileName, c.proposed) << c.opened;
+        EXPECT_EQ(dialog.folder, QFileInfo(editor.Path(c.opened)).absolutePath());
+        EXPECT_TRUE(dialog.filter.startsWith(c.filter)) << c.opened << ": " << dialog.filter.toStdString();
+        EXPECT_TRUE(dialog.firstFilter.startsWith("JPG"));
+    }
+    editor.Save(editor.Path("elsewhere/later.tif"));
+    editor.person.WillCancelFileDialog();
+    editor.Click("Cmd_Panel", 1);
+    EXPECT_EQ(editor.person.FileDialogs().back().fileName, "later.tif");
+    EXPECT_EQ(editor.person.FileDialogs().back().folder,
+              QFileInfo(editor.Path("elsewhere")).absoluteFilePath());
+}
+
+TEST(Save, AsksBeforeAFileIsReplacedAlsoUnderTheNameWithItsExtension) {
+    EditorWindow editor;
+    const QString original = editor.MakeFile("photo.png", MakeScene(64, 48));
+    editor.Open(original);
     editor.Click("Cmd_Tab", 2);
-    for (const char* const name : {"photo.jpeg", "photo.tiff", "photo.txt"}) {
+    const PixelArray before = editor.Read(original);
+    for (const char* const typed : {"photo.png", "photo"}) {
         editor.person.ForgetMessages();
-        editor.Save(editor.Path(name));
-        ASSERT_EQ(editor.person.Messages().size(), 1U) << name;
-        EXPECT_EQ(editor.person.Messages().front().title, "Error");
-        EXPECT_FALSE(QFileInfo::exists(editor.Path(name)));
+        editor.person.WillChooseFile(editor.Path(typed));
+        editor.person.WillPress(QMessageBox::No);
+        editor.person.WillCancelFileDialog(); // it is there again for another name
+        editor.Click("Cmd_Panel", 1);
+        ASSERT_EQ(editor.person.Messages().size(), 1U) << typed;
+        EXPECT_TRUE(editor.person.Messages().front().text.contains("photo.png"));
+        EXPECT_EQ(editor.person.FileDialogs().back().fileName, "photo.png");
+        EXPECT_FALSE(editor.person.HasAnswersLeft());
+        EXPECT_EQ(LargestDifference(editor.Read(original), before), 0);
         EXPECT_TRUE(editor.Document().ImageModified(0));
     }
+    editor.person.WillTakeWhatIsProposed();
+    editor.person.WillPress(QMessageBox::Yes);
+    editor.Click("Cmd_Panel", 1);
+    EXPECT_EQ(LargestDifference(editor.Read(original), editor.Shown()), 0);
+    EXPECT_FALSE(editor.Document().ImageModified(0));
+}
+
+TEST(Title, NamesThePictureAndMarksUnsavedChanges) {
+    EditorWindow editor;
+    const auto title = [&] {
+        return std::pair(editor.Window().windowTitle(), editor.Window().isWindowModified());
+    };
+    EXPECT_EQ(title(), std::pair(QString("Pictorel"), false));
+    editor.Open(editor.MakeFile("a [*] b.png", MakeScene(64, 48)));
+    EXPECT_EQ(title(), std::pair(QString("a [*][*] b.png[*] - Pictorel"), false));
+    editor.Click("Cmd_Tab", 2);
+    EXPECT_EQ(title().second, true);
+    editor.Click("Cmd_Panel", 2); // what is undone still counts as changed
+    EXPECT_EQ(title().second, true);
+    editor.Save(editor.Path("other.png"));
+    EXPECT_EQ(title(), std::pair(QString("other.png[*] - Pictorel"), false));
+    QFile text(editor.Path("words.png"));
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+    text.write("no picture at all");
+    text.close();
+    editor.Open(text.fileName());
+    EXPECT_EQ(title().first, QString("other.png[*] - Pictorel"));
 }
 
 TEST(Save, AFailureLeavesTheOldFileWholeAndThePictureChanged) {

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 
 namespace pictorel {
@@ -37,8 +38,15 @@ void Person::Look() {
         if (!fileAnswers_.empty()) {
             fileAnswers_.pop_front();
         }
+        auto* const name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        fileDialogs_.push_back({name->text(), dialog->directory().absolutePath(),
+                                dialog->selectedNameFilter(), dialog->nameFilters().first()});
         if (answer) {
-            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(*answer);
+            if (!answer->isEmpty()) {
+                // As typing does: what is marked in the list is forgotten.
+                dialog->findChild<QListView*>(QStringLiteral("listView"))->clearSelection();
+                name->setText(*answer);
+            }
             // Queued: a question that accepting raises must find this timer free to answer it.
             QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
         } else {

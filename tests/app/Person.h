@@ -17,6 +17,13 @@ struct SeenMessage {
     QMessageBox::Icon icon;
 };
 
+struct SeenFileDialog {
+    QString fileName; // that it proposed
+    QString folder;
+    QString filter;
+    QString firstFilter;
+};
+
 // Answers every modal window that comes up, in the order in which the answers were given; a message without
 // an answer waiting is closed. Everything seen is recorded.
 class Person {
@@ -24,10 +31,12 @@ class Person {
     Person();
 
     void WillChooseFile(const QString& fileName) { fileAnswers_.push_back(fileName); }
+    void WillTakeWhatIsProposed() { fileAnswers_.push_back(QString()); }
     void WillCancelFileDialog() { fileAnswers_.push_back(std::nullopt); }
     void WillPress(QMessageBox::StandardButton button) { messageAnswers_.push_back(button); }
 
     const std::vector<SeenMessage>& Messages() const { return messages_; }
+    const std::vector<SeenFileDialog>& FileDialogs() const { return fileDialogs_; }
     void ForgetMessages() { messages_.clear(); }
     bool HasAnswersLeft() const { return !fileAnswers_.empty() || !messageAnswers_.empty(); }
 
@@ -38,6 +47,7 @@ class Person {
     std::deque<std::optional<QString>> fileAnswers_;
     std::deque<QMessageBox::StandardButton> messageAnswers_;
     std::vector<SeenMessage> messages_;
+    std::vector<SeenFileDialog> fileDialogs_;
 };
 
 } // namespace pictorel

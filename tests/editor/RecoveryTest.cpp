@@ -73,6 +73,7 @@ TEST_F(RecoveryTest, BringsTheWholeHistoryBack) {
     EXPECT_EQ(Captions(next), Captions(dead));
     EXPECT_EQ(next.States().Active(), 2);
     EXPECT_EQ(next.editor.Document.PictureName, QStringLiteral("rose.png"));
+    EXPECT_EQ(next.editor.Document.PictureFolder, dead.editor.Document.PictureFolder);
     EXPECT_TRUE(next.editor.Document.ImageModified(kSlot));
     EXPECT_TRUE(SamePixels(next.Shown(), dead.Shown()));
     EXPECT_EQ(next.editor.Document.ImageWidth(kSlot), 60) << "turned";

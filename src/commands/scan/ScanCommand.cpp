@@ -117,6 +117,7 @@ void ScanCommand::TakePage() {
     Finish();
     if (loaded) {
         editor_.Document.PictureName = QObject::tr("Scan");
+        editor_.Document.PictureFolder.clear();
         fileCommands_.ShowAsFreshlyOpened();
     } else {
         refuse();

@@ -16,6 +16,8 @@ open_with() {
   wait_for 10 bash -c "[ \$(ls $home/tmp/pictorel-*/tmpimg_0_1.jpg | wc -l) -eq 2 ]" || fail "the second editor opened nothing"
   settled
   import -window root "$out/25_opened_with.png"
+  title_is 'a \[\*\] b\.jpg - Pictorel' || fail "the title does not name the photo"
+  title_is 'sample\.jpg - Pictorel' || fail "the second editor's title does not name its photo"
   kill -TERM "$second"
   wait "$second" || fail "the second editor did not end well"
   kill -TERM "$first"

@@ -37,7 +37,7 @@ recover() {
   question "after a kill"
   import -window root "$out/28_recover_question.png"
   reply alt+y
-  find_window
+  find_window 'sample\.jpg\* - Pictorel'
   wait_for 20 row_file 3 || fail "the rows did not come back"
   settled
   import -window root "$out/29_recovered.png"
@@ -81,7 +81,7 @@ recover() {
     start_editor
     question "killed $moment s into an edit"
     reply alt+y
-    find_window
+    find_window 'sample\.jpg\* - Pictorel'
     wait_for 20 row_file 2 || fail "a history killed $moment s into an edit did not come back"
     settled
     xdotool key alt+F4
