@@ -54,7 +54,7 @@ inline constexpr EngineOperation kEngineOperations[] = {
     {"mosaic_8", [](const PixelArray& p) { return Mosaic(p, 8); }},
     {"mosaic_50", [](const PixelArray& p) { return Mosaic(p, 50); }},
     {"emboss_3x3", [](const PixelArray& p) { return Emboss(p, 135, 3, 1); }},
-    {"halftone_1", [](const PixelArray& p) { return Halftone(p, 1, 1); }},
+    {"halftone_1", [](const PixelArray& p) { return Halftone(p, 4, 1); }},
     {"noise_uniform_20", [](const PixelArray& p) { return Noise(p, 8); }},
     {"diffuse_2", [](const PixelArray& p) { return Diffuse(p, 2, 100); }},
     {"flip_v", [](const PixelArray& p) { return MirrorTopToBottom(p); }},

@@ -31,7 +31,7 @@ PixelArray FinerCopies::Copy(int width, int height) const {
         engine::Resize(halve ? pyramid_->Level(PicturePyramid::LevelFor(2 * scale)) : picture, width, height);
     copy.SetDetails(picture.Details());
     copy.SetReduction(picture.Reduction() * width / picture.Width());
-    copy.SetCornerInPicture(picture.LeftInPicture(), picture.TopInPicture());
+    copy.SetPlaceInPicture(picture.InPicture());
     return copy;
 }
 
@@ -64,7 +64,7 @@ PixelArray FinerCopies::Halved(double pixels) const {
     PixelArray copy = pyramid_->Level(halvings);
     copy.SetDetails(picture.Details());
     copy.SetReduction(picture.Reduction() * copy.Width() / picture.Width());
-    copy.SetCornerInPicture(picture.LeftInPicture(), picture.TopInPicture());
+    copy.SetPlaceInPicture(picture.InPicture());
     return copy;
 }
 

@@ -10,7 +10,9 @@
 #include "picture/engine/Stylize.h"
 #include "platform/Numbers.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace pictorel {
 namespace {
@@ -23,10 +25,18 @@ using Colour = ColourValue;
 constexpr double kBlurUnit = 10.0;        // of the slider: one pixel of standard deviation
 constexpr double kSharpenUnit = 25.0;     // of the slider: amount 1
 constexpr double kMotionBlurAngle = 90.0; // upright
-constexpr std::int32_t kDiffuseRadius = 2;
+constexpr double kDiffuseRadius = 2.0;    // pixels
+constexpr double kHalftoneCell = 4.0;     // pixels for each unit of the slider
+constexpr double kUsualSide = 1500.0;     // pixels of the longer side
 
 double Hundredth(std::int32_t value) {
     return static_cast<double>(value) / 100.0;
+}
+
+// What a person sets in per cent, or not at all, is meant for a picture of the usual size and grows with
+// larger ones, so that an effect looks the same on all of them.
+double Grown(double length, Picture picture) {
+    return length * std::max(picture.LongerSideOfPicture() / kUsualSide, 1.0);
 }
 
 // Towards "Blur" the picture is blurred, towards "Sharpen" sharpened by the number's size.
@@ -45,8 +55,9 @@ using Window = const engine::OptionalWindow&;
 PixelArray ZoomBlur(Picture p, V v, Colour /*background*/, Window window) {
     return engine::ZoomBlur(p, v.value1, window);
 }
+// Clockwise for positive numbers, as the hand moves the slider.
 PixelArray Rotate(Picture p, V v, Colour background, Window window) {
-    return engine::Rotate(p, v.value1, background, window);
+    return engine::Rotate(p, -v.value1, background, window);
 }
 PixelArray Reproduce(Picture p, V v, Colour /*background*/, Window window) {
     return engine::Reproduce(p, v.value1, window);
@@ -104,19 +115,25 @@ constexpr std::array<OperationRow, kOperationCount> kTable{{
     {Operation::SharpenOrBlur, "Sharpen", Ordinary, SharpenOrBlur},
     {Operation::ZoomBlur, "Zoom Blur", Light, Everywhere<ZoomBlur>, ZoomBlur},
     {Operation::MotionBlur, "Motion Blur", Ordinary,
-     [](Picture p, V v, Colour) { return engine::MotionBlur(p, kMotionBlurAngle, v.value1); }},
+     [](Picture p, V v, Colour) { return engine::MotionBlur(p, kMotionBlurAngle, Grown(v.value1, p)); }},
     {Operation::GaussianBlur, "Gaussian Blur", Ordinary,
-     [](Picture p, V v, Colour) { return engine::GaussianBlur(p, v.value1); }},
+     [](Picture p, V v, Colour) { return engine::GaussianBlur(p, Grown(v.value1, p)); }},
     {Operation::MaximalOrMinimal, "Maximal", Extremes, MaximalOrMinimal},
     {Operation::Noise, "Noise", Grain, [](Picture p, V v, Colour) { return engine::Noise(p, v.value1); }},
-    {Operation::Diffuse, "Diffuse", Ordinary,
-     [](Picture p, V v, Colour) { return engine::Diffuse(p, kDiffuseRadius, v.value1); }},
+    {Operation::Diffuse, "Diffuse", Grain,
+     [](Picture p, V v, Colour) {
+         return engine::Diffuse(p, static_cast<int>(std::lround(Grown(kDiffuseRadius, p))), v.value1);
+     }},
     {Operation::Emboss, "Emboss", Ordinary,
-     [](Picture p, V v, Colour) { return engine::Emboss(p, v.value1, v.value3, Hundredth(v.value2)); }},
+     [](Picture p, V v, Colour) {
+         return engine::Emboss(p, v.value1, Grown(v.value3, p), Hundredth(v.value2));
+     }},
     {Operation::Mosaic, "Mosaic", Ordinary,
      [](Picture p, V v, Colour) { return engine::Mosaic(p, v.value1); }},
     {Operation::Halftone, "Halftone", Ordinary,
-     [](Picture p, V v, Colour) { return engine::Halftone(p, v.value1, Hundredth(v.value2) + 1); }},
+     [](Picture p, V v, Colour) {
+         return engine::Halftone(p, Grown(kHalftoneCell * std::max(v.value1, 1), p), Hundredth(v.value2) + 1);
+     }},
     {Operation::FlipVertical, "Flip Vertical", Ordinary,
      [](Picture p, V, Colour) { return engine::MirrorTopToBottom(p); }},
     {Operation::FlipHorizontal, "Flip Horizontal", Ordinary,

@@ -62,7 +62,7 @@ struct Values {
 enum class Fineness {
     Ordinary, // enough for most
     Light,    // fewer pixels, for what takes long and can be told from them: what moves pixels
-    Grain,    // as few of a picture whose grain is averaged, every pixel where it is seen: noise
+    Grain,    // as few of a picture whose grain is averaged, every pixel where it is seen: chance
     Extremes, // more pixels, for the brightest and the darkest of a square, which averaging loses soonest
 };
 

@@ -93,7 +93,7 @@ void ReducedCopy::Write(PictureSlot slot, const engine::Window& part) {
         around = Within(picture, part.left - kMargin, part.top - kMargin, part.Right() + kMargin,
                         part.Bottom() + kMargin);
         PixelArray cut = engine::Crop(picture, around);
-        cut.SetCornerInPicture(around.left, around.top);
+        cut.SetPlaceInPicture({around.left, around.top, std::max(picture.Width(), picture.Height())});
         pyramid = std::make_shared<PicturePyramid>(std::move(cut));
     }
     const double share = AreaOf(part) / AreaOf(around);

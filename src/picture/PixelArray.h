@@ -4,6 +4,7 @@
 #include "picture/Limits.h"
 #include "picture/Metadata.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -60,13 +61,20 @@ class PixelArray {
     double Reduction() const noexcept { return reduction_; }
     void SetReduction(double reduction) noexcept { reduction_ = reduction; }
 
-    // Where its first pixel lies in the picture, in pixels of the picture: what depends on the position
-    // (chance, a grid of blocks) is reckoned from the picture's corner.
-    int LeftInPicture() const noexcept { return left_; }
-    int TopInPicture() const noexcept { return top_; }
-    void SetCornerInPicture(int left, int top) noexcept {
-        left_ = left;
-        top_ = top;
+    // Of which picture it shows a part, and where that begins, in pixels of the picture: what depends on the
+    // position (chance, a grid of blocks) is reckoned from the picture's corner, what grows with the picture
+    // from its longer side.
+    struct Place {
+        int left = 0;
+        int top = 0;
+        int longerSide = 0; // 0 where it shows the whole picture
+    };
+    const Place& InPicture() const noexcept { return inPicture_; }
+    void SetPlaceInPicture(const Place& place) noexcept { inPicture_ = place; }
+
+    // Of the picture that it shows, all or in part, in pixels of the picture.
+    double LongerSideOfPicture() const noexcept {
+        return inPicture_.longerSide != 0 ? inPicture_.longerSide : std::max(width_, height_) / reduction_;
     }
 
     // How much of the picture its file held, above 0; less than 1 where that was damaged. Not handed on by
@@ -83,8 +91,7 @@ class PixelArray {
     std::ptrdiff_t stride_ = 0;
     int width_ = 0;
     int height_ = 0;
-    int left_ = 0;
-    int top_ = 0;
+    Place inPicture_;
     double reduction_ = 1.0;
     double partShown_ = 1.0;
     bool hasAlpha_ = false;

@@ -20,6 +20,7 @@ using test::At;
 using test::Pixel;
 using test::Random;
 using test::SamePixels;
+using test::Speckled;
 
 constexpr ColourValue kBackground = 0x00112233; // blue 0x11, green 0x22, red 0x33
 
@@ -43,8 +44,8 @@ TEST(OperationTable, NumbersBecomeParameters) {
         Case{Operation::MaximalOrMinimal, {0}, [](P p) { return p; }},
         Case{Operation::MaximalOrMinimal, {-3}, [](P p) { return engine::MaximumFilter(p, 3); }},
         Case{Operation::Emboss, {10, 200, 4}, [](P p) { return engine::Emboss(p, 10, 4, 2.0); }},
-        Case{Operation::Halftone, {1, 25}, [](P p) { return engine::Halftone(p, 1, 1.25); }},
-        Case{Operation::Halftone, {1, 0}, [](P p) { return engine::Halftone(p, 1, 1.0); }},
+        Case{Operation::Halftone, {1, 25}, [](P p) { return engine::Halftone(p, 4, 1.25); }},
+        Case{Operation::Halftone, {1, 0}, [](P p) { return engine::Halftone(p, 4, 1.0); }},
         Case{Operation::Contrast, {150}, [](P p) { return engine::Contrast(p, 1.5); }},
         Case{Operation::Saturation, {-7}, [](P p) { return engine::Saturation(p, -0.07); }},
         Case{Operation::MotionBlur, {7}, [](P p) { return engine::MotionBlur(p, 90, 7); }},
@@ -56,7 +57,8 @@ TEST(OperationTable, NumbersBecomeParameters) {
         Case{Operation::Perspective,
              {-30, -1},
              [](P p) { return engine::Perspective(p, true, -30, kBackground); }},
-        Case{Operation::Rotate, {45}, [](P p) { return engine::Rotate(p, 45, kBackground); }},
+        Case{Operation::Rotate, {45}, [](P p) { return engine::Rotate(p, -45, kBackground); }}, // clockwise
+        Case{Operation::Halftone, {0, 0}, [](P p) { return engine::Halftone(p, 4, 1.0); }},
     };
     const PixelArray picture = Random({61, 43});
     for (const Case& c : cases) {
@@ -71,6 +73,38 @@ PixelArray FourPixels() {
         const auto v = static_cast<std::uint8_t>(10 * (1 + x + 2 * y));
         return Pixel{v, static_cast<std::uint8_t>(v + 1), static_cast<std::uint8_t>(v + 2), 255};
     });
+}
+
+// What is set in per cent, or not at all, is meant for 1500 pixels; what is set in pixels stays.
+TEST(OperationTable, EffectsGrowWithLargePictures) {
+    using P = const PixelArray&;
+    const struct {
+        Operation operation;
+        Values values;
+        PixelArray (*wanted)(P picture, double growth);
+    } rows[] = {
+        {Operation::GaussianBlur, {3}, [](P p, double g) { return engine::GaussianBlur(p, 3 * g); }},
+        {Operation::MotionBlur, {8}, [](P p, double g) { return engine::MotionBlur(p, 90, 8 * g); }},
+        {Operation::Diffuse,
+         {30},
+         [](P p, double g) { return engine::Diffuse(p, static_cast<int>(2 * g), 30); }},
+        {Operation::Emboss, {10, 200, 4}, [](P p, double g) { return engine::Emboss(p, 10, 4 * g, 2.0); }},
+        {Operation::Halftone, {1, 0}, [](P p, double g) { return engine::Halftone(p, 4 * g, 1.0); }},
+        {Operation::SharpenOrBlur, {30}, [](P p, double) { return engine::GaussianBlur(p, 3); }},
+        {Operation::Mosaic, {7}, [](P p, double) { return engine::Mosaic(p, 7); }},
+        {Operation::MaximalOrMinimal, {-2}, [](P p, double) { return engine::MaximumFilter(p, 2); }},
+    };
+    PixelArray part = Speckled({60, 40}); // of a larger picture
+    part.SetPlaceInPicture({100, 200, 4500});
+    const PixelArray pictures[] = {Speckled({1500, 12}), Speckled({9, 3000}), part};
+    const double growths[] = {1, 2, 3};
+    for (const auto& row : rows) {
+        for (std::size_t i = 0; i < std::size(pictures); ++i) {
+            EXPECT_TRUE(SamePixels(After(pictures[i], row.operation, row.values),
+                                   row.wanted(pictures[i], growths[i])))
+                << RowOf(row.operation).caption << " of picture " << i;
+        }
+    }
 }
 
 TEST(OperationTable, TurnsAndMirrorsTheRightWay) {

@@ -7,8 +7,9 @@
 #include <cstdint>
 
 // Alpha moves along with the colours (interpolated premultiplied where the source has alpha). Warps keep the
-// canvas size and work about the centre with bicubic (Keys, a = -0.5) interpolation; the area they expose
-// gets `background` (0x00BBGGRR), opaque, with an antialiased border.
+// canvas size and work about the centre with bicubic (Keys, a = -0.5) interpolation; the area they expose is
+// clear where the source has alpha and gets `background` (0x00BBGGRR) where it has none, with an antialiased
+// border.
 namespace pictorel::engine {
 
 // The pixels of the window, as far as it lies in the picture. Throws ImagingError(InvalidValue) where no part

@@ -20,10 +20,9 @@ PixelArray Mosaic(const PixelArray& source, int size);
 
 // Grey relief: 128 + amount (luma height/2 px towards `degrees` minus luma height/2 px away), light direction
 // counter-clockwise from the horizontal.
-PixelArray Emboss(const PixelArray& source, double degrees, int height, double amount);
+PixelArray Emboss(const PixelArray& source, double degrees, double height, double amount);
 
-// Black dots on white on a 45 degree screen of cell 4 `size` px (4 px for size 0), dot area by luma with
-// gain.
-PixelArray Halftone(const PixelArray& source, int size, double gain);
+// Black dots on white on a 45 degree screen of cells `cell` px wide, at least 1, dot area by luma with gain.
+PixelArray Halftone(const PixelArray& source, double cell, double gain);
 
 } // namespace pictorel::engine

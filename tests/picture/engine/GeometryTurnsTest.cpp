@@ -79,13 +79,16 @@ TEST(RotateByRightAngles, SquareIsAQuarterTurn) {
 }
 
 TEST(RotateByRightAngles, OblongKeepsItsCanvas) {
-    const PixelArray picture = Speckled({7, 3}, true);
-    const PixelArray turned = Rotate(picture, 90, kBackground);
-    const PixelArray quarter = QuarterTurnLeft(picture); // 3 x 7
-    for (int y = 0; y < 3; ++y) {
-        for (int x = 0; x < 7; ++x) {
-            const bool isCovered = x >= 2 && x < 5;
-            EXPECT_EQ(At(turned, x, y), isCovered ? At(quarter, x - 2, y + 2) : kBackgroundPixel);
+    for (const bool hasAlpha : {false, true}) {
+        const PixelArray picture = Speckled({7, 3}, hasAlpha);
+        const PixelArray turned = Rotate(picture, 90, kBackground);
+        const PixelArray quarter = QuarterTurnLeft(picture); // 3 x 7
+        const Pixel exposed = hasAlpha ? Pixel{0, 0, 0, 0} : kBackgroundPixel;
+        for (int y = 0; y < 3; ++y) {
+            for (int x = 0; x < 7; ++x) {
+                const bool isCovered = x >= 2 && x < 5;
+                EXPECT_EQ(At(turned, x, y), isCovered ? At(quarter, x - 2, y + 2) : exposed);
+            }
         }
     }
 }

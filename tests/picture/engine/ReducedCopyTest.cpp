@@ -58,9 +58,9 @@ std::vector<Case> Cases() {
         cases.push_back({"emboss height " + std::to_string(height),
                          [=](const PixelArray& p) { return Emboss(p, 10, height, 2); }, kNotPreviewed});
     }
-    for (const int size : {0, 1, 3, 8, 20}) {
+    for (const int size : {1, 3, 8, 20}) {
         cases.push_back({"halftone " + std::to_string(size),
-                         [=](const PixelArray& p) { return Halftone(p, size, 1); }, kNotPreviewed});
+                         [=](const PixelArray& p) { return Halftone(p, 4 * size, 1); }, kNotPreviewed});
     }
     for (const int percent : {10, 100}) {
         cases.push_back({"diffuse " + std::to_string(percent),

@@ -37,7 +37,7 @@ constexpr Slider kSliders[] = {
     {"noise", 0, 50, 5, [](const PixelArray& p, int v) { return Noise(p, v); }},
     {"diffuse", 0, 100, 10, [](const PixelArray& p, int v) { return Diffuse(p, 2, v); }},
     {"mosaic", 0, 50, 1, [](const PixelArray& p, int v) { return Mosaic(p, v); }},
-    {"halftone", 0, 2500, 250, [](const PixelArray& p, int v) { return Halftone(p, v, 1); }},
+    {"halftone", 0, 2500, 250, [](const PixelArray& p, int v) { return Halftone(p, 4 * std::max(v, 1), 1); }},
     {"emboss angle", 0, 360, 20, [](const PixelArray& p, int v) { return Emboss(p, v, 4, 2); }},
     {"emboss height", 0, 15, 1, [](const PixelArray& p, int v) { return Emboss(p, 33, v, 2); }},
     {"emboss amount", 0, 1500, 100, [](const PixelArray& p, int v) { return Emboss(p, 33, 4, v / 100.0); }},

@@ -43,7 +43,7 @@ TEST(StylizeParameters, ImpossibleOnesAreRefused) {
     EXPECT_THROW(Emboss(picture, INFINITY, 4, 2), ImagingError);
     EXPECT_THROW(Halftone(picture, -1, 1), ImagingError);
     EXPECT_THROW(Emboss(PixelArray(), 10, 4, 2), ImagingError);
-    EXPECT_THROW(Halftone(PixelArray(), 1, 1), ImagingError);
+    EXPECT_THROW(Halftone(PixelArray(), 4, 1), ImagingError);
 }
 
 // Alpha stays, and the top left part of a picture gets what it gets alone: results depend on the position and
@@ -57,7 +57,7 @@ TEST(StylizePosition, PartsAreTreatedAsTheWhole) {
         [](const PixelArray& p) { return Diffuse(p, 2, 70); },
         [](const PixelArray& p) { return Mosaic(p, 7); },
         [](const PixelArray& p) { return Emboss(p, 30, 4, 2); },
-        [](const PixelArray& p) { return Halftone(p, 2, 1.1); },
+        [](const PixelArray& p) { return Halftone(p, 8, 1.1); },
     };
     for (const auto& operation : operations) {
         const PixelArray ofWhole = operation(whole);
@@ -80,7 +80,7 @@ TEST(StylizePosition, APartKnowsItsPlace) {
     const PixelArray whole = Speckled({640, 500}, true);
     constexpr Window kPart{301, 157, 130, 120};
     PixelArray part = Crop(whole, kPart);
-    part.SetCornerInPicture(kPart.left, kPart.top);
+    part.SetPlaceInPicture({kPart.left, kPart.top, 640});
     const std::function<PixelArray(const PixelArray&)> operations[] = {
         [](const PixelArray& p) { return Noise(p, 30); },
         [](const PixelArray& p) { return Diffuse(p, 2, 70); },
@@ -244,10 +244,10 @@ TEST(Emboss, ReliefFarHigherThanThePicture) {
 }
 
 TEST(Halftone, DotAreaIsTheDarkness) {
-    for (const int size : {0, 1, 2, 5}) {
+    for (const int size : {1, 2, 5}) {
         for (const double gain : {1.0, 1.25}) {
             for (int value = 0; value <= 255; value += 15) {
-                const PixelArray result = Halftone(Constant({240, 240}, Grey(value)), size, gain);
+                const PixelArray result = Halftone(Constant({240, 240}, Grey(value)), 4 * size, gain);
                 const double area = std::min((1 - value / 255.0) * gain, 1.0);
                 // A large screen does not fit the picture a whole number of times.
                 const double tolerance = size < 2 ? 1.5 : 5;
@@ -260,20 +260,20 @@ TEST(Halftone, DotAreaIsTheDarkness) {
 
 TEST(Halftone, BlackDotsOnAScreenOf45Degrees) {
     // Cells of 20 px: dots lie at multiples of 20 along the diagonals, 14.14 right and as many down.
-    const PixelArray light = Halftone(Constant({120, 120}, Grey(230)), 5, 1);
+    const PixelArray light = Halftone(Constant({120, 120}, Grey(230)), 20, 1);
     EXPECT_EQ(At(light, 0, 0)[0], 0);
     EXPECT_EQ(At(light, 28, 0)[0], 0);
     EXPECT_EQ(At(light, 14, 14)[0], 0);
     EXPECT_EQ(At(light, 14, 0)[0], 255);
     EXPECT_EQ(At(light, 7, 7)[0], 255);
     // In dark tones the holes are where the light tones have most white.
-    const PixelArray dark = Halftone(Constant({120, 120}, Grey(25)), 5, 1);
+    const PixelArray dark = Halftone(Constant({120, 120}, Grey(25)), 20, 1);
     EXPECT_EQ(At(dark, 14, 0)[0], 255);
     EXPECT_EQ(At(dark, 7, 7)[0], 0);
     // Black and white have no dots at all, and colours become grey.
-    EXPECT_TRUE(Same(Halftone(Constant({9, 9}, Grey(0)), 1, 1), Constant({9, 9}, Grey(0))));
-    EXPECT_TRUE(Same(Halftone(Constant({9, 9}, Grey(255)), 1, 1.25), Constant({9, 9}, Grey(255))));
-    const Pixel p = At(Halftone(Constant({9, 9}, {200, 20, 90, 255}), 1, 1), 4, 4);
+    EXPECT_TRUE(Same(Halftone(Constant({9, 9}, Grey(0)), 4, 1), Constant({9, 9}, Grey(0))));
+    EXPECT_TRUE(Same(Halftone(Constant({9, 9}, Grey(255)), 4, 1.25), Constant({9, 9}, Grey(255))));
+    const Pixel p = At(Halftone(Constant({9, 9}, {200, 20, 90, 255}), 4, 1), 4, 4);
     EXPECT_TRUE(p[0] == p[1] && p[1] == p[2]);
 }
 

@@ -15,4 +15,9 @@ constexpr std::uint32_t OpaquePixel(std::uint32_t colour) noexcept {
     return blue | green << 8 | red << 16 | kOpaque;
 }
 
+// What geometry exposes: clear in a picture that has transparency, the background colour in another.
+constexpr std::uint32_t ExposedPixel(std::uint32_t background, bool hasAlpha) noexcept {
+    return hasAlpha ? 0 : OpaquePixel(background);
+}
+
 } // namespace pictorel::engine

@@ -39,8 +39,8 @@ PixelArray Scattered(const PixelArray& source, int radius, double percent) {
                           static_cast<int>(source.Stride() / 4),
                           radius,
                           static_cast<std::uint32_t>(moved - 1),
-                          source.LeftInPicture(),
-                          source.TopInPicture()};
+                          source.InPicture().left,
+                          source.InPicture().top};
     const bool streams = IsStreamed(result);
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         std::vector<std::int32_t> sources(static_cast<std::size_t>(result.Width()) + kVectorPixels);

@@ -138,7 +138,7 @@ class ShiftedRows {
 
 } // namespace
 
-PixelArray Emboss(const PixelArray& source, double degrees, int height, double amount) {
+PixelArray Emboss(const PixelArray& source, double degrees, double height, double amount) {
     RequireRange("the angle of the light", degrees, -360e6, 360e6);
     RequireRange("the height of the relief", height, 0, kMaximumSide);
     RequireRange("the strength of the relief", amount, -1000, 1000);

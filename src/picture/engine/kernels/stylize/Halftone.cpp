@@ -183,12 +183,12 @@ PixelArray ReducedDots(const PixelArray& source, double cell, double gain) {
 
 } // namespace
 
-PixelArray Halftone(const PixelArray& source, int size, double gain) {
-    RequireRange("the size of the halftone dots", size, 0, kMaximumSide);
+PixelArray Halftone(const PixelArray& source, double cell, double gain) {
+    constexpr double kLargestCell = 1e6; // far more than a picture
+    RequireRange("the size of the halftone's cells", cell, 1, kLargestCell);
     RequireRange("the gain of the halftone", gain, 0, 1000);
-    constexpr int kPixelsPerSize = 4;
-    const double cell = std::max(size, 1) * kPixelsPerSize * source.Reduction();
-    return source.Reduction() == 1 ? Dots(source, cell, gain) : ReducedDots(source, cell, gain);
+    return source.Reduction() == 1 ? Dots(source, cell, gain)
+                                   : ReducedDots(source, cell * source.Reduction(), gain);
 }
 
 } // namespace pictorel::engine

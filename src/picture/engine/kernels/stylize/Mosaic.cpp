@@ -189,8 +189,8 @@ AxisWeights BlocksShown(const BlockAxis& blocks, int count) {
 
 // A reduced copy shows the blocks of the picture reduced: their edges lie between its pixels.
 PixelArray FractionalBlocks(const PixelArray& source, int size) {
-    const BlockAxis across = BlocksOf(source.Width(), size, source.LeftInPicture(), source.Reduction());
-    const BlockAxis down = BlocksOf(source.Height(), size, source.TopInPicture(), source.Reduction());
+    const BlockAxis across = BlocksOf(source.Width(), size, source.InPicture().left, source.Reduction());
+    const BlockAxis down = BlocksOf(source.Height(), size, source.InPicture().top, source.Reduction());
     const AxisWeights columns = BlockMeans(across);
     const AxisWeights rows = BlockMeans(down);
     const PixelArray blocks = ResampleSeparable(source, columns, rows);
@@ -205,7 +205,7 @@ PixelArray Mosaic(const PixelArray& source, int size) {
     if (size <= 1 || scaledSize <= 1) {
         return source;
     }
-    const bool beginsWithBlock = source.LeftInPicture() % size == 0 && source.TopInPicture() % size == 0;
+    const bool beginsWithBlock = source.InPicture().left % size == 0 && source.InPicture().top % size == 0;
     if (beginsWithBlock && scaledSize == std::floor(scaledSize)) {
         const auto pixels = static_cast<int>(scaledSize);
         return source.HasAlpha() || pixels > SmallSums::kMostRows ? WholeBlocks<ColumnSums>(source, pixels)

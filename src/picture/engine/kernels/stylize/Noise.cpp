@@ -68,7 +68,7 @@ PixelArray AddWholeNoise(const PixelArray& source, double amplitude) {
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
             NoiseKernels::Best().AddNoise({source.Row(y), rows + y * result.Stride(), result.Width(),
-                                           source.LeftInPicture(), source.TopInPicture() + y,
+                                           source.InPicture().left, source.InPicture().top + y,
                                            static_cast<std::int16_t>(std::lround(amplitude * kNoiseUnit)),
                                            IsStreamed(result)});
         }
@@ -134,9 +134,9 @@ PixelArray AddMeanNoise(const PixelArray& source, double amplitude) {
         constexpr std::size_t kRoom = 64;
         std::vector<std::int32_t> sums((static_cast<std::size_t>(width) + kRoom) * kNoiseSumNumbers);
         for (int y = first; y < end; ++y) {
-            NoiseKernels::Best().SumNoise(source.TopInPicture() + block.First(y),
-                                          source.TopInPicture() + block.End(y), source.LeftInPicture(), width,
-                                          sums.data());
+            NoiseKernels::Best().SumNoise(source.InPicture().top + block.First(y),
+                                          source.InPicture().top + block.End(y), source.InPicture().left,
+                                          width, sums.data());
             AddMeanNoiseRow(source.Row(y), firsts, sums.data(), block.End(y) - block.First(y), amplitude,
                             effects, rows + y * result.Stride());
         }

@@ -11,8 +11,7 @@ PixelArray WindowOf(const PixelArray& source, const OptionalWindow& window) {
     return window ? Crop(source, *window) : source;
 }
 
-void FillPixels(std::uint8_t* to, int count, std::uint32_t background) {
-    const std::uint32_t pixel = OpaquePixel(background);
+void FillPixels(std::uint8_t* to, int count, std::uint32_t pixel) {
     for (int i = 0; i < count; ++i) {
         StorePixel(to + i * kComponents, pixel);
     }
@@ -24,7 +23,8 @@ PixelArray BackgroundOnly(const PixelArray& source, std::uint32_t background, co
     std::uint8_t* const rows = result.WritableRows();
     ForEachBand(result.Height(), result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            FillPixels(rows + y * result.Stride(), result.Width(), background);
+            FillPixels(rows + y * result.Stride(), result.Width(),
+                       ExposedPixel(background, source.HasAlpha()));
         }
     });
     return result;

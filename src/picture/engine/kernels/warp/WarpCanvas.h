@@ -61,8 +61,10 @@ struct TurnedMap {
 // What a neutral number leaves.
 PixelArray WindowOf(const PixelArray& source, const OptionalWindow& window);
 
-// Opaque pixels of a colour 0x00BBGGRR.
-void FillPixels(std::uint8_t* to, int count, std::uint32_t background);
+// Pixels of one colour, as they lie in memory.
+void FillPixels(std::uint8_t* to, int count, std::uint32_t pixel);
+
+// Nothing but exposed area.
 PixelArray BackgroundOnly(const PixelArray& source, std::uint32_t background, const OptionalWindow& window);
 
 } // namespace pictorel::engine

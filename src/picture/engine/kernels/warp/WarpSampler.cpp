@@ -36,7 +36,7 @@ void FetchRun(const std::uint8_t* pixels, std::ptrdiff_t stride, const SampleRun
 WarpSampler::WarpSampler(const PixelArray& source, Outside outside, std::uint32_t background)
     : source_(source),
       outside_(outside),
-      backgroundPixel_(OpaquePixel(background)),
+      backgroundPixel_(ExposedPixel(background, source.HasAlpha())),
       deepInside_(InsideOf({6, 6})) {}
 
 SampleBounds WarpSampler::InsideOf(BorderWidth border) const {
@@ -182,12 +182,13 @@ void WarpSampler::MixBackground(double coverage, std::uint8_t* pixel) const {
     std::array<std::uint8_t, kComponents> background;
     StorePixel(background.data(), backgroundPixel_);
     const double pictureShare = coverage * pixel[3];
-    const double backgroundShare = (1 - coverage) * 255;
+    const double backgroundShare = (1 - coverage) * background[3];
+    const double alpha = pictureShare + backgroundShare;
     for (int c = 0; c < 3; ++c) {
-        pixel[c] = RoundToByte((pictureShare * pixel[c] + backgroundShare * background[c]) /
-                               (pictureShare + backgroundShare));
+        const double sum = pictureShare * pixel[c] + backgroundShare * background[c];
+        pixel[c] = RoundToByte(alpha == 0 ? 0 : sum / alpha);
     }
-    pixel[3] = RoundToByte(pictureShare + backgroundShare);
+    pixel[3] = RoundToByte(alpha);
 }
 
 } // namespace pictorel::engine

@@ -37,6 +37,7 @@ constexpr double kManyTurns = 360e6; // any angle but infinities
 // `turned` in the middle of the source's canvas. Where the difference of the sides is odd there is no middle:
 // it lies half a pixel towards the top left, since a shift by half a pixel would blur everything.
 PixelArray Centred(const PixelArray& turned, const PixelArray& source, std::uint32_t background) {
+    const std::uint32_t exposed = ExposedPixel(background, source.HasAlpha());
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
     const auto offset = [](int canvas, int size) {
@@ -50,13 +51,13 @@ PixelArray Centred(const PixelArray& turned, const PixelArray& source, std::uint
         for (int y = firstRow; y < endRow; ++y) {
             std::uint8_t* const to = rows + y * result.Stride();
             if (y < top || y >= top + turned.Height()) {
-                FillPixels(to, result.Width(), background);
+                FillPixels(to, result.Width(), exposed);
                 continue;
             }
-            FillPixels(to, first, background);
+            FillPixels(to, first, exposed);
             std::memcpy(to + first * kComponents, turned.Row(y - top) + (first - left) * kComponents,
                         static_cast<std::size_t>(end - first) * kComponents);
-            FillPixels(to + end * kComponents, result.Width() - end, background);
+            FillPixels(to + end * kComponents, result.Width() - end, exposed);
         }
     });
     return result;
