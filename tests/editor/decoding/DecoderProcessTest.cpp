@@ -66,6 +66,9 @@ std::optional<PixelArray> Through(DecoderProcess& decoder, const std::string& fi
     if (a.HasAlpha() != b.HasAlpha() || a.Reduction() != b.Reduction()) {
         return ::testing::AssertionFailure() << "other flags";
     }
+    if (a.PartShown() != b.PartShown()) {
+        return ::testing::AssertionFailure() << "other parts are said to be shown";
+    }
     if (a.Details() != b.Details()) {
         return ::testing::AssertionFailure() << "other metadata";
     }
@@ -207,11 +210,26 @@ TEST_F(DecoderProcessTest, LargePicturesStayValuesAfterTheProgramHasGone) {
 
 TEST_F(DecoderProcessTest, WhateverTheProgramSaysCostsOnePictureAtMost) {
     const std::string picture = Save(Random({20, 10}), "BMP");
-    for (const char* const manner :
-         {"dies", "leaves", "too-short", "too-long", "other-mark", "other-outcome", "always-fonts",
-          "no-pixels", "vast", "negative", "fewer-bytes", "behind-the-end", "before-the-beginning",
-          "beside-a-page", "endless-details", "details-of-negative-length", "no-resolution",
-          "shrinks-the-memory", "seals-the-memory"}) {
+    for (const char* const manner : {"dies",
+                                     "leaves",
+                                     "too-short",
+                                     "too-long",
+                                     "other-mark",
+                                     "other-outcome",
+                                     "always-fonts",
+                                     "no-pixels",
+                                     "vast",
+                                     "negative",
+                                     "fewer-bytes",
+                                     "behind-the-end",
+                                     "before-the-beginning",
+                                     "beside-a-page",
+                                     "more-than-all-shown",
+                                     "endless-details",
+                                     "details-of-negative-length",
+                                     "no-resolution",
+                                     "shrinks-the-memory",
+                                     "seals-the-memory"}) {
         DecoderProcess decoder(FalseDecoder(manner));
         for (int i = 0; i < 2; ++i) { // the program for the second is another
             EXPECT_THROW(decoder.Decode(picture), ImagingError) << manner;
