@@ -1,5 +1,6 @@
 // Prints, for every shown slider at five values and each picture given, how alike the preview and the
-// committed picture are; ends with 1 when a preview lies.
+// committed picture are: of the whole picture, and zoomed in at several places; ends with 1 when a preview
+// lies.
 #include "editor/AtomicFile.h"
 #include "editor/SliderCatalogue.h"
 #include "measure/PreviewTruth.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 namespace {
@@ -27,20 +29,71 @@ struct Tally {
     int lies = 0;
 };
 
-void PrintSlider(const measure::PreviewTruth& truths, int slider, Tally& tally) {
-    const SliderRow& row = SliderCatalogue()[static_cast<std::size_t>(slider)];
-    std::printf("%-16.*s", static_cast<int>(row.caption.size()), row.caption.data());
-    for (int i = 0; i < kValues; ++i) {
-        const int value = row.minimum + (row.maximum - row.minimum) * i / (kValues - 1);
-        const double truth = truths.Of(slider, value);
-        const bool lies = truth < Bound(row.operation);
-        std::printf(" %5d: %.4f%c", value, truth, lies ? '!' : ' ');
-        tally.lies += lies ? 1 : 0;
-        tally.least = std::min(tally.least, truth);
+// A view of this many device pixels, zoomed in on a place of the picture.
+struct Place {
+    const char* name;
+    double zoom; // 0 shows the whole picture
+    double x;    // 0 at the left end of what can be reached by scrolling, 1 at the right
+    double y;
+};
+constexpr int kViewWidth = 1000;
+constexpr int kViewHeight = 700;
+constexpr std::array<Place, 6> kPlaces{{
+    {"whole", 0, 0, 0},
+    {"101 %, right of the middle", 1.01, 0.7, 0.4},
+    {"150 %, left of the middle", 1.5, 0.3, 0.5},
+    {"400 %, lower right", 4, 0.8, 0.7},
+    {"400 %, corner", 4, 0, 0},
+    {"1000 %, middle", 10, 0.5, 0.5},
+}};
+
+ShownPart PartAt(const Place& place, const PixelArray& picture) {
+    if (place.zoom == 0) {
+        return {};
     }
-    std::printf("\n");
-    std::fflush(stdout);
+    const int width = std::min(static_cast<int>(kViewWidth / place.zoom), picture.Width());
+    const int height = std::min(static_cast<int>(kViewHeight / place.zoom), picture.Height());
+    return {place.zoom, static_cast<int>(place.x * (picture.Width() - width)),
+            static_cast<int>(place.y * (picture.Height() - height)), width, height};
 }
+
+class Truths {
+  public:
+    explicit Truths(const PixelArray& picture) : picture_(picture) {
+        for (std::size_t i = 0; i < kPlaces.size(); ++i) {
+            truths_[i] = std::make_unique<measure::PreviewTruth>(picture, PartAt(kPlaces[i], picture));
+        }
+    }
+
+    void PrintSlider(int slider, Tally& tally) const {
+        const SliderRow& row = SliderCatalogue()[static_cast<std::size_t>(slider)];
+        std::array<std::array<double, kValues>, kPlaces.size()> truths{};
+        std::array<int, kValues> values{};
+        for (int i = 0; i < kValues; ++i) {
+            values[i] = row.minimum + (row.maximum - row.minimum) * i / (kValues - 1);
+            const PixelArray committed = measure::PreviewTruth::AfterSlider(picture_, slider, values[i]);
+            for (std::size_t place = 0; place < kPlaces.size(); ++place) {
+                truths[place][i] = truths_[place]->Of(slider, values[i], committed);
+            }
+        }
+        for (std::size_t place = 0; place < kPlaces.size(); ++place) {
+            std::printf("%-16.*s %-26s", static_cast<int>(row.caption.size()), row.caption.data(),
+                        kPlaces[place].name);
+            for (int i = 0; i < kValues; ++i) {
+                const bool lies = truths[place][i] < Bound(row.operation);
+                std::printf(" %5d: %.4f%c", values[i], truths[place][i], lies ? '!' : ' ');
+                tally.lies += lies ? 1 : 0;
+                tally.least = std::min(tally.least, truths[place][i]);
+            }
+            std::printf("\n");
+        }
+        std::fflush(stdout);
+    }
+
+  private:
+    const PixelArray& picture_;
+    std::array<std::unique_ptr<measure::PreviewTruth>, kPlaces.size()> truths_;
+};
 
 } // namespace
 
@@ -58,12 +111,12 @@ int main(int count, char* words[]) {
             return 2;
         }
         const PixelArray picture = codec->read(*bytes, {});
-        const measure::PreviewTruth truths(picture);
-        std::printf("%s, %d x %d, preview %d x %d: structural similarity at each slider's values\n", words[i],
-                    picture.Width(), picture.Height(), truths.Copy().Width(), truths.Copy().Height());
+        const Truths truths(picture);
+        std::printf("%s, %d x %d: structural similarity at each slider's values\n", words[i], picture.Width(),
+                    picture.Height());
         for (int slider = 0; slider < kSliderCount; ++slider) {
             if (SliderCatalogue()[static_cast<std::size_t>(slider)].shown) {
-                PrintSlider(truths, slider, tally);
+                truths.PrintSlider(slider, tally);
             }
         }
     }

@@ -12,6 +12,7 @@ target_include_directories(pictorel_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 if(PICTOREL_SANITIZE)
   target_compile_options(pictorel_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
     -fno-omit-frame-pointer)
+  target_compile_definitions(pictorel_options INTERFACE PICTOREL_SANITIZED)
   target_link_options(pictorel_options INTERFACE -fsanitize=address,undefined)
 endif()
 if(PICTOREL_FUZZ) # the coverage that the fuzzer steers by, and small pictures; its main comes with the targets

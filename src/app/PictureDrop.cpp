@@ -1,4 +1,4 @@
-// Pictures dropped on the window, see PictureDrop.h.
+// Pictures that come to the window from elsewhere, see PictureDrop.h.
 #include "app/PictureDrop.h"
 
 #include "controls/Events.h"
@@ -14,27 +14,28 @@
 namespace pictorel {
 namespace {
 
-// The first file that is dropped; empty where that is none that can be opened.
-QString FirstFile(const QMimeData* data) {
-    const auto urls = data == nullptr ? QList<QUrl>() : data->urls();
-    if (urls.isEmpty() || !urls.first().isLocalFile()) {
-        return {};
+// The files of this machine among what is dropped.
+QStringList FilesIn(const QMimeData* data) {
+    QStringList files;
+    for (const QUrl& url : data == nullptr ? QList<QUrl>() : data->urls()) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isFile()) {
+            files.append(url.toLocalFile());
+        }
     }
-    QString fileName = urls.first().toLocalFile();
-    return QFileInfo(fileName).isFile() ? fileName : QString();
+    return files;
 }
 
 } // namespace
 
 PictureDrop::PictureDrop(QWidget& window, const Editor& editor, std::function<bool()> isReady,
-                         std::function<void(const QString&)> open)
+                         std::function<void(const PictureArrival&)> open)
     : editor_(editor), isReady_(std::move(isReady)), open_(std::move(open)) {
     window.setAcceptDrops(true);
     window.installEventFilter(this);
 }
 
 bool PictureDrop::Takes(const QMimeData* data) const {
-    return isReady_() && !FirstFile(data).isEmpty();
+    return isReady_() && !FilesIn(data).isEmpty();
 }
 
 bool PictureDrop::eventFilter(QObject* watched, QEvent* event) {
@@ -50,18 +51,17 @@ bool PictureDrop::eventFilter(QObject* watched, QEvent* event) {
     drop->setDropAction(Qt::CopyAction); // the file stays where it is, whatever its owner proposes
     drop->accept();
     if (type == QEvent::Drop) {
-        QTimer::singleShot(0, this,
-                           [this, fileName = FirstFile(drop->mimeData())] { OpenWhenIdle(fileName); });
+        QTimer::singleShot(0, this, [this, files = FilesIn(drop->mimeData())] { Open(FirstOf(files)); });
     }
     return true;
 }
 
-void PictureDrop::OpenWhenIdle(const QString& fileName) {
+void PictureDrop::Open(const PictureArrival& arrival) {
     constexpr int kLookAgain = 20; // milliseconds
-    if (editor_.IsBusy()) {
-        QTimer::singleShot(kLookAgain, this, [this, fileName] { OpenWhenIdle(fileName); });
-    } else if (isReady_()) {
-        Events::Guarded([&] { open_(fileName); })();
+    if (editor_.IsBusy() || !isReady_()) {
+        QTimer::singleShot(kLookAgain, this, [this, arrival] { Open(arrival); });
+    } else {
+        Events::Guarded([&] { open_(arrival); })();
     }
 }
 

@@ -108,10 +108,11 @@ bool ShutDown::Form_QueryUnload() {
 }
 
 void ShutDown::Form_Unload() {
-    CarryOn([&] { parts_.popups.BlinkTarget = nullptr; },                                               //
-            [&] { parts_.webBrowser.Stop(); },                                                          //
-            [&] { parts_.editor.History.DeleteWorkingFiles(); }, [&] { parts_.scanCommand.Abandon(); }, //
-            [&] { parts_.imageTwain.CloseSourceManager(); },                                            //
+    CarryOn([&] { parts_.popups.BlinkTarget = nullptr; }, //
+            [&] { parts_.webBrowser.Stop(); },            //
+            [&] { parts_.editor.History.DeleteWorkingFiles(); }, [&] { parts_.editor.ForgetChanges(); },
+            [&] { parts_.scanCommand.Abandon(); },           //
+            [&] { parts_.imageTwain.CloseSourceManager(); }, //
             [&] { parts_.preview.Unload(); });
 }
 

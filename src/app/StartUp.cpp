@@ -8,6 +8,7 @@
 #include "notices/WebSite.h"
 #include "panels/IconTable.h"
 #include "platform/CarryOn.h"
+#include "platform/Folders.h"
 #include "platform/PumpEvents.h"
 #include "platform/Texts.h"
 
@@ -92,12 +93,13 @@ void ShowStartFailure(const std::exception& error) {
                                MessageIcon::Exclamation);
 }
 
-StartResult StartUp::Form_Load(const QString& commandLine) {
+StartResult StartUp::Form_Load(const CommandLine& commandLine) {
     try {
-        if (commandLine == QStringLiteral("homepage")) {
+        if (commandLine.text == QStringLiteral("homepage")) {
             OpenWebLink(kHomePageLink, parts_.strings);
             return StartResult::HomePage;
         }
+        filesToOpen_ = commandLine.files;
         RunSequence();
         return StartResult::Started;
     } catch (const std::exception& error) {
@@ -114,7 +116,9 @@ void StartUp::RunSequence() {
     parts_.zoomScroll.ZoomControlsSyncing = false;
     LoadSkin();
     LetAllEventsRun();
-    ShowSplash();
+    if (filesToOpen_.isEmpty()) {
+        ShowSplash();
+    }
     LoadIcons();
     GiveButtonsTheirLooks();
     SetToolTips();
@@ -270,26 +274,32 @@ void StartUp::Timer_StartUp_Timer() {
                 }
             },
             [&] { parts_.popups.BlinkButton(OpenButton(), true, kBlinkInterval); }, //
-            [&] { OpenButton().SetEnabled(true); },
+            [&] { OpenButton().SetEnabled(true); }, [&] { parts_.offerRecovery(); },
             [&] {
                 if (!DownloadChosen_) {
                     parts_.timers.Timer_Tags.start();
+                }
+            },
+            [&] {
+                if (!filesToOpen_.isEmpty()) {
+                    parts_.openFiles(filesToOpen_);
                 }
             });
 }
 
 void StartUp::Timer_Tags_Timer() {
-    CarryOn([&] { DownloadChosen_ = false; },
-            [&] {
-                // Whoever has begun already needs no notice of how to begin, least of all over the dialog.
-                if (QApplication::activeModalWidget() == nullptr && !parts_.editor.IsBusy()) {
-                    ShowGettingStartedTag(parts_.tag, parts_.window.frameGeometry().topLeft(),
-                                          InApplicationFolder("\\pics\\img_tag_gettingstarted.png"),
-                                          parts_.editor.Document.GetTempFolder());
-                }
-            },
-            [&] { parts_.timers.Timer_Tags.stop(); }, //
-            [&] { OpenButton().SetEnabled(true); });
+    CarryOn(
+        [&] { DownloadChosen_ = false; },
+        [&] {
+            // Whoever has begun already needs no notice of how to begin, least of all over the dialog.
+            if (QApplication::activeModalWidget() == nullptr && !parts_.editor.IsBusy() && !IsPictureOpen()) {
+                ShowGettingStartedTag(parts_.tag, parts_.window.frameGeometry().topLeft(),
+                                      InApplicationFolder("\\pics\\img_tag_gettingstarted.png"),
+                                      parts_.editor.Document.GetTempFolder());
+            }
+        },
+        [&] { parts_.timers.Timer_Tags.stop(); }, //
+        [&] { OpenButton().SetEnabled(true); });
 }
 
 } // namespace pictorel

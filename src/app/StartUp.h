@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/ApplicationStrings.h"
+#include "app/CommandLine.h"
 #include "app/MainControls.h"
 #include "controls/Events.h"
 #include "controls/IconStore.h"
@@ -63,15 +64,18 @@ struct StartUpParts {
     ResizePanel& resizePanel;
     ZoomScroll& zoomScroll;
     PreviewWindow& previewWindow;
-    std::function<bool()> showUpdates; // waits for the answer; true where the new version is wanted
+    std::function<bool()> showUpdates;   // waits for the answer; true where the new version is wanted
+    std::function<void()> offerRecovery; // of what other editors left
+    std::function<void(const QStringList&)> openFiles; // as if they were dropped on the window
 };
 
 class StartUp {
   public:
     explicit StartUp(StartUpParts parts) : parts_(std::move(parts)) {}
 
-    // `commandLine` is the whole argument text; "homepage" is the only one that means anything.
-    StartResult Form_Load(const QString& commandLine);
+    // The argument text "homepage" opens the home page; files are opened as soon as the window is ready, and
+    // nobody who brings some is shown the splash.
+    StartResult Form_Load(const CommandLine& commandLine);
 
     // The end of the sequence, 300 ms after the window is shown.
     void Timer_StartUp_Timer();
@@ -82,6 +86,7 @@ class StartUp {
     void SetTimers();
     void LoadSkin();
     void ShowSplash();
+    bool IsPictureOpen() const { return !parts_.editor.Document.WorkingPicture(kSlot).IsEmpty(); }
     void LoadIcons();
     void GiveButtonsTheirLooks();
     void SetToolTips();
@@ -93,6 +98,7 @@ class StartUp {
     PushButton& OpenButton() const { return parts_.controls.Cmd_Panel(kOpenButton); }
 
     StartUpParts parts_;
+    QStringList filesToOpen_;      // those of the command line
     bool UpdateAvailable_ = false; // a newer version is published
     bool DownloadChosen_ = false;  // the person chose "Update Now" in the update notice
     Events events_;

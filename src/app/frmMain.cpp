@@ -11,6 +11,7 @@
 #include "notices/frmUpdates.h"
 #include "panels/IconTable.h"
 #include "picture/metafile/Metafile.h"
+#include "platform/Folders.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -133,6 +134,10 @@ void frmMain::MakeCommands() {
                             [this] { historyPanel_->UpdateUndoRedoButtons(); }, [this] { ShowTools(); },
                             [this] { ShowAbout(); }, strings_.Entry(Text::Title)},
         messages_);
+    recoverCommand_ = std::make_unique<RecoverCommand>(
+        editor_, *fileCommands_, [this](const QString& text, const QString& title, const QImage& picture) {
+            return messages_.AskAboutPicture(text, title, picture);
+        });
     scanCommand_ = std::make_unique<ScanCommand>(
         editor_, *fileCommands_, *imageTwain_,
         ScanCommandControls{c.Cmd_Panel(kScanButton), timers_.Timer_Scanner, c.ProgressBarControl},
@@ -152,11 +157,28 @@ void frmMain::MakeShell() {
     shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
     pictureDrop_ = std::make_unique<PictureDrop>(
         *this, editor_, [this] { return IsReadyToOpen(); },
-        [this](const QString& fileName) { fileCommands_->OpenFile(fileName); });
+        [this](const PictureArrival& arrival) { fileCommands_->OpenArrival(arrival); });
     startUp_ = std::make_unique<StartUp>(
-        StartUpParts{*this, controls_, timers_, strings_, icons_, skin_, PopupControl_Splash_,
-                     PopupControl_Tag_, editor_, *updateCheck_, *popups_, *pictureControls_, *historyPanel_,
-                     *toolPanels_, *resizePanel_, *zoomScroll_, *preview_, [this] { return ShowUpdates(); }});
+        StartUpParts{*this,
+                     controls_,
+                     timers_,
+                     strings_,
+                     icons_,
+                     skin_,
+                     PopupControl_Splash_,
+                     PopupControl_Tag_,
+                     editor_,
+                     *updateCheck_,
+                     *popups_,
+                     *pictureControls_,
+                     *historyPanel_,
+                     *toolPanels_,
+                     *resizePanel_,
+                     *zoomScroll_,
+                     *preview_,
+                     [this] { return ShowUpdates(); },
+                     [this] { recoverCommand_->OfferAll(); },
+                     [this](const QStringList& files) { pictureDrop_->Open(FirstOf(files)); }});
 }
 
 bool frmMain::IsReadyToOpen() const {

@@ -11,6 +11,7 @@
 #include "app/ShutDown.h"
 #include "app/StartUp.h"
 #include "commands/FileCommands.h"
+#include "commands/RecoverCommand.h"
 #include "commands/print/PrintCommand.h"
 #include "commands/scan/ImageTwain.h"
 #include "commands/scan/ScanCommand.h"
@@ -106,6 +107,7 @@ class frmMain : public QWidget {
     std::unique_ptr<ResizePanel> resizePanel_;
     std::unique_ptr<EditorDisplay> display_;
     std::unique_ptr<FileCommands> fileCommands_;
+    std::unique_ptr<RecoverCommand> recoverCommand_;
     std::unique_ptr<PictureDrop> pictureDrop_;
     std::unique_ptr<PrintCommand> printCommand_;
     std::unique_ptr<ScanCommand> scanCommand_;

@@ -1,8 +1,10 @@
 // The process: it loads the main window, and the window's end is its end.
+#include "app/CommandLine.h"
 #include "app/StartUp.h"
 #include "app/frmMain.h"
 #include "platform/Folders.h"
 #include "platform/TerminationSignals.h"
+#include "platform/WorkingFolder.h"
 
 #include <QApplication>
 #include <QFont>
@@ -11,6 +13,7 @@
 #include <QStyleFactory>
 
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 
@@ -27,14 +30,25 @@ QIcon ApplicationIcon() {
     return icon;
 }
 
+std::optional<QString> PrintedAnswer(int argumentCount, char* const* arguments) {
+    QStringList words;
+    for (int i = 1; i < argumentCount; ++i) {
+        words.append(QString::fromLocal8Bit(arguments[i]));
+    }
+    return pictorel::PrintedAnswer(words, QStringLiteral(PICTOREL_VERSION));
+}
+
 struct RemovedAtExit {
     std::shared_ptr<pictorel::WorkingFolder> folder;
-    ~RemovedAtExit() { folder->Remove(); }
+    ~RemovedAtExit() { folder->RemoveUnlessRecoverable(); }
 };
 
 } // namespace
 
 int main(int argumentCount, char* arguments[]) {
+    if (const auto answer = PrintedAnswer(argumentCount, arguments)) { // there need be no display for these
+        return std::fputs(answer->toLocal8Bit().constData(), stdout) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
+    }
     QApplication application(argumentCount, arguments);
     QApplication::setApplicationName(QStringLiteral("Pictorel"));
     QApplication::setApplicationVersion(QStringLiteral(PICTOREL_VERSION));
@@ -44,7 +58,6 @@ int main(int argumentCount, char* arguments[]) {
     QApplication::setFont(QFont(QStringLiteral("Arial"), 9)); // points
 
     pictorel::TerminationSignals termination; // before there are files that a signal could leave behind
-    const QString commandLine = QApplication::arguments().mid(1).join(u' ');
     std::unique_ptr<pictorel::frmMain> window;
     try {
         window = std::make_unique<pictorel::frmMain>();
@@ -57,7 +70,7 @@ int main(int argumentCount, char* arguments[]) {
     static const RemovedAtExit workingFiles{window->Document().WorkingFolder};
     // The editor keeps no settings: what the toolkit's dialogs would remember goes with the working files.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, window->Document().GetTempFolder());
-    switch (window->Start().Form_Load(commandLine)) {
+    switch (window->Start().Form_Load(pictorel::ReadCommandLine(QApplication::arguments().mid(1)))) {
         case pictorel::StartResult::HomePage:
             return pictorel::kHomePageExitCode;
         case pictorel::StartResult::Failed:

@@ -119,11 +119,18 @@ void FileCommands::Open() {
     OpenBy([this] { return OpenImageDialog(); });
 }
 
-void FileCommands::OpenFile(const QString& fileName) {
+void FileCommands::OpenArrival(const PictureArrival& arrival) {
+    if (const QString reason = WhyUnreadable(arrival.fileName); !reason.isEmpty()) {
+        messages_.Show(reason, QStringLiteral("Error"), MessageIcon::Critical);
+        return;
+    }
     OpenBy([&] {
         const Editor::Command command(editor_);
-        return editor_.Files.OpenImageFile(kSlot, fileName);
+        return editor_.Files.OpenImageFile(kSlot, arrival.fileName);
     });
+    if (const QString left = WhatWasLeft(arrival); !left.isEmpty()) {
+        messages_.Show(left, services_.applicationTitle, MessageIcon::Exclamation);
+    }
 }
 
 void FileCommands::OpenBy(const std::function<bool()>& load) {
@@ -138,6 +145,23 @@ void FileCommands::OpenBy(const std::function<bool()>& load) {
     if (opened) {
         ShowAsFreshlyOpened();
     }
+}
+
+bool FileCommands::Recover(const RecoveryRecord& record) {
+    CarryOn([&] { services_.endAttention(); });
+    bool recovered = false;
+    CarryOn([&] {
+        if (OfferToSaveChanges()) {
+            const Editor::Command command(editor_);
+            recovered = editor_.Recover(record);
+        }
+    });
+    if (recovered) {
+        CarryOn([&] { services_.resetPanels(); },   //
+                [&] { services_.enableEditing(); }, //
+                [&] { services_.settleUndoRedo(); });
+    }
+    return recovered;
 }
 
 void FileCommands::ShowAsFreshlyOpened() {

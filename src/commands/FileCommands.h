@@ -1,6 +1,7 @@
 // The tool bar: open, save, undo, redo, and the two buttons that show a window.
 #pragma once
 
+#include "commands/PictureArrival.h"
 #include "controls/CommonDialog.h"
 #include "controls/ControlArray.h"
 #include "controls/Events.h"
@@ -35,8 +36,12 @@ class FileCommands {
 
     void Cmd_Panel_Click(int index);
 
-    // What Open does, with the same questions, for a file that is known already.
-    void OpenFile(const QString& fileName);
+    // What Open does, with the same questions, for a picture that is there already. Says so where there is no
+    // such file, and which others were left.
+    void OpenArrival(const PictureArrival& arrival);
+
+    // Brings back what another editor left, with the question of Open first. False where that did not happen.
+    bool Recover(const RecoveryRecord& record);
 
     // Asks "Save Changes ?" while the picture is changed. False where the command at hand must end: the
     // person cancelled, or chose to save and that did not happen. What was saved is changed no longer.

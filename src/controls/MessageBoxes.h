@@ -3,6 +3,7 @@
 
 #include "platform/Messages.h"
 
+class QImage;
 class QWidget;
 
 namespace pictorel {
@@ -13,6 +14,9 @@ class MessageBoxes : public Messages {
 
     void Show(const QString& text, const QString& title, MessageIcon icon) override;
     MessageAnswer AskYesNoCancel(const QString& text, const QString& title) override;
+
+    // The same about a picture, which is shown beside the text where it is there; Cancel reads "Later".
+    MessageAnswer AskAboutPicture(const QString& text, const QString& title, const QImage& picture);
 
   private:
     QWidget* owner_;

@@ -6,7 +6,23 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
 namespace pictorel {
+namespace {
+
+// A second name costs nothing where both are on one file system.
+bool LinkOrCopy(const QString& from, const QString& to) {
+    std::error_code error;
+    const std::filesystem::path source(from.toStdString());
+    const std::filesystem::path target(to.toStdString());
+    std::filesystem::create_hard_link(source, target, error);
+    return !error || std::filesystem::copy_file(source, target, error);
+}
+
+} // namespace
 
 EditHistory::EditHistory(Image_Mods& document, PictureFiles& files, EditorObserver*& observer)
     : document_(document), files_(files), observer_(observer) {}
@@ -85,6 +101,31 @@ bool EditHistory::UndoStep() {
 
 bool EditHistory::RedoStep() {
     return history_.RedoRow() >= 0 && RestoreHistoryEntry(history_.RedoRow());
+}
+
+// What is open stays until there is something in its place, so the files come under other names first.
+bool EditHistory::Adopt(std::vector<HistoryState> states, int active) {
+    return StopAtFirstError([&] {
+        for (std::size_t row = 0; row < states.size(); ++row) {
+            const QString file = document_.WorkingFile(QStringLiteral("tmp_recovered_%1.jpg").arg(row + 1));
+            states[row].restorable = LinkOrCopy(states[row].imageFile, file);
+            states[row].imageFile = file;
+        }
+        while (!states.empty() &&
+               !files_.LoadImageFile(kSlot, states[static_cast<std::size_t>(active)].imageFile)) {
+            DeleteIfThere(states[static_cast<std::size_t>(active)].imageFile);
+            states.erase(states.begin() + active);
+            active = std::max(active - 1, 0);
+        }
+        if (states.empty()) {
+            return false;
+        }
+        DeleteWorkingFiles();
+        history_.Restore(std::move(states), active);
+        Renumber(kSlot);
+        observer_->HistoryChanged();
+        return true;
+    });
 }
 
 bool EditHistory::DeleteWorkingFiles() {

@@ -30,6 +30,10 @@ class EditHistory {
     bool UndoStep(); // false where there is nothing to go back to
     bool RedoStep();
 
+    // Takes over states with working files of another folder, which stay there, and loads the active one, or
+    // the nearest before or behind it that can be read. The old states go.
+    bool Adopt(std::vector<HistoryState> states, int active);
+
     // Deletes every state's working file and the reduced copy's, and forgets the states.
     bool DeleteWorkingFiles();
 

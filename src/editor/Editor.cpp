@@ -27,8 +27,30 @@ void Editor::SetObserver(EditorObserver* observer) {
 }
 
 void Editor::SetImageModified(bool modified) {
+    const Command command(*this);
     Document.ImageModified(kSlot) = modified;
     observer_->DocumentChanged();
+}
+
+void Editor::EndCommand() {
+    if (commands_ == 1) {
+        recovery_.Update();
+    }
+    --commands_;
+}
+
+bool Editor::Recover(const RecoveryRecord& record) {
+    const Command command(*this);
+    ReducedCopy.Forget();
+    if (!History.Adopt(record.states, record.active)) {
+        return false;
+    }
+    Document.PictureName = record.pictureName;
+    Document.OpenDialogFolder = record.openDialogFolder;
+    Document.SaveDialogFolder = record.saveDialogFolder;
+    CarryOn([&] { ReducedCopy.UpdatePreviewImage(kSlot); }, [&] { Document.PreviewOutdated = false; },
+            [&] { SetImageModified(true); });
+    return true;
 }
 
 void Editor::BeginHistory() {

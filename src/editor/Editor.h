@@ -6,6 +6,7 @@
 #include "editor/Image_Mods.h"
 #include "editor/OperationTable.h"
 #include "editor/PictureFiles.h"
+#include "editor/RecoveryKeeper.h"
 #include "editor/ReducedCopy.h"
 #include "editor/decoding/PictureDecoder.h"
 #include "picture/codecs/Codec.h"
@@ -39,7 +40,7 @@ class Editor {
     class Command {
       public:
         explicit Command(Editor& editor) : editor_(editor) { ++editor_.commands_; }
-        ~Command() { --editor_.commands_; }
+        ~Command() { editor_.EndCommand(); }
         Command(const Command&) = delete;
         Command& operator=(const Command&) = delete;
 
@@ -69,13 +70,22 @@ class Editor {
 
     void SetImageModified(bool modified);
 
+    // Brings back what a dead editor left: its rows, the active one on the screen, the picture changed.
+    // False, after a message, where no row can be read; whatever was open then stays.
+    bool Recover(const RecoveryRecord& record);
+
+    // The person has decided: nothing is kept for another start.
+    void ForgetChanges() { recovery_.Forget(); }
+
   private:
+    void EndCommand();
     void ShowPreview(std::int32_t code, const Values& values, bool& done);
     void ApplyToPicture(PictureSlot slot, std::int32_t code, const Values& values, bool& done);
     void RefreshSize();
     void SayThatItFailed(const QString& caption);
 
     Messages& messages_;
+    RecoveryKeeper recovery_{Document, History};
     EditorObserver nobody_;
     EditorObserver* observer_ = &nobody_;
     int commands_ = 0;

@@ -11,7 +11,8 @@ namespace {
 
 constexpr double kOrdinary = 1000.0 * 667; // pixels
 constexpr double kLight = 600.0 * 400;
-constexpr double kExtremes = 3500.0 * 2200; // at most
+constexpr double kGrainSeen = 4000.0 * 2500; // a large screen and what lies around it
+constexpr double kExtremes = 3500.0 * 2200;  // at most
 
 double AreaOf(const PixelArray& picture) {
     return static_cast<double>(picture.Width()) * picture.Height();
@@ -30,6 +31,7 @@ PixelArray FinerCopies::Copy(int width, int height) const {
         engine::Resize(halve ? pyramid_->Level(PicturePyramid::LevelFor(2 * scale)) : picture, width, height);
     copy.SetDetails(picture.Details());
     copy.SetReduction(picture.Reduction() * width / picture.Width());
+    copy.SetCornerInPicture(picture.LeftInPicture(), picture.TopInPicture());
     return copy;
 }
 
@@ -62,14 +64,28 @@ PixelArray FinerCopies::Halved(double pixels) const {
     PixelArray copy = pyramid_->Level(halvings);
     copy.SetDetails(picture.Details());
     copy.SetReduction(picture.Reduction() * copy.Width() / picture.Width());
+    copy.SetCornerInPicture(picture.LeftInPicture(), picture.TopInPicture());
     return copy;
+}
+
+PixelArray FinerCopies::Made(Fineness fineness) const {
+    switch (fineness) {
+        case Fineness::Ordinary:
+            return CopyOf(kOrdinary / share_);
+        case Fineness::Light:
+            return CopyOf(kLight / share_);
+        case Fineness::Grain:
+            return CopyOf(share_ < 1 ? kGrainSeen : kLight);
+        case Fineness::Extremes:
+            return Halved(kExtremes);
+    }
+    return Picture();
 }
 
 const PixelArray& FinerCopies::Of(Fineness fineness) {
     PixelArray& copy = made_.at(static_cast<std::size_t>(fineness));
     if (copy.IsEmpty()) {
-        copy = fineness == Fineness::Extremes ? Halved(kExtremes)
-                                              : CopyOf(fineness == Fineness::Light ? kLight : kOrdinary);
+        copy = Made(fineness);
     }
     return copy;
 }

@@ -15,7 +15,9 @@ namespace pictorel {
 // no larger.
 class FinerCopies {
   public:
-    explicit FinerCopies(std::shared_ptr<PicturePyramid> pyramid) : pyramid_(std::move(pyramid)) {}
+    // `share` is the part of the picture that is shown; the copies are so much finer.
+    explicit FinerCopies(std::shared_ptr<PicturePyramid> pyramid, double share = 1)
+        : pyramid_(std::move(pyramid)), share_(share) {}
 
     const PixelArray& Picture() const noexcept { return pyramid_->Picture(); }
 
@@ -28,9 +30,11 @@ class FinerCopies {
   private:
     PixelArray CopyOf(double pixels) const;
     PixelArray Halved(double pixels) const;
+    PixelArray Made(Fineness fineness) const;
 
     std::shared_ptr<PicturePyramid> pyramid_;
-    std::array<PixelArray, 3> made_; // by fineness, empty until asked for
+    double share_;
+    std::array<PixelArray, 4> made_; // by fineness, empty until asked for
 };
 
 } // namespace pictorel

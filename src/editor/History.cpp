@@ -17,6 +17,7 @@ const HistoryState& History::State(int row) const {
 }
 
 HistoryState& History::Mutable(int row) {
+    ++revision_;
     return const_cast<HistoryState&>(std::as_const(*this).State(row)); // the states are this object's own
 }
 
@@ -43,6 +44,7 @@ bool History::IsApplied(std::uint64_t id) const noexcept {
 }
 
 std::vector<HistoryState> History::DropRedo() {
+    ++revision_;
     const auto first = states_.begin() + (active_ + 1);
     std::vector<HistoryState> dropped(std::make_move_iterator(first), std::make_move_iterator(states_.end()));
     states_.erase(first, states_.end());
@@ -53,6 +55,7 @@ std::vector<HistoryState> History::Append(const QString& caption, const QString&
     if (active_ != Count() - 1) {
         throw std::logic_error("A state is added before those that can be redone were dropped");
     }
+    ++revision_;
     states_.push_back({caption, imageFile, ++newestId_});
     std::vector<HistoryState> pushedOut;
     if (Count() > kMost) {
@@ -65,6 +68,7 @@ std::vector<HistoryState> History::Append(const QString& caption, const QString&
 
 void History::Activate(int row) {
     State(row);
+    ++revision_;
     active_ = row;
 }
 
@@ -77,6 +81,7 @@ void History::MarkLost(int row) {
 }
 
 void History::Clear() {
+    ++revision_;
     states_.clear();
     active_ = -1;
 }
@@ -85,6 +90,7 @@ void History::Restore(std::vector<HistoryState> states, int active) {
     if (states.empty() || states.size() > kMost || active < 0 || active >= static_cast<int>(states.size())) {
         throw std::out_of_range("These states are no history");
     }
+    ++revision_;
     states_ = std::move(states);
     active_ = active;
     for (HistoryState& state : states_) {

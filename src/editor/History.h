@@ -29,6 +29,9 @@ class History {
 
     int Active() const noexcept { return active_; } // -1 where there is no state
 
+    // Another number after every change.
+    std::uint64_t Revision() const noexcept { return revision_; }
+
     // The row that Undo and Redo lead to: the nearest one on that side that can be restored; -1 where there
     // is none.
     int UndoRow() const noexcept;
@@ -58,6 +61,7 @@ class History {
     std::vector<HistoryState> states_;
     int active_ = -1;
     std::uint64_t newestId_ = 0;
+    std::uint64_t revision_ = 1;
 };
 
 } // namespace pictorel

@@ -4,7 +4,7 @@
 #include "picture/PicturePyramid.h"
 #include "picture/PixelArray.h"
 #include "platform/FileSystem.h"
-#include "platform/Folders.h"
+#include "platform/WorkingFolder.h"
 
 #include <QString>
 

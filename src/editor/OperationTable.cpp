@@ -40,6 +40,32 @@ PixelArray MaximalOrMinimal(Picture p, V v, Colour /*background*/) {
     return v.value1 > 1 ? engine::MinimumFilter(p, v.value1) : engine::MaximumFilter(p, -v.value1);
 }
 
+using Window = const engine::OptionalWindow&;
+
+PixelArray ZoomBlur(Picture p, V v, Colour /*background*/, Window window) {
+    return engine::ZoomBlur(p, v.value1, window);
+}
+PixelArray Rotate(Picture p, V v, Colour background, Window window) {
+    return engine::Rotate(p, v.value1, background, window);
+}
+PixelArray Reproduce(Picture p, V v, Colour /*background*/, Window window) {
+    return engine::Reproduce(p, v.value1, window);
+}
+PixelArray Skew(Picture p, V v, Colour background, Window window) {
+    return engine::Skew(p, v.value2 != 0, v.value1, background, window);
+}
+PixelArray Twirl(Picture p, V v, Colour background, Window window) {
+    return engine::Twirl(p, v.value1, background, window);
+}
+PixelArray Perspective(Picture p, V v, Colour background, Window window) {
+    return engine::Perspective(p, v.value2 != 0, v.value1, background, window);
+}
+
+template <auto kApplyWithin>
+PixelArray Everywhere(Picture p, V v, Colour background) {
+    return kApplyWithin(p, v, background, {});
+}
+
 using enum Fineness;
 
 constexpr std::array<OperationRow, kOperationCount> kTable{{
@@ -76,14 +102,13 @@ constexpr std::array<OperationRow, kOperationCount> kTable{{
          return engine::Colorize(p, ToByte(v.value1), ToByte(v.value2), ToByte(v.value3));
      }},
     {Operation::SharpenOrBlur, "Sharpen", Ordinary, SharpenOrBlur},
-    {Operation::ZoomBlur, "Zoom Blur", Light,
-     [](Picture p, V v, Colour) { return engine::ZoomBlur(p, v.value1); }},
+    {Operation::ZoomBlur, "Zoom Blur", Light, Everywhere<ZoomBlur>, ZoomBlur},
     {Operation::MotionBlur, "Motion Blur", Ordinary,
      [](Picture p, V v, Colour) { return engine::MotionBlur(p, kMotionBlurAngle, v.value1); }},
     {Operation::GaussianBlur, "Gaussian Blur", Ordinary,
      [](Picture p, V v, Colour) { return engine::GaussianBlur(p, v.value1); }},
     {Operation::MaximalOrMinimal, "Maximal", Extremes, MaximalOrMinimal},
-    {Operation::Noise, "Noise", Light, [](Picture p, V v, Colour) { return engine::Noise(p, v.value1); }},
+    {Operation::Noise, "Noise", Grain, [](Picture p, V v, Colour) { return engine::Noise(p, v.value1); }},
     {Operation::Diffuse, "Diffuse", Ordinary,
      [](Picture p, V v, Colour) { return engine::Diffuse(p, kDiffuseRadius, v.value1); }},
     {Operation::Emboss, "Emboss", Ordinary,
@@ -96,18 +121,11 @@ constexpr std::array<OperationRow, kOperationCount> kTable{{
      [](Picture p, V, Colour) { return engine::MirrorTopToBottom(p); }},
     {Operation::FlipHorizontal, "Flip Horizontal", Ordinary,
      [](Picture p, V, Colour) { return engine::MirrorLeftToRight(p); }},
-    {Operation::Rotate, "Rotate", Light,
-     [](Picture p, V v, Colour background) { return engine::Rotate(p, v.value1, background); }},
-    {Operation::Reproduce, "Reproduce", Ordinary,
-     [](Picture p, V v, Colour) { return engine::Reproduce(p, v.value1); }},
-    {Operation::Skew, "Skew", Light,
-     [](Picture p, V v, Colour background) { return engine::Skew(p, v.value2 != 0, v.value1, background); }},
-    {Operation::Twirl, "Twirl", Light,
-     [](Picture p, V v, Colour background) { return engine::Twirl(p, v.value1, background); }},
-    {Operation::Perspective, "Perspective", Light,
-     [](Picture p, V v, Colour background) {
-         return engine::Perspective(p, v.value2 != 0, v.value1, background);
-     }},
+    {Operation::Rotate, "Rotate", Light, Everywhere<Rotate>, Rotate},
+    {Operation::Reproduce, "Reproduce", Ordinary, Everywhere<Reproduce>, Reproduce},
+    {Operation::Skew, "Skew", Light, Everywhere<Skew>, Skew},
+    {Operation::Twirl, "Twirl", Light, Everywhere<Twirl>, Twirl},
+    {Operation::Perspective, "Perspective", Light, Everywhere<Perspective>, Perspective},
     {Operation::TurnLeft, "Rotate Left", Ordinary,
      [](Picture p, V, Colour) { return engine::QuarterTurnLeft(p); }},
     {Operation::TurnRight, "Rotate Right", Ordinary,

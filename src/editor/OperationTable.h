@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/Image_Mods.h"
+#include "picture/engine/Window.h"
 
 #include <cstdint>
 #include <span>
@@ -60,7 +61,8 @@ struct Values {
 // How fine a copy of the picture the preview of an operation has to start from to tell the truth.
 enum class Fineness {
     Ordinary, // enough for most
-    Light,    // fewer pixels, for what takes long and can be told from them: what moves pixels, and noise
+    Light,    // fewer pixels, for what takes long and can be told from them: what moves pixels
+    Grain,    // as few of a picture whose grain is averaged, every pixel where it is seen: noise
     Extremes, // more pixels, for the brightest and the darkest of a square, which averaging loses soonest
 };
 
@@ -72,6 +74,11 @@ struct OperationRow {
     // The numbers become parameters, the engine works. `background` is the colour of exposed area. Throws
     // ImagingError from the engine, NumberError where a number that must be a byte is none.
     PixelArray (*apply)(const PixelArray& picture, const Values& values, ColourValue background);
+
+    // The same where pixels come from anywhere in the picture, so that a part of the result takes the whole
+    // of it: just the window of the result. Null where a part of the picture with some margin is enough.
+    PixelArray (*applyWithin)(const PixelArray& picture, const Values& values, ColourValue background,
+                              const engine::OptionalWindow& window) = nullptr;
 };
 
 // One row a code, in code order.

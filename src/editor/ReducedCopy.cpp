@@ -5,12 +5,13 @@
 #include "editor/ResizeArithmetic.h"
 #include "editor/SaveFormats.h"
 #include "picture/ImagingError.h"
-#include "picture/engine/Resample.h"
+#include "picture/engine/Geometry.h"
 #include "platform/CarryOn.h"
 #include "platform/Numbers.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cmath>
+#include <utility>
 
 namespace pictorel {
 namespace {
@@ -18,59 +19,92 @@ namespace {
 constexpr std::int16_t kPreviewWidth = 250; // pixels
 constexpr int kFullZoomPercent = 100;
 
-} // namespace
+// Pixels of the picture beside the part that is shown: as far as the widest blur of a large one reaches.
+constexpr int kMargin = 192;
 
-PixelArray CutOut(const PixelArray& picture, int left, int top, int width, int height) {
-    const int right = std::min(left + width, picture.Width());
-    const int bottom = std::min(top + height, picture.Height());
-    left = std::max(left, 0);
-    top = std::max(top, 0);
-    if (left >= right || top >= bottom) {
-        throw ImagingError(ImagingFailure::InvalidValue, "No part of the picture is shown.");
-    }
-    PixelArray part = PixelArray::Like(picture, right - left, bottom - top);
-    std::uint8_t* const rows = part.WritableRows();
-    for (int y = top; y < bottom; ++y) {
-        std::memcpy(rows + (y - top) * part.Stride(), picture.Row(y) + PixelArray::kComponents * left,
-                    part.RowBytes());
-    }
-    return part;
+// A moving operation makes at least so many pixels of the part that is shown, where it has them.
+constexpr double kPixelsWithin = 600.0 * 400;
+
+bool Same(const engine::Window& a, const engine::Window& b) {
+    return a.left == b.left && a.top == b.top && a.width == b.width && a.height == b.height;
 }
+
+double AreaOf(const engine::Window& window) {
+    return static_cast<double>(window.width) * window.height;
+}
+
+engine::Window WholeOf(const PixelArray& picture) {
+    return {0, 0, picture.Width(), picture.Height()};
+}
+
+engine::Window Within(const PixelArray& picture, int left, int top, int right, int bottom) {
+    left = std::clamp(left, 0, picture.Width());
+    top = std::clamp(top, 0, picture.Height());
+    return {left, top, std::clamp(right, left, picture.Width()) - left,
+            std::clamp(bottom, top, picture.Height()) - top};
+}
+
+} // namespace
 
 ReducedCopy::ReducedCopy(Image_Mods& document, PictureFiles& files, EditorObserver*& observer)
     : document_(document), files_(files), observer_(observer) {}
 
+bool ReducedCopy::Source::IsPart() const {
+    return !Same(part, WholeOf(whole->Picture()));
+}
+
+engine::Area ReducedCopy::Source::PartIn(const PixelArray& copy) const {
+    const double across = static_cast<double>(copy.Width()) / around.width;
+    const double down = static_cast<double>(copy.Height()) / around.height;
+    return {(part.left - around.left) * across, (part.top - around.top) * down, part.width * across,
+            part.height * down};
+}
+
 void ReducedCopy::UpdatePreviewImage(PictureSlot slot) {
     const QString intermediate = document_.WorkingFile(QStringLiteral("tmp_preview0.jpg"));
-    finer_.reset();
-    ShownPart part;
-    CarryOn([&] { part = observer_->PartShown(slot); });
-    if (part.zoom * 100 > kFullZoomPercent) {
-        CarryOn([&] { WritePart(slot, part, intermediate); });
+    source_.reset();
+    ShownPart shown;
+    CarryOn([&] { shown = observer_->PartShown(slot); });
+    const PixelArray& picture = document_.WorkingPicture(slot);
+    if (shown.zoom * 100 > kFullZoomPercent) {
+        const engine::Window part =
+            Within(picture, shown.left, shown.top, shown.left + shown.width, shown.top + shown.height);
+        CarryOn([&] {
+            document_.ImageCodec->Write(engine::Crop(picture, part), intermediate.toStdString(), "JPG");
+            Write(slot, part);
+        });
     } else {
         // The newest working file mostly holds the picture already and only gets a second name here.
         CarryOn([&] { files_.SaveImageFile(slot, intermediate, QStringLiteral("JPG")); },
-                [&] { WriteReduced(document_.WorkingPicture(slot)); });
+                [&] { Write(slot, WholeOf(picture)); });
     }
     CarryOn([&] { observer_->PaintPending(); }, [&] { document_.FileSystem.Delete(intermediate); });
 }
 
-void ReducedCopy::WritePart(PictureSlot slot, const ShownPart& part, const QString& intermediate) {
-    const PixelArray shown =
-        CutOut(document_.WorkingPicture(slot), part.left, part.top, part.width, part.height);
-    CarryOn([&] { document_.ImageCodec->Write(shown, intermediate.toStdString(), "JPG"); });
-    WriteReduced(shown);
-}
-
-void ReducedCopy::WriteReduced(const PixelArray& picture) {
-    const PictureSize size = SplitSize(ComputeResizeSize(ToInt16(static_cast<std::int64_t>(picture.Width())),
-                                                         ToInt16(static_cast<std::int64_t>(picture.Height())),
+void ReducedCopy::Write(PictureSlot slot, const engine::Window& part) {
+    const PixelArray& picture = document_.WorkingPicture(slot);
+    const PictureSize size = SplitSize(ComputeResizeSize(ToInt16(static_cast<std::int64_t>(part.width)),
+                                                         ToInt16(static_cast<std::int64_t>(part.height)),
                                                          kPreviewWidth, kDeriveSide, false, 0));
-    FinerCopies finer(document_.Pyramids->Of(picture));
-    const PixelArray reduced = finer.Copy(size.width, size.height);
+    const std::shared_ptr<PicturePyramid> whole = document_.Pyramids->Of(picture);
+    std::shared_ptr<PicturePyramid> pyramid = whole;
+    engine::Window around = part;
+    if (!Same(part, WholeOf(picture))) {
+        around = Within(picture, part.left - kMargin, part.top - kMargin, part.Right() + kMargin,
+                        part.Bottom() + kMargin);
+        PixelArray cut = engine::Crop(picture, around);
+        cut.SetCornerInPicture(around.left, around.top);
+        pyramid = std::make_shared<PicturePyramid>(std::move(cut));
+    }
+    const double share = AreaOf(part) / AreaOf(around);
+    Source source{whole, part, around, FinerCopies(std::move(pyramid), share)};
+    const PixelArray reduced =
+        source.IsPart() ? FinerCopies(std::make_shared<PicturePyramid>(engine::Crop(picture, part)))
+                              .Copy(size.width, size.height)
+                        : source.copies.Copy(size.width, size.height);
     document_.ImageCodec->SetQuality(kSaveQuality);
     document_.ImageCodec->Write(reduced, FileName().toStdString(), "JPG");
-    finer_ = std::move(finer);
+    source_ = std::move(source);
 }
 
 bool ReducedCopy::ShowImagePreview(const QString& fileName) {
@@ -85,8 +119,8 @@ bool ReducedCopy::ShowImagePreview(const QString& fileName) {
 }
 
 void ReducedCopy::Prepare(const OperationRow& row) {
-    if (finer_) {
-        finer_->Of(row.fineness);
+    if (source_ && !(source_->IsPart() && row.applyWithin != nullptr)) {
+        source_->copies.Of(row.fineness);
     }
 }
 
@@ -95,17 +129,48 @@ PixelArray ReducedCopy::Preview(const OperationRow& row, const Values& values) {
     if (shown.IsEmpty()) {
         throw ImagingError(ImagingFailure::InvalidValue, "There is no reduced copy.");
     }
-    if (!finer_) {
+    if (!source_) {
         return row.apply(shown, values, document_.BackgroundColour);
     }
-    const PixelArray& source = finer_->Of(row.fineness);
-    const PixelArray result = row.apply(source, values, document_.BackgroundColour);
-    if (result.SharesPixelsWith(source)) {
-        return shown; // a neutral value
+    if (source_->IsPart() && row.applyWithin != nullptr) {
+        return PreviewWithin(row, values);
     }
-    PixelArray reduced = engine::Resize(result, shown.Width(), shown.Height());
+    const PixelArray& source = source_->copies.Of(row.fineness);
+    const PixelArray result = row.apply(source, values, document_.BackgroundColour);
+    return result.SharesPixelsWith(source) ? shown // a neutral value
+                                           : Shown(result, source_->PartIn(result));
+}
+
+// In the size of the copy that is shown.
+PixelArray ReducedCopy::Shown(const PixelArray& result, const engine::Area& area) const {
+    const PixelArray& shown = document_.PreviewPixels;
+    const bool isWhole = area.width == result.Width() && area.height == result.Height();
+    PixelArray reduced = isWhole ? engine::Resize(result, shown.Width(), shown.Height())
+                                 : engine::ResizeArea(result, area, shown.Width(), shown.Height());
     reduced.SetReduction(shown.Reduction());
     return reduced;
+}
+
+// On one of the whole picture's halves that has enough pixels of the part.
+PixelArray ReducedCopy::PreviewWithin(const OperationRow& row, const Values& values) const {
+    const engine::Window& part = source_->part;
+    const double pixels = AreaOf(part);
+    int level = 0;
+    while (!source_->whole->Picture().HasAlpha() && pixels > std::ldexp(kPixelsWithin, 2 * (level + 1))) {
+        ++level;
+    }
+    PixelArray picture = source_->whole->Level(level);
+    picture.SetReduction(std::ldexp(1.0, -level));
+    const auto inCopy = [level](int length) { return std::ldexp(length, -level); };
+    const engine::Area area{inCopy(part.left), inCopy(part.top), inCopy(part.width), inCopy(part.height)};
+    // As far as the filter that reduces it looks.
+    const double reach = 3 * std::max(1.0, area.width / kPreviewWidth) + 1;
+    const engine::Window window =
+        Within(picture, static_cast<int>(area.left - reach), static_cast<int>(area.top - reach),
+               static_cast<int>(std::ceil(area.left + area.width + reach)),
+               static_cast<int>(std::ceil(area.top + area.height + reach)));
+    const PixelArray result = row.applyWithin(picture, values, document_.BackgroundColour, window);
+    return Shown(result, {area.left - window.left, area.top - window.top, area.width, area.height});
 }
 
 } // namespace pictorel

@@ -6,7 +6,10 @@
 #include "editor/FinerCopies.h"
 #include "editor/Image_Mods.h"
 #include "editor/PictureFiles.h"
+#include "picture/engine/Resample.h"
+#include "picture/engine/Window.h"
 
+#include <memory>
 #include <optional>
 
 namespace pictorel {
@@ -30,21 +33,30 @@ class ReducedCopy {
     void Prepare(const OperationRow& row);
 
     // The picture is another now: what the finer copies were made from must not be kept for them.
-    void Forget() { finer_.reset(); }
+    void Forget() { source_.reset(); }
 
     QString FileName() const { return document_.WorkingFile(QStringLiteral("tmp_preview.jpg")); }
 
   private:
-    void WritePart(PictureSlot slot, const ShownPart& part, const QString& intermediate);
-    void WriteReduced(const PixelArray& picture);
+    // What the copy shows, of which picture.
+    struct Source {
+        std::shared_ptr<PicturePyramid> whole;
+        engine::Window part;
+        engine::Window around; // the part and a margin of what effects bring into it
+        FinerCopies copies;    // of that
+
+        bool IsPart() const;
+        engine::Area PartIn(const PixelArray& copy) const; // in pixels of one of the copies
+    };
+
+    void Write(PictureSlot slot, const engine::Window& part);
+    PixelArray Shown(const PixelArray& result, const engine::Area& area) const;
+    PixelArray PreviewWithin(const OperationRow& row, const Values& values) const;
 
     Image_Mods& document_;
     PictureFiles& files_;
     EditorObserver*& observer_;
-    std::optional<FinerCopies> finer_;
+    std::optional<Source> source_;
 };
-
-// A part of a picture as a picture of its own, cut to what there is of it.
-PixelArray CutOut(const PixelArray& picture, int left, int top, int width, int height);
 
 } // namespace pictorel

@@ -60,6 +60,15 @@ class PixelArray {
     double Reduction() const noexcept { return reduction_; }
     void SetReduction(double reduction) noexcept { reduction_ = reduction; }
 
+    // Where its first pixel lies in the picture, in pixels of the picture: what depends on the position
+    // (chance, a grid of blocks) is reckoned from the picture's corner.
+    int LeftInPicture() const noexcept { return left_; }
+    int TopInPicture() const noexcept { return top_; }
+    void SetCornerInPicture(int left, int top) noexcept {
+        left_ = left;
+        top_ = top;
+    }
+
     // How much of the picture its file held: 1 for all of it, less where that was damaged, kUnknownPart where
     // it was and nobody can tell how much. Not handed on by Like: what an operation makes is whole.
     static constexpr double kUnknownPart = 0;
@@ -75,6 +84,8 @@ class PixelArray {
     std::ptrdiff_t stride_ = 0;
     int width_ = 0;
     int height_ = 0;
+    int left_ = 0;
+    int top_ = 0;
     double reduction_ = 1.0;
     double partShown_ = 1.0;
     bool hasAlpha_ = false;

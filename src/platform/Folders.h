@@ -1,4 +1,4 @@
-// The folders on disk that the editor uses: its own, the user's, and a private one for working files.
+// The folders on disk that the editor uses: its own and the user's.
 #pragma once
 
 #include <QString>
@@ -28,30 +28,5 @@ inline constexpr int kPicturesFolder = 39;
 
 // The user's folder of that number followed by one separator; empty where there is none or it does not exist.
 QString GetSpecialPath(int folderNumber);
-
-// The folder of this process's working files: inside the system's temporary folder, readable by this user
-// only, so that two running editors never touch each other's history. It is removed with the object. Folders
-// left behind by dead processes are swept when one is made; a living owner holds a lock on its own.
-class WorkingFolder {
-  public:
-    WorkingFolder();
-    ~WorkingFolder();
-    WorkingFolder(const WorkingFolder&) = delete;
-    WorkingFolder& operator=(const WorkingFolder&) = delete;
-
-    // The folder's path with its trailing separator. Asked afresh at every call: a folder that somebody
-    // deleted is made again. Where the temporary folder cannot take it, or its path would not fit 255
-    // characters, the system's own folders (/tmp, /var/tmp) are asked; empty where none of them can.
-    QString GetTempFolder();
-
-    // Removes the folder before its time, for a process that ends past its objects.
-    void Remove() noexcept;
-
-  private:
-    void Create();
-
-    QString path_;
-    int lock_ = -1; // descriptor of the lock file inside, held for the life of the process
-};
 
 } // namespace pictorel

@@ -42,8 +42,12 @@ class Drop : public testing::Test {
 };
 
 TEST_F(Drop, OpensTheFirstFile) {
-    EXPECT_TRUE(DropOn({Picture("a b #1.bmp", 80), Picture("second.bmp", 90)}));
+    EXPECT_TRUE(DropOn({Picture("a b #1.bmp", 80), Picture("second.bmp", 90), Picture("third.bmp", 90)}));
     EXPECT_EQ(editor.Shown().Width(), 80);
+    ASSERT_EQ(editor.person.Messages().size(), 1U);
+    for (const char* const name : {"a b #1.bmp", "second.bmp", "third.bmp"}) {
+        EXPECT_TRUE(editor.person.Messages().front().text.contains(name));
+    }
     EXPECT_EQ(editor.HistoryCaptions(), QStringList{"Open"});
     EXPECT_EQ(editor.Document().OpenDialogFolder, editor.Path("a b #1.bmp"));
     EXPECT_TRUE(editor.Get("Cmd_Panel", 1).IsEnabled());

@@ -13,14 +13,18 @@
 
 namespace pictorel {
 
-EditorWindow::EditorWindow() : window_(std::make_unique<frmMain>()) {
+EditorWindow::EditorWindow(const CommandLine& commandLine, const std::function<void(Person& person)>& prepare)
+    : window_(std::make_unique<frmMain>()) {
+    if (prepare) {
+        prepare(person);
+    }
     // The splash is waited for by the start-up sequence itself; nobody needs to see it here.
     QTimer closer;
     QObject::connect(&closer, &QTimer::timeout, [this] {
         window_->findChild<PopupControl*>(QStringLiteral("PopupControl_Splash"))->Close();
     });
     closer.start(1);
-    EXPECT_EQ(window_->Start().Form_Load(QString()), StartResult::Started);
+    EXPECT_EQ(window_->Start().Form_Load(commandLine), StartResult::Started);
     closer.stop();
     WaitUntil([this] { return Get("Cmd_Panel", 0).IsEnabled(); });
 }

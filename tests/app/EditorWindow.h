@@ -13,7 +13,10 @@ namespace pictorel {
 
 class EditorWindow {
   public:
-    EditorWindow();
+    // Started with the file on the command line, where one is given. `prepare` gives the person the answers
+    // to what the start asks.
+    explicit EditorWindow(const CommandLine& commandLine = {},
+                          const std::function<void(Person& person)>& prepare = {});
     ~EditorWindow();
 
     Person person;

@@ -90,7 +90,7 @@ TEST(Splash, StandsCentredForItsTimeAndLeavesNothing) {
         last = shown.elapsed();
     });
     look.start(5);
-    EXPECT_EQ(window.Start().Form_Load(QString()), StartResult::Started);
+    EXPECT_EQ(window.Start().Form_Load({}), StartResult::Started);
     EXPECT_EQ(place.size(), QSize(579, 403));
     const QPoint off = place.center() - QGuiApplication::primaryScreen()->geometry().center();
     EXPECT_LE(off.manhattanLength(), 2);

@@ -3,7 +3,10 @@
 #include "controls/ComboBox.h"
 #include "controls/TabControl.h"
 
+#include <QDir>
 #include <QHeaderView>
+#include <QImage>
+#include <QUrl>
 #include <gtest/gtest.h>
 
 namespace pictorel {
@@ -79,9 +82,95 @@ TEST(StartUp, HomePageIsAskedForByTheExactWordOnly) {
             window.findChild<PopupControl*>(QStringLiteral("PopupControl_Splash"))->Close();
         });
         closer.start(1);
-        EXPECT_EQ(window.Start().Form_Load(QString::fromLatin1(words)), StartResult::Started) << words;
+        EXPECT_EQ(window.Start().Form_Load({QString::fromLatin1(words), {}}), StartResult::Started) << words;
         window.close();
     }
+}
+
+// A picture on the disk before there is an editor to write it.
+class StartWithFile : public testing::Test {
+  protected:
+    QString MakeFile(const QString& name, int width) {
+        QImage(width, 60, QImage::Format_RGB32).save(Path(name));
+        return Path(name);
+    }
+    QString Path(const QString& name) const { return folder_.filePath(name); }
+
+  private:
+    QTemporaryDir folder_;
+};
+
+TEST_F(StartWithFile, OpensItAsSoonAsTheWindowIsReadyAndShowsNoNotices) {
+    EditorWindow editor(CommandLine{{}, {MakeFile("a b #1.png", 80)}});
+    EXPECT_TRUE(editor.WaitUntil([&] { return editor.HistoryCaptions() == QStringList{"Open"}; }, 500));
+    EXPECT_EQ(editor.Shown().Width(), 80);
+    EXPECT_EQ(editor.Document().OpenDialogFolder, Path("a b #1.png"));
+    auto* const tag = editor.Window().findChild<PopupControl*>(QStringLiteral("PopupControl_Tag"));
+    EXPECT_FALSE(editor.WaitUntil([&] { return tag->CurrentState() != PopupControl::Closed; }, 800));
+    EXPECT_FALSE(editor.Get("Cmd_Panel", 0).IsHighlighted());
+    EXPECT_TRUE(editor.person.Messages().empty());
+}
+
+TEST_F(StartWithFile, TakesTheFirstOfSeveralAndSaysWhichWereLeft) {
+    EditorWindow editor(CommandLine{{}, {MakeFile("one.png", 80), MakeFile("two.png", 90)}});
+    EXPECT_TRUE(editor.WaitUntil([&] { return !editor.person.Messages().empty(); }));
+    EXPECT_EQ(editor.Shown().Width(), 80);
+    EXPECT_TRUE(editor.person.Messages().front().text.contains("two.png"));
+}
+
+TEST_F(StartWithFile, SaysWhyNothingIsOpened) {
+    const QString words = Path("words.png");
+    QFile file(words);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("no picture at all");
+    file.close();
+    for (const auto& [path, says] : {std::pair{Path("absent.png"), "no file"},
+                                     {Path("."), "folder"},
+                                     {words, "Unsupported file format!"}}) {
+        EditorWindow editor(CommandLine{{}, {path}});
+        EXPECT_TRUE(editor.WaitUntil([&] { return !editor.person.Messages().empty(); }));
+        EXPECT_TRUE(editor.person.Messages().front().text.contains(says)) << path.toStdString();
+        EXPECT_EQ(editor.person.Messages().size(), 1U);
+        EXPECT_TRUE(editor.Shown().IsEmpty());
+        EXPECT_TRUE(editor.Get("Cmd_Panel", 0).IsEnabled());
+    }
+}
+
+TEST_F(StartWithFile, WordsThatNameNoFileMeanNothing) {
+    struct Case {
+        QStringList words;
+        QStringList files;
+    };
+    for (const Case& c : {
+             Case{{}, {}},
+             {{"homepage"}, {}},
+             {{"Homepage", "please"}, {}},
+             {{""}, {}},
+             {{"--unknown"}, {}},
+             {{"-x.png"}, {}},
+             {{"--", "-x.png"}, {QDir::current().filePath("-x.png")}},
+             {{"absent.JPG"}, {QDir::current().filePath("absent.JPG")}},
+             {{"absent.webp", "absent.txt"}, {QDir::current().filePath("absent.webp")}},
+             {{"no/such/file"}, {QDir::current().filePath("no/such/file")}},
+             {{Path("there.png")}, {Path("there.png")}},
+             {{QUrl::fromLocalFile(Path("a b")).toString(QUrl::FullyEncoded)}, {Path("a b")}},
+         }) {
+        const CommandLine commandLine = ReadCommandLine(c.words);
+        EXPECT_EQ(commandLine.files, c.files) << c.words.join(' ').toStdString();
+        EXPECT_EQ(commandLine.text, c.words.join(' '));
+    }
+}
+
+TEST(CommandLine, HelpAndVersionArePrinted) {
+    const auto answer = [](const QStringList& words) {
+        return PrintedAnswer(words, QStringLiteral("9.8.7")).value_or(QString());
+    };
+    EXPECT_TRUE(answer({"--version"}).startsWith("Pictorel 9.8.7\nQt 6."));
+    EXPECT_EQ(answer({"photo.jpg", "-v"}), answer({"--version"}));
+    EXPECT_TRUE(answer({"--help"}).contains("homepage"));
+    EXPECT_EQ(answer({"-h"}), answer({"--help"}));
+    EXPECT_EQ(answer({"--", "--help"}), QString());
+    EXPECT_EQ(answer({"help", "--Version", "homepage"}), QString());
 }
 
 TEST(StartUp, EveryControlHasANameOfItsOwn) {

@@ -14,7 +14,7 @@ namespace {
 
 using test::Random;
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PICTOREL_SANITIZED
 constexpr int kSteps = 3000; // each takes several times as long
 #else
 constexpr int kSteps = 20000;

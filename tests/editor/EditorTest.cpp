@@ -2,8 +2,8 @@
 #include "editor/HeadlessEditor.h"
 #include "picture/engine/Geometry.h"
 #include "picture/engine/PointOperations.h"
-#include "platform/ScopedEnvironment.h"
 #include "support/Pictures.h"
+#include "support/ScopedEnvironment.h"
 
 #include <QDir>
 #include <QFile>

@@ -125,7 +125,7 @@ TEST(OperationTable, RefusesWhatTheOperationCannotTake) {
 
 TEST(OperationTable, NoOperationWritesToThePictureItWasGiven) {
     const PixelArray picture = Random({33, 21});
-    const PixelArray safe = test::Crop(picture, 0, 0, {33, 21});
+    const PixelArray safe = engine::Crop(picture, {0, 0, 33, 21});
     for (const OperationRow& row : OperationTable()) {
         row.apply(picture, {20, 30, 4}, kBackground);
         ASSERT_TRUE(SamePixels(picture, safe)) << row.caption;

@@ -54,6 +54,22 @@ TEST(PreviewTruth, OfAPictureLargerThanItsFinerCopies) {
     }
 }
 
+// What moves pixels brings into the part what lies elsewhere; blocks and grain lie where the picture has
+// them; a blur sees what is beside the part.
+TEST(PreviewTruth, OfAPartThatIsZoomedInOn) {
+    const PixelArray scene = GrainyScene({2000, 1501});
+    for (const ShownPart part : {ShownPart{4, 1501, 1203, 250, 180}, ShownPart{1.5, 403, 501, 667, 460},
+                                 ShownPart{10, 0, 0, 100, 70}}) {
+        const measure::PreviewTruth truths(scene, part);
+        for (const Row& row :
+             {Row{0, -128}, Row{15, -100}, Row{15, 100}, Row{16, 25}, Row{17, 40}, Row{18, 10}, Row{19, 50},
+              Row{20, 50}, Row{21, 23}, Row{23, -5}, Row{23, 5}, Row{27, 45}, Row{27, 90}, Row{28, 8},
+              Row{29, 360}, Row{30, 45}, Row{31, -60}, Row{32, 20}, Row{33, 70}}) {
+            ExpectTrue(truths, row);
+        }
+    }
+}
+
 TEST(PreviewTruth, OfPicturesAboutAsSmallAsTheCopy) {
     for (const Size size : {Size{400, 300}, Size{120, 90}}) {
         const measure::PreviewTruth truths(GrainyScene(size));

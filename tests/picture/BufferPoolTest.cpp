@@ -12,14 +12,6 @@
 #include <thread>
 #include <vector>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define PICTOREL_UNDER_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define PICTOREL_UNDER_ASAN 1
-#endif
-#endif
-
 namespace pictorel {
 namespace {
 
@@ -136,7 +128,7 @@ TEST_F(BufferPool, ServesSeveralThreads) {
 }
 
 TEST_F(BufferPool, AsksForMoreThanThereIsWithAClearError) {
-#ifdef PICTOREL_UNDER_ASAN
+#ifdef PICTOREL_SANITIZED
     GTEST_SKIP() << "the sanitizer ends the program instead";
 #endif
     try {
@@ -183,7 +175,7 @@ TEST_F(BufferPool, SaysWhatIsNeededAndWhatIsFree) {
 }
 
 TEST_F(BufferPool, IdleBlocksMakeRoomWhenMemoryIsShort) {
-#ifdef PICTOREL_UNDER_ASAN
+#ifdef PICTOREL_SANITIZED
     GTEST_SKIP() << "the sanitizer keeps freed memory";
 #endif
     const auto used = TakeBuffer(100 * kMiB);

@@ -1,6 +1,6 @@
 // The user's folders, as a home with folders of its own names gives them.
 #include "platform/Folders.h"
-#include "platform/ScopedEnvironment.h"
+#include "support/ScopedEnvironment.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 // The private folder of working files: whose it is, how long it lives, and which other folders it may sweep.
-#include "platform/Folders.h"
-#include "platform/ScopedEnvironment.h"
+#include "platform/WorkingFolder.h"
+#include "support/ScopedEnvironment.h"
 
 #include <QDir>
 #include <QFile>
@@ -205,7 +205,9 @@ TEST_F(WorkingFolderTest, AMissingTemporaryFolderIsNotTheCurrentOne) {
         const ScopedEnvironment missing("TMPDIR", Path(QStringLiteral("missing")));
         WorkingFolder folder;
         const QString path = folder.GetTempFolder();
-        EXPECT_TRUE(path.startsWith(QStringLiteral(P_tmpdir "/pictorel-"))) << path.toStdString();
+        EXPECT_TRUE(path.startsWith(QStringLiteral(P_tmpdir "/pictorel-")) ||
+                    path.startsWith(QStringLiteral("/var/tmp/pictorel-")))
+            << path.toStdString();
     }
     EXPECT_TRUE(QFileInfo::exists(mine));
     QDir::setCurrent(before);

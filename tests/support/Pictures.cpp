@@ -94,11 +94,6 @@ PixelArray PhotoLike(Size size) {
     });
 }
 
-PixelArray Crop(const PixelArray& picture, int left, int top, Size size) {
-    return Draw(
-        size, [&](int x, int y) { return At(picture, left + x, top + y); }, picture.HasAlpha());
-}
-
 ::testing::AssertionResult SamePixels(const PixelArray& a, const PixelArray& b) {
     if (a.Width() != b.Width() || a.Height() != b.Height()) {
         return ::testing::AssertionFailure()

@@ -38,9 +38,6 @@ PixelArray Speckled(Size size, bool hasAlpha = false);
 // What photographs are made of: soft shapes, fine texture and hard edges.
 PixelArray PhotoLike(Size size);
 
-// The rectangle of `picture` at x, y, as a picture of its own.
-PixelArray Crop(const PixelArray& picture, int left, int top, Size size);
-
 // Same size and pixels; Same also asks for the same flags, reduction and details.
 ::testing::AssertionResult SamePixels(const PixelArray& a, const PixelArray& b);
 ::testing::AssertionResult Same(const PixelArray& a, const PixelArray& b);

@@ -4,6 +4,7 @@
 #include "editor/SliderCatalogue.h"
 #include "measure/StructuralSimilarity.h"
 #include "picture/ImagingError.h"
+#include "picture/engine/Geometry.h"
 #include "picture/engine/Resample.h"
 
 #include <utility>
@@ -73,12 +74,15 @@ PixelArray PreviewTruth::AfterSlider(const PixelArray& picture, int slider, std:
 }
 
 double PreviewTruth::Of(int slider, std::int32_t value) const {
+    return Of(slider, value, AfterSlider(editor_->Document.ImagePixels, slider, value));
+}
+
+double PreviewTruth::Of(int slider, std::int32_t value, const PixelArray& committed) const {
     const PixelArray preview = editor_->ReducedCopy.Preview(OperationOf(slider), ValuesOf(slider, value));
-    PixelArray committed = AfterSlider(editor_->Document.ImagePixels, slider, value);
-    if (part_.zoom > 1) {
-        committed = CutOut(committed, part_.left, part_.top, part_.width, part_.height);
-    }
-    return StructuralSimilarity(preview, engine::Resize(committed, preview.Width(), preview.Height()));
+    const PixelArray shown = part_.zoom > 1
+                                 ? engine::Crop(committed, {part_.left, part_.top, part_.width, part_.height})
+                                 : committed;
+    return StructuralSimilarity(preview, engine::Resize(shown, preview.Width(), preview.Height()));
 }
 
 } // namespace pictorel::measure

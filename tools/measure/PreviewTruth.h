@@ -23,6 +23,9 @@ class PreviewTruth {
     // committed picture (or the part of it that is shown) reduced to its size.
     double Of(int slider, std::int32_t value) const;
 
+    // The same where the committed picture, AfterSlider, is at hand.
+    double Of(int slider, std::int32_t value, const PixelArray& committed) const;
+
     // What slider i makes of a picture.
     static PixelArray AfterSlider(const PixelArray& picture, int slider, std::int32_t value);
 

@@ -11,4 +11,16 @@ namespace pictorel::engine {
 // ImagingError (TooLarge, UnsupportedFormat below 1, OutOfMemory).
 PixelArray Resize(const PixelArray& source, int width, int height);
 
+// A part of a picture, in its pixels and fractions of them.
+struct Area {
+    double left;
+    double top;
+    double width;
+    double height;
+};
+
+// Just that part of the source in that size: what lies beside it is seen by the kernel, as in a resized
+// whole.
+PixelArray ResizeArea(const PixelArray& source, const Area& area, int width, int height);
+
 } // namespace pictorel::engine

@@ -27,7 +27,7 @@ bool Limit(decltype(RLIMIT_AS) resource, std::uint64_t most) noexcept {
 }
 
 // Libraries, stacks, and what allocators set aside for each thread without using it.
-constexpr std::uint64_t kIdleAddressSpace = std::uint64_t{4} << 30;
+[[maybe_unused]] constexpr std::uint64_t kIdleAddressSpace = std::uint64_t{4} << 30;
 
 bool LimitMemory(const WallLimits& limits) noexcept {
 #ifdef PICTOREL_SANITIZED // the sanitizers map terabytes that they do not use

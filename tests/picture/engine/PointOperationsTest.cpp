@@ -1,6 +1,7 @@
 // The operations on single pixels: known values, exact formulas in double precision, neutral values,
 // carriage.
 #include "picture/ImagingError.h"
+#include "picture/engine/Geometry.h"
 #include "picture/engine/PointOperations.h"
 #include "support/Pictures.h"
 
@@ -15,7 +16,6 @@ namespace {
 using test::Alpha;
 using test::At;
 using test::Constant;
-using test::Crop;
 using test::Draw;
 using test::Pixel;
 using test::Random;
@@ -248,7 +248,7 @@ TEST(PointOperations, CarryWhatIsNotPixels) {
     PixelArray source = Random({7, 5}, Alpha::Random);
     source.SetReduction(0.25);
     source.SetDetails({{1, 2}, {3}, {4}, 300, 300});
-    const PixelArray before = Crop(source, 0, 0, {7, 5});
+    const PixelArray before = Crop(source, {0, 0, 7, 5});
     for (const PixelArray& result : {Invert(source), Contrast(source, 0.5), Hue(source, 10)}) {
         EXPECT_EQ(result.Reduction(), 0.25);
         EXPECT_TRUE(result.HasAlpha());
@@ -260,7 +260,7 @@ TEST(PointOperations, CarryWhatIsNotPixels) {
 TEST(PointOperations, BandsJoinWithoutTrace) {
     const PixelArray large = Random({1501, 901}, Alpha::Random); // several bands
     const Size size{61, 901};
-    const PixelArray crop = Crop(large, 700, 0, size);
+    const PixelArray crop = Crop(large, {700, 0, size.width, size.height});
     const std::vector<Operation> operations = {
         Invert,
         [](auto& p) { return Brightness(p, 17); },
@@ -271,7 +271,9 @@ TEST(PointOperations, BandsJoinWithoutTrace) {
         [](auto& p) { return Lightness(p, -0.2); },
     };
     for (std::size_t i = 0; i < operations.size(); ++i) {
-        EXPECT_TRUE(SamePixels(Crop(operations[i](large), 700, 0, size), operations[i](crop))) << "row " << i;
+        EXPECT_TRUE(
+            SamePixels(Crop(operations[i](large), {700, 0, size.width, size.height}), operations[i](crop)))
+            << "row " << i;
     }
 }
 

@@ -1,5 +1,6 @@
 // Noise, diffuse, mosaic, emboss and halftone: values worked out by hand, and statistics.
 #include "picture/ImagingError.h"
+#include "picture/engine/Geometry.h"
 #include "picture/engine/Stylize.h"
 #include "support/Pictures.h"
 
@@ -70,6 +71,26 @@ TEST(StylizePosition, PartsAreTreatedAsTheWhole) {
     }
     for (const auto& keepsAlpha : {operations[0], operations[3], operations[4]}) {
         EXPECT_EQ(At(keepsAlpha(part), 20, 30)[3], At(part, 20, 30)[3]);
+    }
+}
+
+// A part that says where in the picture it lies gets what the picture gets there, but for the blocks and
+// neighbours that its border cuts.
+TEST(StylizePosition, APartKnowsItsPlace) {
+    const PixelArray whole = Speckled({640, 500}, true);
+    constexpr Window kPart{301, 157, 130, 120};
+    PixelArray part = Crop(whole, kPart);
+    part.SetCornerInPicture(kPart.left, kPart.top);
+    const std::function<PixelArray(const PixelArray&)> operations[] = {
+        [](const PixelArray& p) { return Noise(p, 30); },
+        [](const PixelArray& p) { return Diffuse(p, 2, 70); },
+        [](const PixelArray& p) { return Mosaic(p, 9); },
+    };
+    constexpr Window kInside{10, 10, 110, 100};
+    for (const auto& operation : operations) {
+        const PixelArray expected =
+            Crop(operation(whole), {kPart.left + 10, kPart.top + 10, kInside.width, kInside.height});
+        EXPECT_LE(test::LargestDifference(Crop(operation(part), kInside), expected), 1);
     }
 }
 
@@ -182,7 +203,8 @@ TEST(Mosaic, EverySizeHasExactMeans) {
                     }
                 }
                 const int pixels = (right - left) * (bottom - top);
-                ASSERT_EQ(At(result, right - 1, bottom - 1), Grey((sum + pixels / 2) / pixels))
+                const int mean = (sum + pixels / 2) / pixels;
+                ASSERT_EQ(At(result, right - 1, bottom - 1), Grey(mean))
                     << "size " << size << " at " << left << ", " << top;
             }
         }

@@ -8,7 +8,7 @@ namespace pictorel::codecs {
 // As the members of Codec ask for. Files are written without chroma subsampling and with a restart marker
 // after every row of blocks, so that they can be read back on all cores.
 bool IsJpeg(ByteView file) noexcept;
-PixelArray ReadJpeg(ByteView file, const ReadOptions& options);
+PixelArray ReadJpeg(ByteView given, const ReadOptions& options);
 ByteBuffer WriteJpeg(const PixelArray& picture, const WriteOptions& options);
 
 // WriteJpeg of a working file without gathering it in memory first: giving the parts on as they come takes a

@@ -1,4 +1,5 @@
 // The kernels of the room blur: wide rows, convolution, halving and doubling, motion, rays.
+#include "picture/engine/Geometry.h"
 #include "picture/engine/kernels/KernelsTest.h"
 #include "picture/engine/kernels/blur/ConvolutionKernels.h"
 #include "picture/engine/kernels/blur/MotionKernels.h"
@@ -165,7 +166,7 @@ TEST_F(KernelsTest, SlidingMeans) {
                 kernels.Slide(
                     {source.Row(0), source.Stride(), result.WritableRows(), result.Stride(), 60, size},
                     *line);
-                return test::Crop(result, 0, 0, {size / 4, 60});
+                return Crop(result, {0, 0, size / 4, 60});
             });
         }
         for (const int width : {1, 7, 8, 65}) {
@@ -173,7 +174,7 @@ TEST_F(KernelsTest, SlidingMeans) {
                 PixelArray result(80, 1);
                 kernels.SlideAlong(
                     {row.Row(0) + std::ptrdiff_t{4} * 100, result.WritableRows(), width, width > 8}, *line);
-                return test::Crop(result, 0, 0, {width, 1});
+                return Crop(result, {0, 0, width, 1});
             });
         }
     }

@@ -1,4 +1,5 @@
 // The kernels of the room resample: rows and columns summed with weights.
+#include "picture/engine/Geometry.h"
 #include "picture/engine/kernels/KernelsTest.h"
 #include "picture/engine/kernels/resample/ResampleKernels.h"
 #include "picture/engine/kernels/resample/SeparableKernels.h"
@@ -78,7 +79,7 @@ TEST_F(KernelsTest, FixedPointRows) {
                 PixelArray result(kCount / 4, 1);
                 kernels.SumSumsFixed(sumRows, taps, weights.Bits(), kCount - 4, streams,
                                      result.WritableRows());
-                return test::Crop(result, 0, 0, {kCount / 4 - 1, 1});
+                return Crop(result, {0, 0, kCount / 4 - 1, 1});
             });
         }
     }

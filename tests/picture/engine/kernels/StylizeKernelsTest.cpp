@@ -16,7 +16,7 @@ TEST_F(KernelsTest, Noise) {
         for (const int rows : {1, 6, 25}) {
             ExpectSame<NoiseKernels>("sums, " + what, [&](const NoiseKernels& kernels) {
                 std::vector<std::int32_t> sums(std::size_t{256} * kNoiseSumNumbers);
-                kernels.SumNoise(40, 40 + rows, width, sums.data());
+                kernels.SumNoise(40, 40 + rows, 9, width, sums.data());
                 sums.resize(static_cast<std::size_t>(width) * kNoiseSumNumbers);
                 return sums;
             });
@@ -26,7 +26,7 @@ TEST_F(KernelsTest, Noise) {
             const auto amplitude = static_cast<std::int16_t>(percent * 255 * kNoiseUnit / 100);
             ExpectSame<NoiseKernels>("added, " + what, [&](const NoiseKernels& kernels) {
                 PixelArray result(width, 1);
-                kernels.AddNoise({source.Row(0), result.WritableRows(), width, 77, amplitude, width > 64});
+                kernels.AddNoise({source.Row(0), result.WritableRows(), width, 5, 77, amplitude, width > 64});
                 return result;
             });
         }
@@ -37,7 +37,7 @@ TEST_F(KernelsTest, Diffusion) {
     for (const int width : {1, 15, 64, 131}) {
         for (const int radius : {1, 2, 20, 32767}) {
             for (const std::uint32_t lastMoved : {0U, 0x80000000U, 0xFFFFFFFFU}) {
-                const Scatter scatter{width - 1, 50, 144, radius, lastMoved};
+                const Scatter scatter{width - 1, 50, 144, radius, lastMoved, 3, 8};
                 ExpectSame<DiffuseKernels>(
                     "width " + std::to_string(width) + ", radius " + std::to_string(radius),
                     [&](const DiffuseKernels& kernels) {

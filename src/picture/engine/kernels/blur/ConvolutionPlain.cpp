@@ -69,7 +69,7 @@ void ConvolveAcross(const std::uint8_t* in, const HalfKernel& kernel, int width,
 
 void ConvolveToPixels(const Wide* const* taps, const HalfKernel& kernel, const PixelTarget& target) {
     const std::size_t half = HalfLength(target.width);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(target.width * kComponents); ++i) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(target.width) * kComponents; ++i) {
         const std::size_t at = i / 2 + i % 2 * half;
         // Both convolutions together take away one unit more on average than has been added.
         const int blurred = WeightedSum(kernel, 0, [&](std::size_t k) { return taps[k][at]; }) + 1;

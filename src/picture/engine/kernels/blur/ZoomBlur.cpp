@@ -6,6 +6,7 @@
 // the centre, so that a wedge is cut into rings with rays of their own.
 #include "picture/ForEachBand.h"
 #include "picture/engine/Filters.h"
+#include "picture/engine/Geometry.h"
 #include "picture/engine/kernels/base/FixedPoint.h"
 #include "picture/engine/kernels/base/Parameters.h"
 #include "picture/engine/kernels/base/Sizes.h"
@@ -93,19 +94,46 @@ struct StretchBegin {
     }
 };
 
+// Where a wedge's pixels go: those from `first` to `end` along its axes, the first of which is at `pixels`.
+struct WedgeWindow {
+    struct Span {
+        int first;
+        int end;
+    };
+    Span major;
+    Span minor;
+    std::uint8_t* pixels;
+    std::ptrdiff_t majorStep; // bytes
+    std::ptrdiff_t minorStep;
+
+    std::uint8_t* At(int majorIndex, int minorIndex) const {
+        return pixels + (majorIndex - major.first) * majorStep + (minorIndex - minor.first) * minorStep;
+    }
+
+    // The nodes of a wedge whose lines cross the window, from the first to the last; none where first > last.
+    Span NodesOf(const Wedge& wedge) const {
+        const int middle = wedge.MajorIndex(0);
+        return wedge.direction > 0 ? Span{major.first - middle, major.end - 1 - middle}
+                                   : Span{middle - (major.end - 1), middle - major.first};
+    }
+};
+
 constexpr int kRaysPerBlock = 256; // enough that what is done once a node costs little
 
 class RayBlock {
   public:
-    RayBlock(const PixelArray& source, const Wedge& wedge, const Ring& ring, double innerScale)
-        : source_(source), wedge_(wedge), ring_(ring), innerScale_(innerScale) {}
+    RayBlock(const PixelArray& source, const Wedge& wedge, const Ring& ring, double innerScale,
+             const WedgeWindow& window)
+        : source_(source), wedge_(wedge), ring_(ring), innerScale_(innerScale), window_(window) {}
 
     // The pixels between two rays.
-    void Blur(int firstRay, int endRay, std::uint8_t* resultPixels) {
+    void Blur(int firstRay, int endRay) {
         firstRay_ = firstRay;
         endRay_ = endRay;
-        const int last = std::min(ring_.last, LastNodeInside());
-        if (last < ring_.first) {
+        const WedgeWindow::Span nodes = window_.NodesOf(wedge_);
+        const int first = std::max(ring_.first, nodes.first);
+        const int last = std::min({ring_.last, LastNodeInside(), nodes.end});
+        if (last < first || MissesWindow(first, last)) {
             return;
         }
         const auto row = static_cast<std::size_t>(RowLength());
@@ -114,16 +142,16 @@ class RayBlock {
         sums_.assign(row, 0);
         means_.resize(row);
         // The first node takes off what lies behind the node at which its stretch begins.
-        innerNode_ = StretchBegin(wedge_, innerScale_, ring_.first).before - 1;
+        innerNode_ = StretchBegin(wedge_, innerScale_, first).before - 1;
         TakeValues(innerNode_ + 1);
-        for (int node = innerNode_ + 2; node < ring_.first; ++node) {
+        for (int node = innerNode_ + 2; node < first; ++node) {
             TakeValues(node);
             ZoomKernels::Best().AddInterval(ValuesAt(node - 1), ValuesAt(node), RayCount(), sums_.data());
         }
-        for (int node = ring_.first; node <= last; ++node) {
+        for (int node = first; node <= last; ++node) {
             TakeValues(node);
             Slide(node);
-            WritePixels(node, resultPixels);
+            WritePixels(node);
         }
     }
 
@@ -142,6 +170,16 @@ class RayBlock {
     }
     std::int16_t* ValuesAt(int node) {
         return values_.get() + static_cast<std::ptrdiff_t>(node % kept_) * RowLength();
+    }
+
+    // Whether no pixel of the window lies between the block's rays at these nodes.
+    bool MissesWindow(int firstNode, int lastNode) const {
+        const auto minorAt = [&](int ray, int node) {
+            return wedge_.MinorCentre() + ring_.Slope(ray) * wedge_.Distance(node);
+        };
+        const double lowest = std::min(minorAt(firstRay_, firstNode), minorAt(firstRay_, lastNode));
+        const double highest = std::max(minorAt(endRay_, firstNode), minorAt(endRay_, lastNode));
+        return highest < window_.minor.first - 1 || lowest > window_.minor.end;
     }
 
     // Steep rays leave the picture before the wedge ends.
@@ -231,10 +269,10 @@ class RayBlock {
     }
 
     // The pixels of this node's line that lie between the block's first and last ray.
-    void WritePixels(int node, std::uint8_t* resultPixels) const {
+    void WritePixels(int node) const {
         const double distance = wedge_.Distance(node);
-        const int first = std::max(FirstPixel(firstRay_, distance), 0);
-        const int end = std::min(FirstPixel(endRay_, distance), wedge_.minorSize);
+        const int first = std::max(FirstPixel(firstRay_, distance), window_.minor.first);
+        const int end = std::min(FirstPixel(endRay_, distance), window_.minor.end);
         if (first >= end) {
             return;
         }
@@ -242,10 +280,9 @@ class RayBlock {
         const double raysPerPixel = ring_.intervals / (2 * distance);
         const double position =
             (first - wedge_.MinorCentre()) * raysPerPixel + ring_.intervals / 2.0 - FirstStored();
-        std::uint8_t* const line = resultPixels + wedge_.MajorIndex(node) * wedge_.majorStep;
         const PixelsBetween between{std::max(std::llround(position * kPositions), 1LL << kRayPositionBits),
                                     std::llround(raysPerPixel * kPositions), end - first,
-                                    line + first * wedge_.minorStep, wedge_.minorStep};
+                                    window_.At(wedge_.MajorIndex(node), first), window_.minorStep};
         source_.HasAlpha() ? ZoomKernels::Best().MixRaysWithAlpha(means_.data(), between)
                            : ZoomKernels::Best().MixRays(means_.data(), between);
     }
@@ -261,6 +298,7 @@ class RayBlock {
     const Wedge& wedge_;
     const Ring& ring_;
     double innerScale_;
+    const WedgeWindow& window_;
     int firstRay_ = 0;
     int endRay_ = 0;
     int kept_ = 0;      // nodes whose values are kept
@@ -274,46 +312,61 @@ class RayBlock {
 };
 
 void BlurRing(const PixelArray& source, const Wedge& wedge, const Ring& ring, double innerScale,
-              std::uint8_t* resultPixels) {
+              const WedgeWindow& window) {
     const int blocks = (ring.intervals + kRaysPerBlock - 1) / kRaysPerBlock;
     const std::size_t bytesPerBlock = static_cast<std::size_t>(kRaysPerBlock) * kComponents *
                                       (1 + sizeof(std::int32_t)) *
                                       static_cast<std::size_t>(ring.last - ring.first + 1);
     ForEachBand(blocks, bytesPerBlock, [&](int first, int end) {
-        RayBlock block(source, wedge, ring, innerScale);
+        RayBlock block(source, wedge, ring, innerScale, window);
         for (int i = first; i < end; ++i) {
-            block.Blur(i * kRaysPerBlock, std::min((i + 1) * kRaysPerBlock, ring.intervals), resultPixels);
+            block.Blur(i * kRaysPerBlock, std::min((i + 1) * kRaysPerBlock, ring.intervals));
         }
     });
 }
 
+// The pixel at the centre belongs to no wedge.
+void CopyCentre(const PixelArray& source, const Window& window, PixelArray& result) {
+    const int x = source.Width() / 2;
+    const int y = source.Height() / 2;
+    const bool isSeen = window.left <= x && x < window.Right() && window.top <= y && y < window.Bottom();
+    if (source.Width() % 2 == 1 && source.Height() % 2 == 1 && isSeen) {
+        std::copy_n(source.Row(y) + static_cast<std::ptrdiff_t>(x) * kComponents, kComponents,
+                    result.WritableRows() + (y - window.top) * result.Stride() +
+                        static_cast<std::ptrdiff_t>(x - window.left) * kComponents);
+    }
+}
+
 } // namespace
 
-PixelArray ZoomBlur(const PixelArray& source, double percent) {
+PixelArray ZoomBlur(const PixelArray& source, double percent, const OptionalWindow& wanted) {
     RequireRange("zoom blur", percent, 0, 100);
     const int width = source.Width();
     const int height = source.Height();
     const double longestPath = percent / 100 * std::max(width, height) / 2;
     if (longestPath < kShortestPath) {
-        return source;
+        return wanted ? Crop(source, *wanted) : source;
     }
+    const Window window = wanted.value_or(Window{0, 0, width, height});
     const double innerScale = 1 - percent / 100;
-    PixelArray result = PixelArray::Like(source);
+    PixelArray result = PixelArray::Like(source, window.width, window.height);
     std::uint8_t* const rows = result.WritableRows();
-    const std::ptrdiff_t stride = source.Stride();
+    const WedgeWindow::Span columns{window.left, window.Right()};
+    const WedgeWindow::Span lines{window.top, window.Bottom()};
+    const WedgeWindow across{columns, lines, rows, kComponents, result.Stride()};
+    const WedgeWindow down{lines, columns, rows, result.Stride(), kComponents};
+    const double rays = RaysPerPixel(longestPath);
     for (const int direction : {1, -1}) {
-        for (const Wedge& wedge : {Wedge{kComponents, stride, width, height, direction, true},
-                                   Wedge{stride, kComponents, height, width, direction, false}}) {
-            for (const Ring& ring : RingsOf(wedge, innerScale, RaysPerPixel(longestPath))) {
-                BlurRing(source, wedge, ring, innerScale, rows);
-            }
+        const Wedge left{kComponents, source.Stride(), width, height, direction, true};
+        for (const Ring& ring : RingsOf(left, innerScale, rays)) {
+            BlurRing(source, left, ring, innerScale, across);
+        }
+        const Wedge upper{source.Stride(), kComponents, height, width, direction, false};
+        for (const Ring& ring : RingsOf(upper, innerScale, rays)) {
+            BlurRing(source, upper, ring, innerScale, down);
         }
     }
-    if (width % 2 == 1 && height % 2 == 1) { // the pixel at the centre belongs to no wedge
-        const std::ptrdiff_t centre =
-            height / 2 * stride + static_cast<std::ptrdiff_t>(width / 2) * kComponents;
-        std::copy_n(source.Row(0) + centre, kComponents, rows + centre);
-    }
+    CopyCentre(source, window, result);
     return result;
 }
 

@@ -94,9 +94,9 @@ int AppendTile(double origin, double spacing, int tileLength, double reach, std:
 }
 
 // On a reduced copy the tiles of the picture begin between pixels. Its pixels are made as if the picture were
-// there: tiled, and the tiled picture reduced. The tile has twice as many samples as the copy has pixels for
-// it, where there are as many: more would not be seen.
-TiledAxis ReducedTiles(int length, int pictureLength, int tiles) {
+// there: tiled, and the tiled picture reduced; those from `begin` to `end` are. The tile has twice as many
+// samples as the copy has pixels for it, where there are as many: more would not be seen.
+TiledAxis ReducedTiles(int length, int pictureLength, int tiles, int begin, int end) {
     const int seen = static_cast<int>(std::ceil(2.0 * length / tiles));
     const int tileLength = std::min({seen, length, pictureLength / tiles});
     TiledAxis axis{{}, tileLength, tileLength};
@@ -104,7 +104,7 @@ TiledAxis ReducedTiles(int length, int pictureLength, int tiles) {
     const double reach = kLanczosLobes * std::max(scale, 1.0);
     std::vector<double> weights;
     int nearest = 0; // the first tile that a result sample reaches
-    for (int i = 0; i < length; ++i) {
+    for (int i = begin; i < end; ++i) {
         const double centre = (i + 0.5) * scale;
         while (TileEdge(nearest + 1, pictureLength, tiles) <= centre - reach) {
             ++nearest;
@@ -144,24 +144,36 @@ int PictureLength(int length, double reduction) {
     return static_cast<int>(std::clamp(std::round(length / reduction), 1.0, 1.0 * kMaximumSide));
 }
 
+// As a reduced copy shows the tiles, or a window of the picture does.
+PixelArray TiledWindow(const PixelArray& source, int count, const Window& window) {
+    const int pictureWidth = PictureLength(source.Width(), source.Reduction());
+    const int pictureHeight = PictureLength(source.Height(), source.Reduction());
+    const TiledAxis columns = ReducedTiles(source.Width(), pictureWidth, std::min(count, pictureWidth),
+                                           window.left, window.Right());
+    const TiledAxis rows = ReducedTiles(source.Height(), pictureHeight, std::min(count, pictureHeight),
+                                        window.top, window.Bottom());
+    const PixelArray tile = Resize(source, columns.tileLength, rows.tileLength);
+    return ResampleSeparable(Continued(tile, columns.continuedLength, rows.continuedLength), columns.weights,
+                             rows.weights);
+}
+
 } // namespace
 
-PixelArray Reproduce(const PixelArray& source, int count) {
+PixelArray Reproduce(const PixelArray& source, int count, const OptionalWindow& window) {
     RequireRange("the number of copies", count, 1, kMaximumSide);
     CheckPictureSize(source.Width(), source.Height());
     if (count == 1) {
-        return source;
+        return window ? Crop(source, *window) : source;
     }
-    if (source.Reduction() < 1) {
-        const int pictureWidth = PictureLength(source.Width(), source.Reduction());
-        const int pictureHeight = PictureLength(source.Height(), source.Reduction());
-        const TiledAxis columns = ReducedTiles(source.Width(), pictureWidth, std::min(count, pictureWidth));
-        const TiledAxis rows = ReducedTiles(source.Height(), pictureHeight, std::min(count, pictureHeight));
-        const PixelArray tile = Resize(source, columns.tileLength, rows.tileLength);
-        return ResampleSeparable(Continued(tile, columns.continuedLength, rows.continuedLength),
-                                 columns.weights, rows.weights);
+    // Tiles of few pixels are worth their exact edges.
+    constexpr double kSmallPicture = 1e6; // pixels
+    const bool isSmall = static_cast<double>(source.Width()) * source.Height() <= kSmallPicture;
+    if (source.Reduction() < 1 || (window && !isSmall)) {
+        return TiledWindow(source, count, window.value_or(Window{0, 0, source.Width(), source.Height()}));
     }
-    return TiledWhole(source, std::min(count, source.Width()), std::min(count, source.Height()));
+    const PixelArray tiled =
+        TiledWhole(source, std::min(count, source.Width()), std::min(count, source.Height()));
+    return window ? Crop(tiled, *window) : tiled;
 }
 
 } // namespace pictorel::engine

@@ -15,4 +15,11 @@ PixelArray Resize(const PixelArray& source, int width, int height) {
                          LanczosWeights(source.Height(), height));
 }
 
+PixelArray ResizeArea(const PixelArray& source, const Area& area, int width, int height) {
+    CheckPictureSize(source.Width(), source.Height());
+    CheckPictureSize(width, height);
+    return ResampleFixed(source, LanczosWeights(area.left, area.width, source.Width(), width),
+                         LanczosWeights(area.top, area.height, source.Height(), height));
+}
+
 } // namespace pictorel::engine

@@ -66,10 +66,14 @@ void AxisWeights::Append(int first, std::span<const double> weights) {
 }
 
 AxisWeights LanczosWeights(int sourceLength, int resultLength) {
+    return LanczosWeights(0, sourceLength, sourceLength, resultLength);
+}
+
+AxisWeights LanczosWeights(double begin, double length, int sourceLength, int resultLength) {
     AxisWeights axis;
-    const double width = static_cast<double>(sourceLength) / resultLength;
+    const double width = length / resultLength;
     for (int i = 0; i < resultLength; ++i) {
-        const LanczosRun run = LanczosAround((i + 0.5) * width, width, sourceLength);
+        const LanczosRun run = LanczosAround(begin + (i + 0.5) * width, width, sourceLength);
         axis.Append(run.first, run.weights);
     }
     return axis;

@@ -48,6 +48,9 @@ double Lanczos(double x);
 // left out.
 AxisWeights LanczosWeights(int sourceLength, int resultLength);
 
+// The same for the part of the source from `begin` on, `length` of its samples long.
+AxisWeights LanczosWeights(double begin, double length, int sourceLength, int resultLength);
+
 // The mean of the source from `begin` to `end`, where sample i covers i to i + 1; weights in parts of a
 // sample. The interval must overlap the source.
 void AppendMean(AxisWeights& axis, double begin, double end, int sourceLength);

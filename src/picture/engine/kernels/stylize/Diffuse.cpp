@@ -34,8 +34,13 @@ PixelArray Scattered(const PixelArray& source, int radius, double percent) {
     PixelArray result = PixelArray::Like(source);
     std::uint8_t* const rows = result.WritableRows();
     const std::uint8_t* const pixels = source.Row(0);
-    const Scatter scatter{source.Width() - 1, source.Height() - 1, static_cast<int>(source.Stride() / 4),
-                          radius, static_cast<std::uint32_t>(moved - 1)};
+    const Scatter scatter{source.Width() - 1,
+                          source.Height() - 1,
+                          static_cast<int>(source.Stride() / 4),
+                          radius,
+                          static_cast<std::uint32_t>(moved - 1),
+                          source.LeftInPicture(),
+                          source.TopInPicture()};
     const bool streams = IsStreamed(result);
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         std::vector<std::int32_t> sources(static_cast<std::size_t>(result.Width()) + kVectorPixels);

@@ -13,6 +13,8 @@ struct Scatter {
     int rowPixels;
     int radius;
     std::uint32_t lastMoved;
+    int left; // of its first pixel where the random numbers are counted from
+    int top;
 };
 
 struct DiffuseKernels {

@@ -13,9 +13,9 @@ int Displacement(std::uint32_t random, int radius) {
 }
 
 void ChooseSources(const Scatter& scatter, int y, std::int32_t* sources) {
-    const std::uint32_t randomRow = RandomRow(y);
+    const std::uint32_t randomRow = RandomRow(scatter.top + y);
     for (int x = 0; x <= scatter.lastColumn; ++x) {
-        const std::uint32_t choice = RandomAt(randomRow, x);
+        const std::uint32_t choice = RandomAt(randomRow, scatter.left + x);
         int column = x;
         int row = y;
         if (choice <= scatter.lastMoved) {

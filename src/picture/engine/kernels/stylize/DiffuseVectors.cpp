@@ -38,10 +38,10 @@ void ChooseSources(const Scatter& scatter, int y, std::int32_t* sources) {
     const auto radius = both(scatter.radius, scatter.radius);
     const auto count = hn::Set(places, static_cast<std::uint16_t>(2 * scatter.radius + 1));
     const auto lastMoved = hn::Set(lanes, scatter.lastMoved);
-    const auto randomRow = hn::Set(lanes, RandomRow(y));
+    const auto randomRow = hn::Set(lanes, RandomRow(scatter.top + y));
     const auto row = hn::Set(lanes, static_cast<std::uint32_t>(y) << 16);
     for (int x = 0; x <= scatter.lastColumn; x += one) {
-        const RandomVector choice = Mixed(hn::Add(randomRow, PlacesFrom(x)));
+        const RandomVector choice = Mixed(hn::Add(randomRow, PlacesFrom(scatter.left + x)));
         const auto place = hn::MulHigh(hn::BitCast(places, MixedOnce(choice)), count);
         const auto way = hn::Sub(hn::BitCast(shorts, place), radius);
         const auto isKept = hn::Gt(choice, lastMoved);

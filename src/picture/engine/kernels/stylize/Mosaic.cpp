@@ -151,31 +151,50 @@ PixelArray WholeBlocks(const PixelArray& source, int size) {
     return result;
 }
 
-// The means of blocks of a fractional length: each source sample counts as far as it lies in the block.
-AxisWeights BlockMeans(int length, double size) {
+// Blocks along one side of a copy: `size` of its samples each, the first of which begins at `begin`, before
+// or at the copy's own beginning.
+struct BlockAxis {
+    double size;
+    double begin;
+    int length;
+
+    // Block i from here to there, as far as it lies in the copy.
+    double Begin(int i) const { return std::max(begin + i * size, 0.0); }
+    double End(int i) const { return std::min(begin + (i + 1) * size, static_cast<double>(length)); }
+};
+
+BlockAxis BlocksOf(int length, int size, int cornerInPicture, double reduction) {
+    return {size * reduction, -(cornerInPicture % size) * reduction, length};
+}
+
+// The means of the blocks: each source sample counts as far as it lies in the block.
+AxisWeights BlockMeans(const BlockAxis& blocks) {
     AxisWeights axis;
-    for (int i = 0; i * size < length; ++i) {
-        AppendMean(axis, i * size, std::min((i + 1) * size, static_cast<double>(length)), length);
+    for (int i = 0; blocks.begin + i * blocks.size < blocks.length; ++i) {
+        AppendMean(axis, blocks.Begin(i), blocks.End(i), blocks.length);
     }
     return axis;
 }
 
 // The way back: each sample shows the blocks it touches as far as they reach into it.
-AxisWeights BlocksShown(int length, double size, int blocks) {
+AxisWeights BlocksShown(const BlockAxis& blocks, int count) {
     AxisWeights axis;
-    for (int i = 0; i < length; ++i) {
-        AppendMean(axis, i / size, std::min((i + 1) / size, length / size), blocks);
+    const double end = (blocks.length - blocks.begin) / blocks.size;
+    for (int i = 0; i < blocks.length; ++i) {
+        AppendMean(axis, (i - blocks.begin) / blocks.size,
+                   std::min((i + 1 - blocks.begin) / blocks.size, end), count);
     }
     return axis;
 }
 
 // A reduced copy shows the blocks of the picture reduced: their edges lie between its pixels.
-PixelArray FractionalBlocks(const PixelArray& source, double size) {
-    const AxisWeights columns = BlockMeans(source.Width(), size);
-    const AxisWeights rows = BlockMeans(source.Height(), size);
+PixelArray FractionalBlocks(const PixelArray& source, int size) {
+    const BlockAxis across = BlocksOf(source.Width(), size, source.LeftInPicture(), source.Reduction());
+    const BlockAxis down = BlocksOf(source.Height(), size, source.TopInPicture(), source.Reduction());
+    const AxisWeights columns = BlockMeans(across);
+    const AxisWeights rows = BlockMeans(down);
     const PixelArray blocks = ResampleSeparable(source, columns, rows);
-    return ResampleSeparable(blocks, BlocksShown(source.Width(), size, columns.Length()),
-                             BlocksShown(source.Height(), size, rows.Length()));
+    return ResampleSeparable(blocks, BlocksShown(across, columns.Length()), BlocksShown(down, rows.Length()));
 }
 
 } // namespace
@@ -186,12 +205,13 @@ PixelArray Mosaic(const PixelArray& source, int size) {
     if (size <= 1 || scaledSize <= 1) {
         return source;
     }
-    if (scaledSize == std::floor(scaledSize)) {
+    const bool beginsWithBlock = source.LeftInPicture() % size == 0 && source.TopInPicture() % size == 0;
+    if (beginsWithBlock && scaledSize == std::floor(scaledSize)) {
         const auto pixels = static_cast<int>(scaledSize);
         return source.HasAlpha() || pixels > SmallSums::kMostRows ? WholeBlocks<ColumnSums>(source, pixels)
                                                                   : WholeBlocks<SmallSums>(source, pixels);
     }
-    return FractionalBlocks(source, scaledSize);
+    return FractionalBlocks(source, size);
 }
 
 } // namespace pictorel::engine

@@ -67,7 +67,8 @@ PixelArray AddWholeNoise(const PixelArray& source, double amplitude) {
     std::uint8_t* const rows = result.WritableRows();
     ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            NoiseKernels::Best().AddNoise({source.Row(y), rows + y * result.Stride(), result.Width(), y,
+            NoiseKernels::Best().AddNoise({source.Row(y), rows + y * result.Stride(), result.Width(),
+                                           source.LeftInPicture(), source.TopInPicture() + y,
                                            static_cast<std::int16_t>(std::lround(amplitude * kNoiseUnit)),
                                            IsStreamed(result)});
         }
@@ -133,7 +134,9 @@ PixelArray AddMeanNoise(const PixelArray& source, double amplitude) {
         constexpr std::size_t kRoom = 64;
         std::vector<std::int32_t> sums((static_cast<std::size_t>(width) + kRoom) * kNoiseSumNumbers);
         for (int y = first; y < end; ++y) {
-            NoiseKernels::Best().SumNoise(block.First(y), block.End(y), width, sums.data());
+            NoiseKernels::Best().SumNoise(source.TopInPicture() + block.First(y),
+                                          source.TopInPicture() + block.End(y), source.LeftInPicture(), width,
+                                          sums.data());
             AddMeanNoiseRow(source.Row(y), firsts, sums.data(), block.End(y) - block.First(y), amplitude,
                             effects, rows + y * result.Stride());
         }

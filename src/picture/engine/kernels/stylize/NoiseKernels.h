@@ -13,12 +13,13 @@ inline constexpr int kNoiseSteps = 1 << kNoiseStepBits;
 inline constexpr int kNoiseBits = 6;
 inline constexpr int kNoiseUnit = 1 << kNoiseBits;
 
-// Row `y` of a picture. Rows are those of a PixelArray: they are read and written in blocks of up to 64
-// bytes. `streams` tells to write past the cache.
+// A part of row `y` of a picture, from its column `x` on. Rows are those of a PixelArray: they are read and
+// written in blocks of up to 64 bytes. `streams` tells to write past the cache.
 struct NoiseRow {
     const std::uint8_t* in;
     std::uint8_t* out;
     int width;
+    int x;
     int y;
     std::int16_t amplitude; // of the noise, in 1/kNoiseUnit of a level, up to 255 levels
     bool streams;
@@ -32,9 +33,9 @@ struct NoiseKernels {
     // rounds and clamps.
     void (*AddNoise)(const NoiseRow& row);
 
-    // For each column 0 <= x < width, the sum over firstRow <= y < endRow of the steps at (x, y). At most
-    // 2^15 rows; `sums` has room for a multiple of 64 columns.
-    void (*SumNoise)(int firstRow, int endRow, int width, std::int32_t* sums);
+    // For each of `width` columns from firstColumn on, the sum over firstRow <= y < endRow of the steps at
+    // (x, y). At most 2^15 rows; `sums` has room for a multiple of 64 columns.
+    void (*SumNoise)(int firstRow, int endRow, int firstColumn, int width, std::int32_t* sums);
 
     static const NoiseKernels& Plain();
     static const NoiseKernels& Best();

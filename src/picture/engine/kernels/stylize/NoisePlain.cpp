@@ -14,7 +14,7 @@ void AddNoise(const NoiseRow& row) {
     for (int x = 0; x < row.width; ++x) {
         const std::uint8_t* const in = row.in + static_cast<std::ptrdiff_t>(x) * 4;
         std::uint8_t* const out = row.out + static_cast<std::ptrdiff_t>(x) * 4;
-        std::uint32_t random = RandomAt(randomRow, x);
+        std::uint32_t random = RandomAt(randomRow, row.x + x);
         for (int k = 0; k < 3; ++k, random >>= kNoiseStepBits) {
             const auto step = static_cast<int>(random & kStepMask);
             const int noise =
@@ -26,12 +26,12 @@ void AddNoise(const NoiseRow& row) {
     }
 }
 
-void SumNoise(int firstRow, int endRow, int width, std::int32_t* sums) {
+void SumNoise(int firstRow, int endRow, int firstColumn, int width, std::int32_t* sums) {
     std::fill_n(sums, width * kNoiseSumNumbers, 0);
     for (int y = firstRow; y < endRow; ++y) {
         const std::uint32_t randomRow = RandomRow(y);
         for (int x = 0; x < width; ++x) {
-            std::uint32_t random = RandomAt(randomRow, x);
+            std::uint32_t random = RandomAt(randomRow, firstColumn + x);
             for (int k = 0; k < 3; ++k, random >>= kNoiseStepBits) {
                 sums[x * kNoiseSumNumbers + k] += static_cast<std::int32_t>(random & kStepMask);
             }

@@ -52,8 +52,7 @@ void AddNoise(const NoiseRow& row) {
     const auto stepMask = hn::Set(lanes, kNoiseSteps - 1);
     const auto upperStepMask = hn::Set(lanes, (kNoiseSteps - 1) << 16);
     const auto columnStep = hn::Set(lanes, static_cast<std::uint32_t>(hn::Lanes(lanes)) * kColumnStride);
-    auto place =
-        hn::Add(hn::Set(lanes, RandomRow(row.y)), hn::Mul(hn::Iota(lanes, 0), hn::Set(lanes, kColumnStride)));
+    auto place = hn::Add(hn::Set(lanes, RandomRow(row.y)), PlacesFrom(row.x));
     for (std::size_t x = 0; x < static_cast<std::size_t>(row.width); x += hn::Lanes(lanes)) {
         const Vector pixels = hn::BitCast(lanes, hn::Load(bytes, row.in + 4 * x));
         const Vector random = Mixed(place);
@@ -75,7 +74,7 @@ void AddNoise(const NoiseRow& row) {
 }
 
 // Two vectors of columns go down the rows side by side, since each waits long for its multiplications.
-void SumNoise(int firstRow, int endRow, int width, std::int32_t* sums) {
+void SumNoise(int firstRow, int endRow, int firstColumn, int width, std::int32_t* sums) {
     const Lanes lanes;
     const hn::Rebind<std::int32_t, Lanes> ints;
     const auto mask = hn::Set(lanes, kNoiseSteps - 1);
@@ -85,8 +84,8 @@ void SumNoise(int firstRow, int endRow, int width, std::int32_t* sums) {
         randomRows.push_back(RandomRow(y));
     }
     for (int x = 0; x < width; x += 2 * one) {
-        const Vector left = PlacesFrom(x);
-        const Vector right = PlacesFrom(x + one);
+        const Vector left = PlacesFrom(firstColumn + x);
+        const Vector right = PlacesFrom(firstColumn + x + one);
         Vector blue[2] = {hn::Zero(lanes), hn::Zero(lanes)};
         Vector green[2] = {hn::Zero(lanes), hn::Zero(lanes)};
         Vector red[2] = {hn::Zero(lanes), hn::Zero(lanes)};

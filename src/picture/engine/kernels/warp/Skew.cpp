@@ -20,8 +20,8 @@ struct SkewMap : CanvasMap {
 
     double acrossPerRow; // how far the source moves right with every row down
 
-    SkewMap(const PixelArray& source, double degrees)
-        : CanvasMap(source), acrossPerRow(std::tan(Radians(degrees))) {}
+    SkewMap(int canvasWidth, int canvasHeight, double degrees)
+        : CanvasMap(canvasWidth, canvasHeight), acrossPerRow(std::tan(Radians(degrees))) {}
 
     WarpPoint Source(WarpPoint p) const { return {p.x + acrossPerRow * (p.y - centre.y), p.y}; }
 
@@ -84,7 +84,7 @@ class RowSkew {
 };
 
 PixelArray SkewHorizontally(const PixelArray& source, double degrees, std::uint32_t background) {
-    const SkewMap map(source, degrees);
+    const SkewMap map(source.Width(), source.Height(), degrees);
     const warp::RunWarper<SkewMap> warper(source, map, background);
     if (source.HasAlpha() || !warper.TakesOneSample()) {
         return Warp(source, map, background);
@@ -101,15 +101,28 @@ PixelArray SkewHorizontally(const PixelArray& source, double degrees, std::uint3
     return result;
 }
 
+PixelArray SkewWindow(const PixelArray& source, bool vertical, double degrees, std::uint32_t background,
+                      const Window& window) {
+    if (!vertical) {
+        return Warp(source, SkewMap(source.Width(), source.Height(), degrees), background, window);
+    }
+    const SkewMap turned(source.Height(), source.Width(), -degrees);
+    return Warp(source, TurnedMap<SkewMap>{turned, source.Width(), source.Height()}, background, window);
+}
+
 } // namespace
 
-PixelArray Skew(const PixelArray& source, bool vertical, double degrees, std::uint32_t background) {
+PixelArray Skew(const PixelArray& source, bool vertical, double degrees, std::uint32_t background,
+                const OptionalWindow& window) {
     RequireRange("the angle of the skew", degrees, -90, 90);
     if (degrees == 0) {
-        return source;
+        return WindowOf(source, window);
     }
     if (std::abs(degrees) == 90) {
-        return BackgroundOnly(source, background);
+        return BackgroundOnly(source, background, window);
+    }
+    if (window) {
+        return SkewWindow(source, vertical, degrees, background, *window);
     }
     if (!vertical) {
         return SkewHorizontally(source, degrees, background);

@@ -3,6 +3,7 @@
 
 #include "picture/ForEachBand.h"
 #include "picture/PixelArray.h"
+#include "picture/engine/Window.h"
 #include "picture/engine/kernels/base/Rounding.h"
 #include "picture/engine/kernels/base/Sizes.h"
 #include "picture/engine/kernels/warp/RunKernels.h"
@@ -304,20 +305,30 @@ class RunWarper {
     SamplePattern evenPattern_; // of every pixel, where the map is affine
 };
 
-// The columns of a row that the map leaves where they are.
-inline void CopyUnmoved(const PixelArray& source, int y, ColumnSpan moved, std::uint8_t* to) {
-    std::memcpy(to, source.Row(y), static_cast<std::size_t>(moved.first) * 4);
-    std::memcpy(to + moved.end * 4, source.Row(y) + moved.end * 4,
-                static_cast<std::size_t>(source.Width() - moved.end) * 4);
+// The columns of a row that the map leaves where they are, from the window's left to its right.
+inline void CopyUnmoved(const PixelArray& source, int y, ColumnSpan moved, const Window& window,
+                        std::uint8_t* to) {
+    const auto copy = [&](int first, int end) {
+        if (first < end) {
+            std::memcpy(to + static_cast<std::ptrdiff_t>(first - window.left) * kComponents,
+                        source.Row(y) + static_cast<std::ptrdiff_t>(first) * kComponents,
+                        static_cast<std::size_t>(end - first) * kComponents);
+        }
+    };
+    copy(window.left, std::min(moved.first, window.Right()));
+    copy(std::max({moved.end, moved.first, window.left}), window.Right());
 }
 
 } // namespace warp
 
-// A picture of the same size; `background` is 0x00BBGGRR.
+// A picture of the source's size, or the window of it; `background` is 0x00BBGGRR.
 template <class Map>
-PixelArray Warp(const PixelArray& source, const Map& map, std::uint32_t background) {
-    PixelArray result = PixelArray::Like(source);
+PixelArray Warp(const PixelArray& source, const Map& map, std::uint32_t background,
+                const OptionalWindow& wanted = {}) {
+    const Window window = wanted.value_or(Window{0, 0, source.Width(), source.Height()});
+    PixelArray result = PixelArray::Like(source, window.width, window.height);
     std::uint8_t* const pixels = result.WritableRows();
+    const auto rowOf = [&](int y) { return pixels + (y - window.top) * result.Stride(); };
     const warp::RunWarper<Map> warper(source, map, background);
     const auto warpTile = [&](int left, int right, int top, int bottom) {
         for (int y = top; y < bottom; ++y) {
@@ -325,20 +336,22 @@ PixelArray Warp(const PixelArray& source, const Map& map, std::uint32_t backgrou
             const int first = std::max(left, moved.first);
             const int count = std::min(right, moved.end) - first;
             if (count > 0) {
-                warper.Make({first + 0.5, y + 0.5}, count, pixels + y * result.Stride() + first * 4);
+                warper.Make({first + 0.5, y + 0.5}, count,
+                            rowOf(y) + static_cast<std::ptrdiff_t>(first - window.left) * kComponents);
             }
         }
     };
     // The scale of other maps changes along a row, even of a small picture.
-    const int runLength = Map::kIsAffine ? kRunLength : std::clamp(result.Width() / 8, 32, kRunLength);
-    ForEachBand(result.Height(), 2 * result.RowBytes(), [&](int firstRow, int endRow) {
-        for (int top = firstRow; top < endRow; top += warp::kTileHeight) {
-            const int bottom = std::min(top + warp::kTileHeight, endRow);
-            for (int left = 0; left < result.Width(); left += runLength) {
-                warpTile(left, std::min(left + runLength, result.Width()), top, bottom);
+    const int runLength = Map::kIsAffine ? kRunLength : std::clamp(source.Width() / 8, 32, kRunLength);
+    ForEachBand(window.height, 2 * result.RowBytes(), [&](int firstRow, int endRow) {
+        const int end = window.top + endRow;
+        for (int top = window.top + firstRow; top < end; top += warp::kTileHeight) {
+            const int bottom = std::min(top + warp::kTileHeight, end);
+            for (int left = window.left; left < window.Right(); left += runLength) {
+                warpTile(left, std::min(left + runLength, window.Right()), top, bottom);
             }
             for (int y = top; y < bottom; ++y) {
-                warp::CopyUnmoved(source, y, map.Moved(y), pixels + y * result.Stride());
+                warp::CopyUnmoved(source, y, map.Moved(y), window, rowOf(y));
             }
         }
     });

@@ -68,13 +68,17 @@ struct RotationMap : CanvasMap {
 
     double cosine;
     double sine;
+    double shift; // of the turned picture, towards the top left
 
-    RotationMap(const PixelArray& source, double degrees)
-        : CanvasMap(source), cosine(std::cos(Radians(degrees))), sine(std::sin(Radians(degrees))) {}
+    RotationMap(const PixelArray& source, double degrees, double towardsTopLeft = 0)
+        : CanvasMap(source),
+          cosine(std::cos(Radians(degrees))),
+          sine(std::sin(Radians(degrees))),
+          shift(towardsTopLeft) {}
 
     WarpPoint Source(WarpPoint p) const {
-        const double x = p.x - centre.x;
-        const double y = p.y - centre.y;
+        const double x = p.x - centre.x + shift;
+        const double y = p.y - centre.y + shift;
         return {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
     }
 
@@ -90,9 +94,9 @@ struct PerspectiveMap : CanvasMap {
     double distanceCosine;
     double sine;
 
-    PerspectiveMap(const PixelArray& source, double degrees)
-        : CanvasMap(source),
-          distance(2.0 * std::max(source.Width(), source.Height())),
+    PerspectiveMap(int canvasWidth, int canvasHeight, double degrees)
+        : CanvasMap(canvasWidth, canvasHeight),
+          distance(2.0 * std::max(canvasWidth, canvasHeight)),
           distanceCosine(distance * std::cos(Radians(degrees))),
           sine(std::sin(Radians(degrees))) {}
 
@@ -176,14 +180,37 @@ struct TwirlMap : CanvasMap {
     }
 };
 
+// At right angles this is what moving pixels leaves, too: the sampler meets their centres.
+PixelArray RotateWindow(const PixelArray& source, double degrees, std::uint32_t background,
+                        const Window& window) {
+    const bool hasMiddle = (source.Width() - source.Height()) % 2 == 0;
+    const bool isQuarter = degrees == 90 || degrees == 270;
+    const double shift = isQuarter && !hasMiddle && source.Reduction() == 1 ? 0.5 : 0;
+    return Warp(source, RotationMap(source, degrees, shift), background, window);
+}
+
+PixelArray PerspectiveWindow(const PixelArray& source, bool vertical, double degrees,
+                             std::uint32_t background, const Window& window) {
+    if (vertical) {
+        return Warp(source, PerspectiveMap(source.Width(), source.Height(), degrees), background, window);
+    }
+    const PerspectiveMap turned(source.Height(), source.Width(), degrees);
+    return Warp(source, TurnedMap<PerspectiveMap>{turned, source.Width(), source.Height()}, background,
+                window);
+}
+
 } // namespace
 
-PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t background) {
+PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t background,
+                  const OptionalWindow& window) {
     RequireRange("the angle of rotation", degrees, -kManyTurns, kManyTurns);
     const double turn = std::fmod(degrees, 360.0);
     const double positive = turn < 0 ? turn + 360 : turn;
     if (positive == 0 || positive == 360) {
-        return source;
+        return WindowOf(source, window);
+    }
+    if (window) {
+        return RotateWindow(source, positive, background, *window);
     }
     if (positive == 180) {
         return MirrorLeftToRight(MirrorTopToBottom(source));
@@ -199,28 +226,32 @@ PixelArray Rotate(const PixelArray& source, double degrees, std::uint32_t backgr
     return Warp(source, RotationMap(source, positive), background);
 }
 
-PixelArray Perspective(const PixelArray& source, bool vertical, double degrees, std::uint32_t background) {
+PixelArray Perspective(const PixelArray& source, bool vertical, double degrees, std::uint32_t background,
+                       const OptionalWindow& window) {
     RequireRange("the angle of the perspective", degrees, -90, 90);
     if (degrees == 0) {
-        return source;
+        return WindowOf(source, window);
     }
     if (std::abs(degrees) == 90) {
-        return BackgroundOnly(source, background);
+        return BackgroundOnly(source, background, window);
     }
-    if (vertical) {
-        return Warp(source, PerspectiveMap(source, degrees), background);
+    if (window) {
+        return PerspectiveWindow(source, vertical, degrees, background, *window);
     }
+    const auto warped = [&](const PixelArray& whole) {
+        return Warp(whole, PerspectiveMap(whole.Width(), whole.Height(), degrees), background);
+    };
     // Turning twice costs little beside what mixing rows saves.
-    const PixelArray turned = QuarterTurnRight(source);
-    return QuarterTurnLeft(Warp(turned, PerspectiveMap(turned, degrees), background));
+    return vertical ? warped(source) : QuarterTurnLeft(warped(QuarterTurnRight(source)));
 }
 
-PixelArray Twirl(const PixelArray& source, double degrees, std::uint32_t background) {
+PixelArray Twirl(const PixelArray& source, double degrees, std::uint32_t background,
+                 const OptionalWindow& window) {
     RequireRange("the angle of the twirl", degrees, -kManyTurns, kManyTurns);
     if (degrees == 0) {
-        return source;
+        return WindowOf(source, window);
     }
-    return Warp(source, TwirlMap(source, degrees), background);
+    return Warp(source, TwirlMap(source, degrees), background, window);
 }
 
 } // namespace pictorel::engine

@@ -1,0 +1,77 @@
+// What the words of the command line ask for, see CommandLine.h.
+#include "app/CommandLine.h"
+
+#include "editor/SaveFormats.h"
+#include "platform/Texts.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace pictorel {
+namespace {
+
+const QString kEndOfOptions = QStringLiteral("--");
+
+constexpr std::string_view kHelp =
+    R"(Usage: pictorel [FILE]
+Edits photos, one at a time, with sliders that preview live.
+
+  FILE           the picture to open; without it the editor waits for Open
+  homepage       opens the home page in the browser and ends
+  -h, --help     prints this and ends
+  -v, --version  prints the version and ends
+)";
+
+bool EndsAsPictures(const QString& word) {
+    const QString pattern = QStringLiteral("*.") + QFileInfo(word).suffix().toLower();
+    const auto has = [&](std::string_view patterns) {
+        return FromView(patterns).split(u';').contains(pattern);
+    };
+    const std::size_t begin = kOpenFilter.find('|') + 1;
+    return has(kOpenFilter.substr(begin, kOpenFilter.find('|', begin) - begin)) || has(kModernPatterns);
+}
+
+bool NamesAFile(const QString& word) {
+    return !word.startsWith(u'-') && (word.contains(u'/') || EndsAsPictures(word) || QFileInfo::exists(word));
+}
+
+QString PathOf(const QString& word) {
+    const QUrl address(word);
+    return QFileInfo(address.isLocalFile() ? address.toLocalFile() : word).absoluteFilePath();
+}
+
+} // namespace
+
+CommandLine ReadCommandLine(const QStringList& words) {
+    CommandLine commandLine{words.join(u' '), {}};
+    bool optionsEnded = false;
+    for (const QString& word : words) {
+        if (!optionsEnded && word == kEndOfOptions) {
+            optionsEnded = true;
+        } else if (!word.isEmpty() && (optionsEnded || NamesAFile(word))) {
+            commandLine.files.append(PathOf(word));
+        }
+    }
+    return commandLine;
+}
+
+std::optional<QString> PrintedAnswer(const QStringList& words, const QString& version) {
+    for (const QString& word : words) {
+        if (word == kEndOfOptions) {
+            break;
+        }
+        if (word == QStringLiteral("--help") || word == QStringLiteral("-h")) {
+            return FromView(kHelp);
+        }
+        if (word == QStringLiteral("--version") || word == QStringLiteral("-v")) {
+            const QStringList lines{QStringLiteral("Pictorel ") + version,
+                                    QStringLiteral("Qt ") + QString::fromLatin1(qVersion())};
+            return lines.join(u'\n') + u'\n';
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace pictorel

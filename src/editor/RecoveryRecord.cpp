@@ -1,0 +1,73 @@
+// The lines of a recovery record, see RecoveryRecord.h.
+#include "editor/RecoveryRecord.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace pictorel {
+namespace {
+
+constexpr QLatin1String kName("name");
+constexpr QLatin1String kOpenFolder("openFolder");
+constexpr QLatin1String kSaveFolder("saveFolder");
+constexpr QLatin1String kCaption("caption");
+constexpr QLatin1String kFile("file");
+constexpr QLatin1String kActive("active");
+constexpr qsizetype kLongestText = 4096; // of a caption or a path
+constexpr qsizetype kLongestRecord = 1 << 20;
+
+QByteArray Line(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+QString TextOf(const QJsonObject& object, QLatin1String key) {
+    return object.value(key).toString().left(kLongestText);
+}
+
+bool IsPlainFileName(const QString& name) {
+    return !name.isEmpty() && !name.contains(u'/') && !name.contains(QChar(u'\0')) && !name.startsWith(u'.');
+}
+
+} // namespace
+
+QByteArray RecoveryRecord::Written() const {
+    QByteArray bytes =
+        Line({{kName, pictureName}, {kOpenFolder, openDialogFolder}, {kSaveFolder, saveDialogFolder}});
+    for (std::size_t row = 0; row < states.size(); ++row) {
+        if (states[row].restorable) {
+            bytes += Line({{kCaption, states[row].caption},
+                           {kFile, states[row].imageFile},
+                           {kActive, static_cast<int>(row) == active}});
+        }
+    }
+    return bytes;
+}
+
+std::optional<RecoveryRecord> RecoveryRecord::Read(const QByteArray& bytes) {
+    RecoveryRecord record;
+    for (const QByteArray& line : bytes.left(kLongestRecord).split('\n')) {
+        const QJsonObject object = QJsonDocument::fromJson(line).object();
+        const QString file = TextOf(object, kFile);
+        if (object.contains(kName)) {
+            record.pictureName = TextOf(object, kName);
+            record.openDialogFolder = TextOf(object, kOpenFolder);
+            record.saveDialogFolder = TextOf(object, kSaveFolder);
+        } else if (IsPlainFileName(file) && record.states.size() < History::kMost) {
+            if (object.value(kActive).toBool()) {
+                record.active = static_cast<int>(record.states.size());
+            }
+            record.states.push_back({TextOf(object, kCaption), file});
+        }
+    }
+    if (record.states.empty()) {
+        return std::nullopt;
+    }
+    if (record.active < 0) { // its line was damaged
+        record.active = static_cast<int>(record.states.size()) - 1;
+    }
+    return record;
+}
+
+} // namespace pictorel
