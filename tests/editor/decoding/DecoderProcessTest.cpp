@@ -2,6 +2,7 @@
 // program does.
 #include "editor/TemporaryFolder.h"
 #include "editor/decoding/DecoderProcess.h"
+#include "editor/decoding/WallsText.h"
 #include "picture/ImagingError.h"
 #include "picture/MadeDetails.h"
 #include "picture/metafile/Records.h"
@@ -385,6 +386,17 @@ TEST_F(DecoderProcessTest, APictureThatTheMachineHasNoRoomForIsRefusedWithItsSiz
     ::setrlimit(RLIMIT_AS, &before);
     EXPECT_NE(text.find("6000 x 4000 pixels need 240 MB, and 15"), std::string::npos) << text;
     EXPECT_TRUE(decoder.Decode(name));
+}
+
+TEST_F(DecoderProcessTest, TellsPeopleItsWalls) {
+    EXPECT_EQ(WallsText(DecoderProcess::WallReport{{"system calls", "memory"}, {"network"}}),
+              "Decoder walled off by: system calls, memory\nNot on this machine: network\n");
+    EXPECT_EQ(WallsText(DecoderProcess::WallReport{{"memory"}, {}}), "Decoder walled off by: memory\n");
+    EXPECT_EQ(WallsText(folder_.Path("missing")),
+              "Decoder: does not start; only JPEG and PNG files can be opened\n");
+    const std::string here = WallsText(kProgram);
+    EXPECT_TRUE(here.starts_with("Decoder walled off by: system calls")) << here;
+    EXPECT_TRUE(Children().empty());
 }
 
 TEST_F(DecoderProcessTest, TellsItsWalls) {
