@@ -18,6 +18,7 @@ void EditorDisplay::PictureChanged(PictureSlot slot) {
     parts_.view.SetRedraw(false);
     parts_.view.Show(editor_.Document.WorkingPicture(slot));
     parts_.view.SetRedraw(true);
+    ShowSize(slot);
 }
 
 void EditorDisplay::SizeChanged(PictureSlot slot) {
@@ -26,8 +27,9 @@ void EditorDisplay::SizeChanged(PictureSlot slot) {
 }
 
 void EditorDisplay::ShowSize(PictureSlot slot) {
-    parts_.lbl_ImageInfo.SetCaption(
-        ImageInfoText(editor_.Document.ImageWidth(slot), editor_.Document.ImageHeight(slot)));
+    const QString damage = DamageText(editor_.Document.WorkingPicture(slot).PartShown());
+    const QString size = ImageInfoText(editor_.Document.ImageWidth(slot), editor_.Document.ImageHeight(slot));
+    parts_.lbl_ImageInfo.SetCaption(damage.isEmpty() ? size : size + QStringLiteral("  ") + damage);
     parts_.lbl_ImageInfo.RepaintNow();
 }
 

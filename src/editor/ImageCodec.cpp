@@ -59,10 +59,10 @@ bool ImageCodec::Read(const std::string& fileName, PixelArray& picture) {
     try {
         return ReadAny(fileName, picture);
     } catch (const ImagingError& error) {
-        if (error.Kind() == ImagingFailure::OutOfMemory || error.Kind() == ImagingFailure::FileAccess) {
-            throw;
+        if (error.Kind() == ImagingFailure::UnsupportedFormat) {
+            return false;
         }
-        return false;
+        throw;
     } catch (const std::bad_alloc&) {
         TrimBufferPool();
         throw ImagingError(ImagingFailure::OutOfMemory, "There is not enough memory for this picture.");

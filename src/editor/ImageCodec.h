@@ -26,8 +26,9 @@ class ImageCodec {
                std::shared_ptr<PictureDecoder> decoder = nullptr);
 
     // Decides by content, never by extension. False, with `picture` empty, when the file cannot be opened or
-    // is no picture that this editor reads. Throws ImagingError where it is one but cannot be had
-    // (OutOfMemory), and where only the decoder could tell and does not run (FileAccess).
+    // is no picture that this editor reads. Throws ImagingError where it is one but cannot be had (TooLarge,
+    // OutOfMemory), and where only the decoder could tell and does not run (FileAccess). What is had of a
+    // damaged one says so by its PartShown().
     bool Read(const std::string& fileName, PixelArray& picture);
 
     // The writer is named by the format's extension, any letter case. The save is atomic: whatever happens

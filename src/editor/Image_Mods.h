@@ -46,16 +46,17 @@ class SlotTable {
 };
 
 struct Image_Mods {
-    PixelArray ImagePixels;                    // the last committed picture: every operation starts from it
-    PixelArray PreviewPixels;                  // the reduced copy that slider previews start from
-    SlotTable<PixelArray> WorkingPicture;      // what is on the screen and what is saved
-    SlotTable<std::int16_t> ImageWidth;        // pixels
-    SlotTable<std::int16_t> ImageHeight;       // pixels
-    SlotTable<bool> ImageModified;             // changed since it was opened, scanned or saved
-    QString OpenDialogFolder;                  // where the dialogs begin: a folder, or the file chosen last
-    QString SaveDialogFolder;                  //
-    QString PictureName;                       // the open picture's file without its folder, or "Scan"
-    QString PictureFolder;                     // where that file lies; empty for what is no file
+    PixelArray ImagePixels;               // the last committed picture: every operation starts from it
+    PixelArray PreviewPixels;             // the reduced copy that slider previews start from
+    SlotTable<PixelArray> WorkingPicture; // what is on the screen and what is saved
+    SlotTable<std::int16_t> ImageWidth;   // pixels
+    SlotTable<std::int16_t> ImageHeight;  // pixels
+    SlotTable<bool> ImageModified;        // changed since it was opened, scanned or saved
+    QString OpenDialogFolder;             // where the dialogs begin: a folder, or the file chosen last
+    QString SaveDialogFolder;             //
+    QString PictureName;                  // the open picture's file without its folder, or "Scan"
+    QString PictureFolder;                // where that file lies; empty for what is no file
+    QString DamagedOriginal;              // the opened file, if only a part of its picture could be shown
     ColourValue BackgroundColour = 0x00FFFFFF; // of area that geometry exposes in an opaque picture
     bool LivePreviewMode = true;               // False only while a slider's commit runs its operation
     bool PreviewOutdated = false;              // the reduced copy does not show what the view shows

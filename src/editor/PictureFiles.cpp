@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cmath>
 
 namespace pictorel {
 namespace {
@@ -38,6 +39,18 @@ QString ImageInfoText(int width, int height) {
     return QStringLiteral("(W x H) : %1 x %2").arg(width).arg(height);
 }
 
+QString DamageText(double partShown) {
+    constexpr double kPercent = 100;
+    if (partShown >= 1) {
+        return {};
+    }
+    if (partShown == PixelArray::kUnknownPart) {
+        return QStringLiteral("damaged: shown in part");
+    }
+    const int percent = std::clamp(static_cast<int>(std::floor(partShown * kPercent)), 1, 99);
+    return QStringLiteral("damaged: %1 % shown").arg(percent);
+}
+
 QString PixelSizeText(int width, int height) {
     return QStringLiteral("%1 x %2 pixels").arg(width).arg(height);
 }
@@ -49,12 +62,21 @@ void PictureFiles::ShowError(const QString& text) {
     messages_.Show(text, QStringLiteral("Error"), MessageIcon::Critical);
 }
 
+// What a person can do something about stands below the text for all that cannot be opened.
+void PictureFiles::ShowRefusal(const std::string& reason) {
+    QString text = QStringLiteral("Unsupported file format!");
+    if (!reason.empty()) {
+        text += QStringLiteral("\n\n") + QString::fromStdString(reason);
+    }
+    ShowError(text);
+}
+
 bool PictureFiles::LoadImageFile(PictureSlot slot, const QString& fileName) {
     try {
         PixelArray pixels;
         const bool isPicture = document_.ImageCodec->Read(fileName.toStdString(), pixels);
         if (!isPicture || pixels.Width() < kSmallestSide || pixels.Height() < kSmallestSide) {
-            ShowError(QStringLiteral("Unsupported file format!"));
+            ShowRefusal({});
             return false;
         }
         const std::int16_t width = ToInt16(static_cast<std::int64_t>(pixels.Width()));
@@ -70,6 +92,10 @@ bool PictureFiles::LoadImageFile(PictureSlot slot, const QString& fileName) {
         }
         document_.ImagePixels = pixels;
         return true;
+    } catch (const ImagingError& error) {
+        error.Kind() == ImagingFailure::TooLarge ? ShowRefusal(error.what())
+                                                 : ShowError(QString::fromUtf8(error.what()));
+        return false;
     } catch (const std::exception& error) {
         ShowError(QString::fromUtf8(error.what()));
         return false;
@@ -82,8 +108,23 @@ bool PictureFiles::OpenImageFile(PictureSlot slot, const QString& fileName) {
     if (loaded) {
         document_.PictureName = QFileInfo(fileName).fileName();
         document_.PictureFolder = QFileInfo(fileName).absolutePath();
+        const bool isDamaged = document_.WorkingPicture(slot).PartShown() < 1;
+        document_.DamagedOriginal = isDamaged ? fileName : QString();
     }
     return loaded;
+}
+
+// Whatever is still in a damaged file, other programs may get more out of it.
+bool PictureFiles::MayReplace(const QString& fileName) {
+    const QString& damaged = document_.DamagedOriginal;
+    const bool isDamaged =
+        !damaged.isEmpty() && QFileInfo::exists(damaged) && QFileInfo(damaged) == QFileInfo(fileName);
+    return !isDamaged ||
+           messages_.AskYesNoCancel(
+               QFileInfo(fileName).fileName() +
+                   QStringLiteral(" is damaged, and only a part of it could be opened. Saving replaces what "
+                                  "other programs may still get out of it.\n\nReplace it?"),
+               QStringLiteral("Save")) == MessageAnswer::Yes;
 }
 
 bool PictureFiles::SaveImageFile(PictureSlot slot, const QString& fileName, const QString& formatText) {
@@ -101,11 +142,18 @@ bool PictureFiles::SaveImageFile(PictureSlot slot, const QString& fileName, cons
 }
 
 bool PictureFiles::SaveImageFileAs(PictureSlot slot, const QString& fileName) {
+    if (!MayReplace(fileName)) {
+        document_.SaveDialogFolder = fileName;
+        return false;
+    }
     const QString extension = document_.FileSystem.ExtensionOf(fileName);
     const std::string_view format = SaveFormatFor(extension.toStdString());
     const bool saved = SaveImageFile(slot, fileName, format.empty() ? extension : FromView(format));
     document_.SaveDialogFolder = fileName;
     if (saved) {
+        if (QFileInfo(document_.DamagedOriginal) == QFileInfo(fileName)) {
+            document_.DamagedOriginal.clear();
+        }
         document_.PictureName = QFileInfo(fileName).fileName();
         document_.PictureFolder = QFileInfo(fileName).absolutePath();
     }

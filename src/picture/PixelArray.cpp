@@ -34,9 +34,11 @@ void CheckPictureSize(std::int64_t width, std::int64_t height) {
         throw ImagingError(ImagingFailure::UnsupportedFormat, "The picture has no pixels.");
     }
     if (width > kMaximumSide || height > kMaximumSide || width * height > kMaximumPixels) {
-        throw ImagingError(ImagingFailure::TooLarge, "A picture of " + std::to_string(width) + " x " +
-                                                         std::to_string(height) +
-                                                         " pixels is larger than this editor can open.");
+        throw ImagingError(
+            ImagingFailure::TooLarge,
+            "A picture of " + std::to_string(width) + " x " + std::to_string(height) +
+                " pixels is larger than this editor can open: " + std::to_string(kMaximumSide) +
+                " pixels a side and a thousand million in all.");
     }
 }
 

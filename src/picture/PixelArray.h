@@ -77,8 +77,9 @@ class PixelArray {
         return inPicture_.longerSide != 0 ? inPicture_.longerSide : std::max(width_, height_) / reduction_;
     }
 
-    // How much of the picture its file held, above 0; less than 1 where that was damaged. Not handed on by
-    // Like: what an operation makes is whole.
+    // How much of the picture its file held: 1 for all of it, less where that was damaged, kUnknownPart where
+    // it was and nobody can tell how much. Not handed on by Like: what an operation makes is whole.
+    static constexpr double kUnknownPart = 0;
     double PartShown() const noexcept { return partShown_; }
     void SetPartShown(double part) noexcept { partShown_ = part; }
 

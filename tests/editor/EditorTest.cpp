@@ -9,6 +9,7 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 
 namespace pictorel::test {
@@ -64,6 +65,51 @@ TEST_F(EditorTest, ATemporaryFolderTooDeepKeepsTheHistoryAndLeavesTheCurrentFold
     }
     EXPECT_EQ(current.Names().size(), 1U);
     QDir::setCurrent(before);
+}
+
+TEST_F(EditorTest, ADamagedPictureSaysSoUntilTheNextEdit) {
+    const QString file = MakeFile("damaged.bmp", picture_);
+    std::filesystem::resize_file(file.toStdString(), 54 + 60 * 3 * 10); // ten rows of forty
+    ASSERT_TRUE(Open(file));
+    EXPECT_EQ(DamageText(Shown().PartShown()), "damaged: 25 % shown");
+    ASSERT_TRUE(Commit(Operation::Invert));
+    EXPECT_EQ(DamageText(Shown().PartShown()), "");
+    ASSERT_TRUE(Open(QString::fromStdString(folder.Path("first.png"))));
+    EXPECT_EQ(DamageText(Shown().PartShown()), "");
+}
+
+TEST_F(EditorTest, SavingOverADamagedOriginalAsks) {
+    const QString file = MakeFile("damaged.bmp", picture_);
+    std::filesystem::resize_file(file.toStdString(), 54 + 60 * 3 * 10);
+    const std::string damaged = ContentOf(file.toStdString());
+    ASSERT_TRUE(Open(file));
+    ASSERT_TRUE(Commit(Operation::Invert));
+    for (const MessageAnswer answer : {MessageAnswer::Cancel, MessageAnswer::No}) {
+        messages.answer = answer;
+        EXPECT_FALSE(editor.Files.SaveImageFileAs(kSlot, file));
+        EXPECT_NE(messages.texts.back().find("damaged.bmp is damaged"), std::string::npos);
+    }
+    EXPECT_EQ(ContentOf(file.toStdString()), damaged);
+    const std::size_t asked = messages.texts.size();
+    EXPECT_TRUE(editor.Files.SaveImageFileAs(kSlot, QString::fromStdString(folder.Path("other.bmp"))));
+    EXPECT_EQ(messages.texts.size(), asked) << "elsewhere nothing is lost";
+    messages.answer = MessageAnswer::Yes;
+    EXPECT_TRUE(editor.Files.SaveImageFileAs(kSlot, file));
+    EXPECT_EQ(messages.texts.size(), asked + 1);
+    EXPECT_TRUE(editor.Files.SaveImageFileAs(kSlot, file));
+    EXPECT_EQ(messages.texts.size(), asked + 1) << "it is whole now";
+}
+
+TEST_F(EditorTest, APictureBeyondTheLimitsIsToldItsSizeAndTheLimit) {
+    PixelArray line = Random({30000, 2});
+    std::string bytes = ContentOf(MakeFile("line.bmp", line).toStdString());
+    bytes.replace(18, 4, std::string("\xFF\xFF\0\0", 4)); // wide
+    bytes.replace(22, 4, std::string("\1\0\0\0", 4));
+    EXPECT_FALSE(Open(QString::fromStdString(folder.Make("vast.bmp", bytes))));
+    EXPECT_EQ(
+        messages.texts.back(),
+        "Unsupported file format!\n\nA picture of 65535 x 1 pixels is larger than this editor can open: "
+        "32767 pixels a side and a thousand million in all.");
 }
 
 TEST_F(EditorTest, AnEditIsAppliedRecordedAndMarked) {

@@ -17,9 +17,10 @@ class NotedMessages : public Messages {
     }
     MessageAnswer AskYesNoCancel(const QString& text, const QString& /*title*/) override {
         texts.push_back(text.toStdString());
-        return MessageAnswer::Cancel;
+        return answer;
     }
 
+    MessageAnswer answer = MessageAnswer::Cancel; // to the next questions
     std::vector<std::string> texts;
 };
 

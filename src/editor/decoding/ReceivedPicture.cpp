@@ -95,7 +95,7 @@ PixelArray AnswerMemory::Take(const decoder::Answer& answer) {
         Holds(answer.pixels) && Holds(answer.exif) && Holds(answer.icc) && Holds(answer.xmp);
     if (!holdsAll || answer.pixels.bytes != RowsBytes(answer) ||
         answer.pixels.offset % decoder::kPixelAlignment != 0 || !IsResolution(answer.dotsPerInchX) ||
-        !IsResolution(answer.dotsPerInchY)) {
+        !IsResolution(answer.dotsPerInchY) || !(answer.partShown >= 0 && answer.partShown <= 1)) {
         ThrowRefused();
     }
     Seal(answer);
@@ -108,6 +108,7 @@ PixelArray AnswerMemory::Take(const decoder::Answer& answer) {
     PixelArray picture = Rows(answer);
     picture.SetHasAlpha(answer.hasAlpha != 0);
     picture.SetDetails(std::move(details));
+    picture.SetPartShown(answer.partShown);
     return picture;
 }
 

@@ -38,8 +38,9 @@ struct Codec {
     bool (*sniff)(ByteView file) noexcept;
 
     // The picture in the whole file: upright, 8-bit sRGB, metadata attached. Checks the limits right after
-    // the header. A file with a damaged tail gives what could be decoded, the rest white. Throws
-    // ImagingError(UnsupportedFormat, TooLarge, OutOfMemory).
+    // the header. A damaged file gives what could be decoded, the rest white, and PartShown() tells how much
+    // that is; one of which less than a row can be had is refused. Throws ImagingError(UnsupportedFormat,
+    // TooLarge, OutOfMemory).
     PixelArray (*read)(ByteView file, const ReadOptions& options);
 
     // The whole file. Transparency is laid over white where the format has none. Throws ImagingError. Null

@@ -273,6 +273,7 @@ PixelArray ApplyOrientation(PixelArray picture, int orientation) {
     const int width = walk.turned ? picture.Height() : picture.Width();
     const int height = walk.turned ? picture.Width() : picture.Height();
     PixelArray result = PixelArray::Like(picture, width, height);
+    result.SetPartShown(picture.PartShown());
     if (walk.turned) {
         Metadata details = picture.Details();
         std::swap(details.dotsPerInchX, details.dotsPerInchY);

@@ -57,6 +57,20 @@ bool IsPlausibleSize(std::int64_t width, std::int64_t height, std::size_t fileBy
     }
 }
 
+void NotePixelsShown(PixelArray& picture, double pixels) {
+    const double all = static_cast<double>(picture.Width()) * picture.Height();
+    if (pixels <= 0 || (picture.Height() > 1 && pixels < picture.Width())) {
+        Refuse("The file is damaged or ends before its first row of pixels.");
+    }
+    picture.SetPartShown(std::min(pixels / all, 1.0));
+}
+
+double PixelsInRows(std::size_t bytes, std::size_t rowBytes, int bitsPerPixel, int width) noexcept {
+    const std::size_t ofLast = bytes % rowBytes * 8 / static_cast<std::size_t>(bitsPerPixel);
+    return static_cast<double>(bytes / rowBytes) * width +
+           static_cast<double>(std::min(ofLast, static_cast<std::size_t>(width)));
+}
+
 void FillWhite(PixelArray& picture, int firstRow, int endRow) {
     std::uint8_t* const rows = picture.WritableRows();
     const std::ptrdiff_t stride = picture.Stride();

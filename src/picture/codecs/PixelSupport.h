@@ -22,6 +22,13 @@ bool IsPlausibleSize(std::int64_t width, std::int64_t height, std::size_t fileBy
 // Throws ImagingError(UnsupportedFormat) with the text.
 [[noreturn]] void Refuse(const char* text);
 
+// Notes in PartShown() how many pixels of the picture the file gave. Refuses where they are less than a row
+// of several, or none: nothing true could be shown.
+void NotePixelsShown(PixelArray& picture, double pixels);
+
+// The pixels that so many bytes of rows hold; the padding of the last one may be missing.
+double PixelsInRows(std::size_t bytes, std::size_t rowBytes, int bitsPerPixel, int width) noexcept;
+
 // Opaque white in rows firstRow <= y < endRow.
 void FillWhite(PixelArray& picture, int firstRow, int endRow);
 

@@ -103,6 +103,7 @@ Answer Decoded(const PixelArray& picture, SharedMemory& memory) {
     answer.xmp = memory.Place(details.xmp, kDetailAlignment);
     answer.dotsPerInchX = details.dotsPerInchX;
     answer.dotsPerInchY = details.dotsPerInchY;
+    answer.partShown = picture.PartShown();
     return answer;
 }
 

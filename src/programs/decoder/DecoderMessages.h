@@ -12,7 +12,7 @@ inline constexpr int kSocket = 3; // the descriptor under which the program find
 // The program's argument where it is to load the fonts of the machine, for drawings with text.
 inline constexpr const char* kWithFonts = "--with-fonts";
 
-inline constexpr std::uint32_t kMark = 0x50445232; // opens every message; goes up with any change below
+inline constexpr std::uint32_t kMark = 0x50445233; // opens every message; goes up with any change below
 
 // Pixels begin on such a border in the shared memory, so that large pages can hold them.
 inline constexpr std::int64_t kPixelAlignment = std::int64_t{2} << 20;
@@ -62,6 +62,7 @@ struct Answer {
     Part xmp;
     double dotsPerInchX = 0;
     double dotsPerInchY = 0;
+    double partShown = 1;         // PixelArray::PartShown()
     std::array<char, 256> text{}; // ends in a zero
 };
 

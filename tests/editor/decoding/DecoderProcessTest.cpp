@@ -2,6 +2,7 @@
 // program does.
 #include "editor/TemporaryFolder.h"
 #include "editor/decoding/DecoderProcess.h"
+#include "editor/decoding/WallsText.h"
 #include "picture/ImagingError.h"
 #include "picture/MadeDetails.h"
 #include "picture/metafile/Records.h"
@@ -65,6 +66,9 @@ std::optional<PixelArray> Through(DecoderProcess& decoder, const std::string& fi
 ::testing::AssertionResult SamePicture(const PixelArray& a, const PixelArray& b) {
     if (a.HasAlpha() != b.HasAlpha() || a.Reduction() != b.Reduction()) {
         return ::testing::AssertionFailure() << "other flags";
+    }
+    if (a.PartShown() != b.PartShown()) {
+        return ::testing::AssertionFailure() << "other parts are said to be shown";
     }
     if (a.Details() != b.Details()) {
         return ::testing::AssertionFailure() << "other metadata";
@@ -207,11 +211,26 @@ TEST_F(DecoderProcessTest, LargePicturesStayValuesAfterTheProgramHasGone) {
 
 TEST_F(DecoderProcessTest, WhateverTheProgramSaysCostsOnePictureAtMost) {
     const std::string picture = Save(Random({20, 10}), "BMP");
-    for (const char* const manner :
-         {"dies", "leaves", "too-short", "too-long", "other-mark", "other-outcome", "always-fonts",
-          "no-pixels", "vast", "negative", "fewer-bytes", "behind-the-end", "before-the-beginning",
-          "beside-a-page", "endless-details", "details-of-negative-length", "no-resolution",
-          "shrinks-the-memory", "seals-the-memory"}) {
+    for (const char* const manner : {"dies",
+                                     "leaves",
+                                     "too-short",
+                                     "too-long",
+                                     "other-mark",
+                                     "other-outcome",
+                                     "always-fonts",
+                                     "no-pixels",
+                                     "vast",
+                                     "negative",
+                                     "fewer-bytes",
+                                     "behind-the-end",
+                                     "before-the-beginning",
+                                     "beside-a-page",
+                                     "more-than-all-shown",
+                                     "endless-details",
+                                     "details-of-negative-length",
+                                     "no-resolution",
+                                     "shrinks-the-memory",
+                                     "seals-the-memory"}) {
         DecoderProcess decoder(FalseDecoder(manner));
         for (int i = 0; i < 2; ++i) { // the program for the second is another
             EXPECT_THROW(decoder.Decode(picture), ImagingError) << manner;
@@ -367,6 +386,17 @@ TEST_F(DecoderProcessTest, APictureThatTheMachineHasNoRoomForIsRefusedWithItsSiz
     ::setrlimit(RLIMIT_AS, &before);
     EXPECT_NE(text.find("6000 x 4000 pixels need 240 MB, and 15"), std::string::npos) << text;
     EXPECT_TRUE(decoder.Decode(name));
+}
+
+TEST_F(DecoderProcessTest, TellsPeopleItsWalls) {
+    EXPECT_EQ(WallsText(DecoderProcess::WallReport{{"system calls", "memory"}, {"network"}}),
+              "Decoder walled off by: system calls, memory\nNot on this machine: network\n");
+    EXPECT_EQ(WallsText(DecoderProcess::WallReport{{"memory"}, {}}), "Decoder walled off by: memory\n");
+    EXPECT_EQ(WallsText(folder_.Path("missing")),
+              "Decoder: does not start; only JPEG and PNG files can be opened\n");
+    const std::string here = WallsText(kProgram);
+    EXPECT_TRUE(here.starts_with("Decoder walled off by: system calls")) << here;
+    EXPECT_TRUE(Children().empty());
 }
 
 TEST_F(DecoderProcessTest, TellsItsWalls) {

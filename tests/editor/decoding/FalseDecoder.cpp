@@ -144,6 +144,12 @@ constexpr std::array kManners{
                answer.dotsPerInchX = std::nan("");
                Say(answer);
            }},
+    Manner{"more-than-all-shown",
+           [](int) {
+               Answer answer = Good();
+               answer.partShown = 1.5;
+               Say(answer);
+           }},
     Manner{"shrinks-the-memory",
            [](int memory) {
                ::ftruncate(memory, 4096);

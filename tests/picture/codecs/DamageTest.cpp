@@ -1,5 +1,6 @@
 // Every format: pictures come through a file, and no damage to a file does worse than an error.
 #include "PictureSupport.h"
+#include "picture/codecs/Exif.h"
 
 #include <sys/resource.h>
 
@@ -86,6 +87,32 @@ TEST(Formats, SurviveBeingCutShort) {
             ExpectSurvives(Beginning(file, length));
         }
     }
+}
+
+// The part shown grows with what the file holds, and nothing true is less than a row.
+TEST(Formats, TellHowMuchOfACutFileIsShown) {
+    for (const Format& format : kFormats) {
+        if (format.extension == "TIF") {
+            continue; // what is cut off is what says where the pixels are
+        }
+        const ByteBuffer file = Write(format.extension, MakePicture(300, 200, false, 200));
+        EXPECT_EQ(Read(file).PartShown(), 1) << format.extension;
+        double before = 0;
+        for (const double share : {0.2, 0.5, 0.8}) {
+            const auto length = static_cast<std::size_t>(share * static_cast<double>(file.size()));
+            const double part = Read(Beginning(file, length)).PartShown();
+            EXPECT_NEAR(part, share, 0.15) << format.extension;
+            EXPECT_GT(part, before) << format.extension;
+            before = part;
+        }
+    }
+}
+
+TEST(Formats, KeepThePartShownThroughTurning) {
+    PixelArray picture = MakePicture(30, 20);
+    picture.SetPartShown(0.5);
+    EXPECT_EQ(ApplyOrientation(picture, 6).PartShown(), 0.5);
+    EXPECT_EQ(PixelArray::Like(picture).PartShown(), 1) << "what operations make is whole";
 }
 
 class Damager {

@@ -160,12 +160,10 @@ TEST(Gif, DecodesCodesHoweverTheyCome) {
             {"ends early",
              {.data = Codes(2, {{4, 3}, {0, 3}, {1, 3}, {2, 3}, {5, 4}})},
              "FF0000 00FF00/0000FF FFFFFF"},
-            {"ends in the first row",
-             {.data = Codes(2, {{4, 3}, {0, 3}, {5, 3}})},
-             "FF0000 FFFFFF/FFFFFF FFFFFF"},
+            {"ends in the first row", {.data = Codes(2, {{4, 3}, {0, 3}, {5, 3}})}, kUnsupported},
             {"a code that cannot come",
-             {.data = Codes(2, {{4, 3}, {0, 3}, {7, 3}, {1, 3}})},
-             "FF0000 FFFFFF/FFFFFF FFFFFF"},
+             {.data = Codes(2, {{4, 3}, {0, 3}, {1, 3}, {2, 3}, {12, 4}, {1, 4}})},
+             "FF0000 00FF00/0000FF FFFFFF"},
             {"data goes on behind the frame",
              {.data = Plain({0, 1, 2, 3, 3, 3})},
              "FF0000 00FF00/0000FF FFFFFF"},
@@ -178,7 +176,7 @@ TEST(Gif, DecodesCodesHoweverTheyCome) {
             {"code size 0", {.data = Codes(0, {{0, 1}, {0, 1}})}, kUnsupported},
             {"code size 12", {.data = Codes(12, {{0, 13}})}, kUnsupported},
             {"no codes", {.data = {2, 0}}, kUnsupported},
-            {"block longer than the file", {.data = {2, 200, 0x44}}, "FF0000 FFFFFF/FFFFFF FFFFFF"},
+            {"block longer than the file", {.data = {2, 200, 0x44, 0x0A}}, "FF0000 00FF00/FFFFFF FFFFFF"},
         });
 }
 

@@ -24,6 +24,7 @@ struct Recipe {
     int tile = 0; // side; 0: one tile
     OPJ_PROG_ORDER order = OPJ_LRCP;
     int resolutions = 1;
+    bool isInParts = false; // each resolution in a tile part of its own
     std::vector<Component> components;
 };
 
@@ -59,6 +60,8 @@ ByteBuffer MakeCodestream(const Recipe& r) {
     parameters.prog_order = r.order;
     parameters.tile_size_on = r.tile > 0 ? OPJ_TRUE : OPJ_FALSE;
     parameters.cp_tdx = parameters.cp_tdy = r.tile;
+    parameters.tp_on = r.isInParts ? 1 : 0;
+    parameters.tp_flag = 'R';
     J2kSink sink;
     J2kByteStream stream = MakeWriteStream(sink);
     const J2kCodec codec(opj_create_compress(OPJ_CODEC_J2K));
@@ -205,6 +208,44 @@ TEST(J2k, ShowsTheCoarserStepsOfAFileCutShort) {
             if (!isByComponent) { // else it is cut before blue
                 EXPECT_NEAR(pixel[0], 2 * at, 16) << order;
             }
+        }
+    }
+}
+
+// In parts by their fineness, of which a file may hold some only, with or without a marker at its end.
+TEST(J2k, ShowsATileOfWhichPartsAreMissing) {
+    constexpr int kSide = 128;
+    std::vector<Component> slopes(3);
+    for (int i = 0; i < kSide * kSide; ++i) {
+        slopes[0].samples.push_back(2 * (i % kSide));
+        slopes[1].samples.push_back(2 * (i / kSide));
+        slopes[2].samples.push_back(i * 7 % 256);
+    }
+    const ByteBuffer file = MakeCodestream({.width = kSide,
+                                            .height = kSide,
+                                            .order = OPJ_RLCP,
+                                            .resolutions = 4,
+                                            .isInParts = true,
+                                            .components = slopes});
+    EXPECT_EQ(Read(file).PartShown(), 1);
+    const auto partAt = [&](std::size_t from) {
+        constexpr std::uint8_t kTilePart[] = {0xFF, 0x90, 0, 10};
+        return static_cast<std::size_t>(std::search(file.begin() + static_cast<std::ptrdiff_t>(from),
+                                                    file.end(), kTilePart, kTilePart + 4) -
+                                        file.begin());
+    };
+    std::size_t end = partAt(0);
+    for (int parts = 1; parts < 4; ++parts) {
+        end = partAt(end + 1);
+        ASSERT_LT(end, file.size());
+        ByteBuffer cut(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(end));
+        for (const bool hasEnd : {false, true}) {
+            const PixelArray picture = Read(cut);
+            EXPECT_EQ(picture.PartShown(), parts / 4.0) << hasEnd;
+            for (int at = 16; at < kSide - 16; at += 5) {
+                EXPECT_NEAR(picture.Row(at)[4 * at + 1], 2 * at, 24) << parts;
+            }
+            cut.insert(cut.end(), {0xFF, 0xD9});
         }
     }
 }

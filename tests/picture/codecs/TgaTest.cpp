@@ -167,8 +167,9 @@ TEST(Tga, DecodesPackets) {
              "010101 020202 030303/040404 050505 060606"},
             {"beyond the picture", recipe({0xFF, 7}), "070707 070707 070707/070707 070707 070707"},
             {"cut inside a literal", recipe({5, 1, 2, 3, 4}), "010101 020202 030303/040404 FFFFFF FFFFFF"},
-            {"cut inside a colour", recipe({5, 1, 2, 3, 4, 5}, 10),
-             "030201 FFFFFF FFFFFF/FFFFFF FFFFFF FFFFFF"},
+            {"cut inside a colour", recipe({0x82, 1, 2, 3, 5, 1, 2, 3, 4, 5}, 10),
+             "030201 030201 030201/030201 FFFFFF FFFFFF"},
+            {"cut inside the first row", recipe({5, 1, 2, 3, 4, 5}, 10), kUnsupported},
             {"nothing whole", recipe({0x85, 1}, 10), kUnsupported},
         });
 }

@@ -135,6 +135,7 @@ TEST(TiffDamage, TruncatedStripsGiveTheirFirstRows) {
                 --good;
             }
             EXPECT_GT(good, lastGood);
+            EXPECT_EQ(cut.PartShown(), good / 200.0);
             EXPECT_NEAR(good, 2.0 * static_cast<double>(percent), 30);
             for (int y = 0; y < good; ++y) {
                 ASSERT_EQ(std::memcmp(whole.Row(y), cut.Row(y), cut.RowBytes()), 0) << y;
@@ -154,6 +155,7 @@ TEST(TiffDamage, ABrokenStripLeavesTheOthers) {
         structure.Number(static_cast<std::uint64_t>(offsets.value.data() - file.data()) + 4, 4);
     file[second] = 0xFF; // no stream begins so
     const PixelArray rest = Read(file);
+    EXPECT_EQ(rest.PartShown(), 1 - 8.0 / rest.Height());
     for (int y = 0; y < rest.Height(); ++y) {
         if (y / 8 == 1) {
             EXPECT_EQ(rest.Row(y)[0], 255);

@@ -177,6 +177,8 @@ PixelArray Decode(const BmpHeader& header, const ReadOptions& options) {
                              : PixelArray(header.width, header.height);
     if (header.compression == BmpCompression::None || header.compression == BmpCompression::BitFields) {
         DecodeRawRows(header, picture);
+        NotePixelsShown(picture,
+                        PixelsInRows(header.pixels.size(), header.FileRowBytes(), header.bits, header.width));
         JudgeAlphaOfRowsPresent(header, picture);
     } else if (hasRunLengths) {
         DecodeBmpRunLengths(header, picture);

@@ -59,6 +59,7 @@ PixelArray DecodeBmpHuffman(const BmpHeader& header) {
             std::memcpy(pixel, header.palette[*bit != 0 ? 0 : 1].data(), PixelArray::kComponents);
         }
     }
+    picture.SetPartShown(decoded.PartShown());
     return picture;
 }
 

@@ -4,6 +4,7 @@
 #include "picture/codecs/ByteReader.h"
 #include "picture/codecs/PixelSupport.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace pictorel::codecs {
@@ -14,7 +15,8 @@ class RunLengthDecoder {
     RunLengthDecoder(const BmpHeader& header, PixelArray& picture)
         : header_(header), data_(header.pixels), rows_(picture.WritableRows()), stride_(picture.Stride()) {}
 
-    void Decode() {
+    // How many pixels were reached: all where the data says that it ends.
+    double Decode() {
         FillTransparent();
         while (at_ + 1 < data_.size() && y_ < header_.height) {
             const int count = data_[at_];
@@ -22,10 +24,12 @@ class RunLengthDecoder {
             if (count > 0) {
                 PutRun(value, count);
             } else if (!Escape(data_[value])) {
-                return;
+                return named_ > 0 ? static_cast<double>(header_.width) * header_.height : 0;
             }
         }
+        const double reached = static_cast<double>(y_) * header_.width + x_;
         FillRestWhite();
+        return named_ > 0 ? reached : 0;
     }
 
   private:
@@ -98,6 +102,7 @@ class RunLengthDecoder {
         if (x_ < header_.width && isThere) {
             std::memcpy(Place(), Colour(byte, index).data(), 4);
             ++x_;
+            ++named_;
         }
     }
 
@@ -117,6 +122,7 @@ class RunLengthDecoder {
     std::size_t at_ = 0;
     int x_ = 0;
     int y_ = 0; // in file order
+    std::int64_t named_ = 0;
 };
 
 } // namespace
@@ -145,7 +151,7 @@ std::int64_t PixelsNamedByRunLengths(const BmpHeader& header) {
 }
 
 void DecodeBmpRunLengths(const BmpHeader& header, PixelArray& picture) {
-    RunLengthDecoder(header, picture).Decode();
+    NotePixelsShown(picture, RunLengthDecoder(header, picture).Decode());
 }
 
 } // namespace pictorel::codecs

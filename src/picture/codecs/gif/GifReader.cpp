@@ -152,10 +152,16 @@ class GifReader {
             std::memset(rows, 0,
                         static_cast<std::size_t>(picture.Stride()) * static_cast<std::size_t>(height));
         }
-        DecodeFrame(rows, picture.Stride());
+        const double missing =
+            static_cast<double>(frame_.width) * frame_.height - DecodeFrame(rows, picture.Stride());
         if (!coversAll || transparent_ >= 0) {
             SettleAlpha(picture);
         }
+        const double all = static_cast<double>(frame_.width) * frame_.height;
+        if (all - missing < (frame_.height > 1 ? frame_.width : 1)) {
+            Refuse("The GIF picture ends before its first row of pixels.");
+        }
+        picture.SetPartShown(1 - missing / (static_cast<double>(width) * height));
         return picture;
     }
 
@@ -181,14 +187,17 @@ class GifReader {
         return order;
     }
 
-    void DecodeFrame(std::uint8_t* rows, std::ptrdiff_t stride) const {
+    // How many of the frame's pixels are there.
+    double DecodeFrame(std::uint8_t* rows, std::ptrdiff_t stride) const {
         GifLzwDecoder decoder(frame_.data);
         std::vector<std::uint8_t> indices(static_cast<std::size_t>(frame_.width));
         std::vector<bool> isThere(static_cast<std::size_t>(frame_.height));
+        double pixels = 0;
         std::uint8_t* const first = rows + frame_.top * stride + std::ptrdiff_t{4} * frame_.left;
         for (const int y : RowOrder()) {
             const int present = decoder.Read(indices.data(), frame_.width);
             isThere[static_cast<std::size_t>(y)] = present > 0;
+            pixels += present;
             std::uint8_t* pixel = first + y * stride;
             for (int x = 0; x < present; ++x, pixel += PixelArray::kComponents) {
                 std::memcpy(pixel, frame_.palette[indices[static_cast<std::size_t>(x)]].data(), 4);
@@ -200,6 +209,7 @@ class GifReader {
                 FillFromCoarserPass(y, isThere, first, stride);
             }
         }
+        return pixels;
     }
 
     // A row that the data does not reach shows what the pass before it shows in its place.

@@ -115,7 +115,9 @@ struct J2kDecoder::Implementation {
     bool isAtEnd = false;
 
     explicit Implementation(const J2kStream& of)
-        : stream(of), source{of.usable, of.cutLengthAt, of.trueLength}, bytes(MakeReadStream(source)) {
+        : stream(of),
+          source{of.usable, of.cutLengthAt, of.trueLength, of.lacksEnd},
+          bytes(MakeReadStream(source)) {
         if (!codec) {
             throw std::bad_alloc();
         }

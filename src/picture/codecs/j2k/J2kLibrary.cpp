@@ -2,6 +2,7 @@
 #include "picture/codecs/j2k/J2kLibrary.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <new>
 #include <thread>
@@ -14,7 +15,12 @@ constexpr OPJ_SIZE_T kNothing = static_cast<OPJ_SIZE_T>(-1);
 
 OPJ_SIZE_T ReadBytes(void* out, OPJ_SIZE_T bytes, void* user) {
     auto& source = *static_cast<J2kSource*>(user);
-    const std::size_t count = std::min(bytes, source.data.size() - source.at);
+    if (source.at >= source.data.size() && source.at < source.Size() && bytes > 0) {
+        constexpr std::array<std::uint8_t, 2> kEndMarker{0xFF, 0xD9};
+        *static_cast<std::uint8_t*>(out) = kEndMarker[source.at++ - source.data.size()];
+        return 1;
+    }
+    const std::size_t count = std::min(bytes, source.data.size() - std::min(source.at, source.data.size()));
     if (count == 0) {
         return kNothing;
     }
@@ -35,14 +41,14 @@ OPJ_OFF_T SkipBytes(OPJ_OFF_T bytes, void* user) {
     if (bytes < 0) {
         return -1;
     }
-    const std::size_t count = std::min(static_cast<std::size_t>(bytes), source.data.size() - source.at);
+    const std::size_t count = std::min(static_cast<std::size_t>(bytes), source.Size() - source.at);
     source.at += count;
     return count == 0 && bytes > 0 ? -1 : static_cast<OPJ_OFF_T>(count);
 }
 
 OPJ_BOOL SeekInSource(OPJ_OFF_T place, void* user) {
     auto& source = *static_cast<J2kSource*>(user);
-    if (place < 0 || static_cast<std::size_t>(place) > source.data.size()) {
+    if (place < 0 || static_cast<std::size_t>(place) > source.Size()) {
         return OPJ_FALSE;
     }
     source.at = static_cast<std::size_t>(place);
@@ -84,7 +90,7 @@ J2kByteStream MakeReadStream(J2kSource& source) {
     opj_stream_set_skip_function(stream.get(), SkipBytes);
     opj_stream_set_seek_function(stream.get(), SeekInSource);
     opj_stream_set_user_data(stream.get(), &source, nullptr);
-    opj_stream_set_user_data_length(stream.get(), source.data.size());
+    opj_stream_set_user_data_length(stream.get(), source.Size());
     return stream;
 }
 

@@ -26,7 +26,10 @@ struct J2kSource {
     ByteView data;
     std::size_t patchAt = 0; // 0 or where four bytes read as the number `patch`, the high one first
     std::uint32_t patch = 0;
+    bool lacksEnd = false; // reads as if the marker of the end stood behind the data
     std::size_t at = 0;
+
+    std::size_t Size() const noexcept { return data.size() + (lacksEnd ? 2 : 0); }
 };
 J2kByteStream MakeReadStream(J2kSource& source);
 

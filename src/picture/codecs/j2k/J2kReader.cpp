@@ -8,6 +8,9 @@
 #include "picture/codecs/j2k/J2kStream.h"
 #include "picture/codecs/j2k/Jp2Boxes.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace pictorel::codecs {
 namespace {
 
@@ -26,6 +29,13 @@ Metadata DetailsOf(const Jp2Boxes& boxes) {
     return details;
 }
 
+// A tile without its finer details shows as many pixels as it has samples.
+double PixelsIn(const J2kStream& stream, const J2kTile& tile) {
+    const J2kArea area = stream.PixelsOf(tile.area);
+    const int halvings = *std::max_element(tile.halvings.begin(), tile.halvings.end());
+    return std::ldexp(static_cast<double>(area.Width() * area.Height()), -2 * halvings);
+}
+
 } // namespace
 
 bool IsJ2k(ByteView file) noexcept {
@@ -41,14 +51,18 @@ PixelArray ReadJ2k(ByteView file, const ReadOptions& /*options*/) {
     PixelArray picture(static_cast<int>(size.Width()), static_cast<int>(size.Height()));
     FillWhite(picture, 0, picture.Height()); // tiles may be missing anywhere
     J2kTile tile;
-    bool isAny = false;
+    double pixels = 0;
+    double ofLastTile = 0;
     while (decoder.Next(tile)) {
         colouring.Convert(tile, picture);
-        isAny = true;
+        ofLastTile = PixelsIn(stream, tile);
+        pixels += ofLastTile;
     }
-    if (!isAny) {
+    if (pixels == 0) {
         Refuse("The JPEG 2000 file is damaged: nothing of its picture can be decoded.");
     }
+    pixels -= ofLastTile * (1 - stream.presentOfLast);
+    picture.SetPartShown(std::min(1.0, pixels / (static_cast<double>(picture.Width()) * picture.Height())));
     picture.SetDetails(DetailsOf(boxes));
     colouring.Finish(picture);
     return ApplyOrientation(std::move(picture), boxes.exif.empty() ? 1 : ExifOrientation(boxes.exif));

@@ -14,6 +14,7 @@ enum Marker : std::uint16_t {
     kCoding = 0xFF52,
     kComponentCoding = 0xFF53,
     kTilePart = 0xFF90,
+    kEnd = 0xFFD9,
     kData = 0xFF93,
 };
 constexpr std::size_t kTilePartBytes = 12; // the marker with its segment
@@ -55,7 +56,8 @@ class StreamReader {
         }
         while (BigEndian16(data_, at) == kTilePart && TakeTilePart(at)) {
         }
-        stream_.usable = data_.first(std::min(end_, data_.size()));
+        stream_.lacksEnd = tileParts_ > 0 && isLastWhole_ && BigEndian16(data_, at) != kEnd;
+        stream_.usable = data_.first(std::min(stream_.lacksEnd ? at : end_, data_.size()));
         if (tileParts_ == 0) {
             Refuse("The JPEG 2000 file is damaged or ends before its first tile.");
         }
@@ -102,6 +104,12 @@ class StreamReader {
         WeighPackets();
         ++tileParts_;
         const bool isLast = length == 0 || length > data_.size() - at;
+        isLastWhole_ = !isLast;
+        const double share =
+            length == 0 || !isLast ? 1 : static_cast<double>(data_.size() - at) / static_cast<double>(length);
+        const int partsOfTile = ByteAt(data_, at + 11); // 0 where the file does not tell
+        stream_.presentOfLast =
+            partsOfTile > 0 ? std::min(1.0, (ByteAt(data_, at + 10) + share) / partsOfTile) : share;
         if (length != 0 && isLast) {
             stream_.cutLengthAt = at + 6;
             stream_.trueLength = static_cast<std::uint32_t>(data_.size() - at);
@@ -215,6 +223,7 @@ class StreamReader {
     std::int64_t mostPrecincts_ = 0;
     std::size_t end_ = 0; // of what makes sense
     int tileParts_ = 0;
+    bool isLastWhole_ = false;
 };
 
 } // namespace

@@ -42,6 +42,8 @@ struct J2kStream {
     // The library would take memory for the length claimed.
     std::size_t cutLengthAt = 0;
     std::uint32_t trueLength = 0;
+    bool lacksEnd = false;    // the file ends with a whole tile part, without the marker that says so
+    double presentOfLast = 1; // of the tile whose part is the last one, the share that the file holds
 
     // A part of the reference grid in pixels of the picture, from its upper left corner on.
     J2kArea PixelsOf(const J2kArea& part) const;

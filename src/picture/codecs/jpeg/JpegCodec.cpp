@@ -134,6 +134,7 @@ PixelArray Finished(PixelArray picture, int goodRows, JpegColour colour,
     details.icc = ProfileAfterConversion(details.icc);
     details.exif = WithUprightOrientation(details.exif);
     picture.SetDetails(std::move(details));
+    picture.SetPartShown(static_cast<double>(goodRows) / picture.Height());
     return ApplyOrientation(std::move(picture), orientation);
 }
 

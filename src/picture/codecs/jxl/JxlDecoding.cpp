@@ -70,7 +70,10 @@ class JxlPictureDecoder {
     }
 
     // Fills the picture from what a cut file told of it; false where that is nothing.
-    bool ShowWhatThereIs() { return reader_ && JxlDecoderFlushImage(decoder_.get()) == JXL_DEC_SUCCESS; }
+    bool ShowWhatThereIs() {
+        picture_.SetPartShown(PixelArray::kUnknownPart);
+        return reader_ && JxlDecoderFlushImage(decoder_.get()) == JXL_DEC_SUCCESS;
+    }
 
     PixelArray TakePicture() {
         reader_.reset();

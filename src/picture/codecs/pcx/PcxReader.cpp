@@ -69,20 +69,18 @@ class PcxReader {
         std::uint8_t* const rows = picture.WritableRows();
         PcxBytes bytes(data_, header_.hasRunLengths);
         std::vector<std::uint8_t> row(header_.RowBytes());
-        bool isAny = false;
+        std::int64_t shown = 0;
         int wholeRows = 0;
         for (int y = 0; y < header_.height; ++y) {
             std::uint8_t* const bgra = rows + y * picture.Stride();
             const int present = PixelsIn(bytes.Read(row.data(), row.size()));
-            isAny = isAny || present > 0;
+            shown += present;
             wholeRows += present == header_.width ? 1 : 0;
             ConvertRow(row.data(), bgra, present);
             std::memset(bgra + present * PixelArray::kComponents, 0xFF,
                         static_cast<std::size_t>(header_.width - present) * PixelArray::kComponents);
         }
-        if (!isAny) {
-            Refuse("The PCX picture ends before its first row of pixels.");
-        }
+        NotePixelsShown(picture, static_cast<double>(shown));
         if (header_.planes == 4 && header_.bits == 8) {
             JudgeAlpha(picture, 0, wholeRows);
         }

@@ -193,6 +193,29 @@ class PngDecoder {
     // Of the picture, or of the pass. libpng may give up over what follows the last row: that row is there.
     int RowsFinished() const { return static_cast<int>(png_get_current_row_number(png_)); }
 
+    // Of an interlaced picture a pass fills blocks, each of one pixel of the file's.
+    double PixelsFinished(const PixelArray& picture) const {
+        const double rowsShown = std::min(RowsFinished(), picture.Height());
+        if (!isInterlaced_) {
+            return rowsShown * picture.Width();
+        }
+        constexpr std::array kPartAfter{0.0,     1.0 / 64, 1.0 / 32, 1.0 / 16,
+                                        1.0 / 8, 1.0 / 4,  1.0 / 2,  1.0}; // passes
+        const auto pass = static_cast<std::size_t>(std::min<int>(png_get_current_pass_number(png_), 6));
+        const double part =
+            kPartAfter[pass] + (kPartAfter[pass + 1] - kPartAfter[pass]) * rowsShown / picture.Height();
+        return part * picture.Width() * picture.Height();
+    }
+
+    // A picture of which an interlaced file's coarsest pass is there shows something true all over.
+    void NoteDamage(PixelArray& picture, double pixels) const {
+        if (isInterlaced_) {
+            picture.SetPartShown(pixels / (static_cast<double>(picture.Width()) * picture.Height()));
+        } else {
+            NotePixelsShown(picture, pixels);
+        }
+    }
+
     void RefuseWithoutRows() const {
         if (!anyRow_ && RowsFinished() == 0) {
             Refuse("The PNG file is damaged or ends before its first row of pixels.");
@@ -208,6 +231,9 @@ class PngDecoder {
         if (!isPassedBy_) {
             isWhole_ = ReadRows(picture.WritableRows(), picture.Stride(), picture.Height());
             RefuseWithoutRows();
+        }
+        if (!isWhole_) {
+            NoteDamage(picture, PixelsFinished(picture));
         }
         if (!isWhole_ && !isInterlaced_) {
             FillWhite(picture, std::min(RowsFinished(), picture.Height()), picture.Height());
@@ -229,8 +255,12 @@ class PngDecoder {
         for (int y = 0; y < picture.Height(); y += batch) {
             const int count = std::min(batch, picture.Height() - y);
             std::memset(samples.get(), 0xFF, static_cast<std::size_t>(rowBytes * count));
+            const bool wasWhole = isWhole_;
             isWhole_ = isWhole_ && ReadRows(samples.get(), rowBytes, count);
             RefuseWithoutRows();
+            if (wasWhole && !isWhole_) {
+                NoteDamage(picture, PixelsFinished(picture));
+            }
             ConvertRows(converter, samples.get(), rowBytes, picture, y, count);
         }
         Metadata details = picture.Details();

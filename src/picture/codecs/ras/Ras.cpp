@@ -173,8 +173,8 @@ void ConvertTrueColour(const RasHeader& header, const std::uint8_t* data, std::u
     }
 }
 
-// The pixels that the bytes of a row hold, then white.
-void ConvertRow(const RasHeader& header, ByteView data, std::uint8_t* bgra) {
+// The pixels that the bytes of a row hold, then white. How many they are.
+int ConvertRow(const RasHeader& header, ByteView data, std::uint8_t* bgra) {
     const int present = static_cast<int>(std::min(data.size() * 8 / static_cast<std::size_t>(header.bits),
                                                   static_cast<std::size_t>(header.width)));
     if (header.bits <= 8) {
@@ -184,9 +184,11 @@ void ConvertRow(const RasHeader& header, ByteView data, std::uint8_t* bgra) {
     }
     std::memset(bgra + present * PixelArray::kComponents, 0xFF,
                 static_cast<std::size_t>(header.width - present) * PixelArray::kComponents);
+    return present;
 }
 
-void ReadRaw(const RasHeader& header, PixelArray& picture) {
+// Both return how many pixels the file holds.
+double ReadRaw(const RasHeader& header, PixelArray& picture) {
     const std::size_t rowBytes = header.rowBytes;
     std::uint8_t* const rows = picture.WritableRows();
     ForEachBand(header.height, rowBytes + picture.RowBytes(), [&](int first, int end) {
@@ -195,16 +197,19 @@ void ReadRaw(const RasHeader& header, PixelArray& picture) {
                        rows + y * picture.Stride());
         }
     });
+    return PixelsInRows(header.pixels.size(), rowBytes, header.bits, header.width);
 }
 
-void ReadRunLengths(const RasHeader& header, PixelArray& picture) {
+double ReadRunLengths(const RasHeader& header, PixelArray& picture) {
     RasRunLengths bytes(header.pixels);
     std::uint8_t* const rows = picture.WritableRows();
     std::vector<std::uint8_t> row(header.rowBytes);
+    double pixels = 0;
     for (int y = 0; y < header.height; ++y) {
         const std::size_t present = bytes.Read(row.data(), row.size());
-        ConvertRow(header, ByteView(row.data(), present), rows + y * picture.Stride());
+        pixels += ConvertRow(header, ByteView(row.data(), present), rows + y * picture.Stride());
     }
+    return pixels;
 }
 
 } // namespace
@@ -219,11 +224,8 @@ PixelArray ReadRas(ByteView file, const ReadOptions& /*options*/) {
         Refuse("The Sun raster picture ends before its first pixel.");
     }
     PixelArray picture(header.width, header.height);
-    if (header.type == kRunLengths) {
-        ReadRunLengths(header, picture);
-    } else {
-        ReadRaw(header, picture);
-    }
+    NotePixelsShown(picture,
+                    header.type == kRunLengths ? ReadRunLengths(header, picture) : ReadRaw(header, picture));
     return picture;
 }
 

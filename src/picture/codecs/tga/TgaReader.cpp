@@ -151,9 +151,7 @@ class TgaReader {
 
     PixelArray Read() {
         const std::int64_t present = header_.hasRunLengths ? ReadRunLengths() : ReadRaw();
-        if (present == 0) {
-            Refuse("The Targa picture ends before its first pixel.");
-        }
+        NotePixelsShown(picture_, static_cast<double>(present));
         const int wholeRows = static_cast<int>(present / header_.width);
         const bool isApart = header_.interleave > 1; // the rows present then lie all over the picture
         const int firstRow = header_.topDown || isApart ? 0 : header_.height - wholeRows;

@@ -81,12 +81,12 @@ int TiffBlockReader::Decode(int block, int plane, int rows, std::uint8_t* out) {
     return good;
 }
 
-bool DecodeConvertedBlock(const TiffFile& tiff, const TiffLayout& layout, int block, std::uint8_t* bgra,
-                          std::ptrdiff_t stride) {
+int DecodeConvertedBlock(const TiffFile& tiff, const TiffLayout& layout, int block, std::uint8_t* bgra,
+                         std::ptrdiff_t stride) {
     TIFFRGBAImage image{};
     std::array<char, 1024> message{};
     if (TIFFRGBAImageBegin(&image, tiff.Handle(), 0, message.data()) == 0) {
-        return false;
+        return 0;
     }
     const std::unique_ptr<TIFFRGBAImage, decltype(&TIFFRGBAImageEnd)> end(&image, &TIFFRGBAImageEnd);
     const int left = block % layout.blocksAcross * layout.blockWidth;
@@ -100,10 +100,11 @@ bool DecodeConvertedBlock(const TiffFile& tiff, const TiffLayout& layout, int bl
     std::vector<std::uint32_t> raster(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     TIFFRGBAImageGet(&image, raster.data(), static_cast<std::uint32_t>(width),
                      static_cast<std::uint32_t>(height));
-    bool some = false;
+    int good = 0;
     for (int y = 0; y < height; ++y) {
         const std::uint32_t* from = raster.data() + std::ptrdiff_t{y} * width;
         std::uint8_t* to = bgra + y * stride;
+        bool some = false;
         for (int x = 0; x < width; ++x, ++from, to += PixelArray::kComponents) {
             const bool decoded = TIFFGetA(*from) != 0;
             some = some || decoded;
@@ -112,8 +113,9 @@ bool DecodeConvertedBlock(const TiffFile& tiff, const TiffLayout& layout, int bl
             to[2] = static_cast<std::uint8_t>(decoded ? TIFFGetR(*from) : 255);
             to[3] = 255;
         }
+        good += some ? 1 : 0;
     }
-    return some;
+    return good;
 }
 
 } // namespace pictorel::codecs

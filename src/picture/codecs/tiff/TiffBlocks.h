@@ -27,8 +27,9 @@ class TiffBlockReader {
 };
 
 // A block in the library's own conversion (YCbCr that is not JPEG's, old-style JPEG): its rows into B, G, R,
-// A pixels, `stride` bytes apart; what could not be decoded is white. False where nothing could.
-bool DecodeConvertedBlock(const TiffFile& tiff, const TiffLayout& layout, int block, std::uint8_t* bgra,
-                          std::ptrdiff_t stride);
+// A pixels, `stride` bytes apart; what could not be decoded is white. Returns in how many rows something
+// could.
+int DecodeConvertedBlock(const TiffFile& tiff, const TiffLayout& layout, int block, std::uint8_t* bgra,
+                         std::ptrdiff_t stride);
 
 } // namespace pictorel::codecs

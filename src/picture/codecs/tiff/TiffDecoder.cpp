@@ -168,7 +168,7 @@ PixelArray DecodeTiff(TiffFile tiff, std::uint64_t directoryOffset, const TiffLa
     PixelArray picture(layout.width, layout.height);
     HandlePool handles(std::move(tiff), file, directoryOffset);
     std::uint8_t* const rows = picture.WritableRows();
-    std::atomic<bool> anything = false;
+    std::atomic<std::int64_t> pixels = 0;
     ForEachBand(layout.Blocks(), layout.BlockBytes() * kWorkPerByte, [&](int first, int end) {
         TiffFile own = handles.Take();
         {
@@ -177,25 +177,21 @@ PixelArray DecodeTiff(TiffFile tiff, std::uint64_t directoryOffset, const TiffLa
                 const Place place = PlaceOf(block, layout);
                 std::uint8_t* const bgra =
                     rows + place.top * picture.Stride() + place.left * std::ptrdiff_t{4};
-                bool some = false;
+                int goodRows = 0;
                 if (layout.convertedByLibrary) {
-                    some = DecodeConvertedBlock(own, layout, block, bgra, picture.Stride());
+                    goodRows = DecodeConvertedBlock(own, layout, block, bgra, picture.Stride());
                 } else {
                     if (!decoder) {
                         decoder.emplace(own, layout, file, samples, colouring);
                     }
-                    some = decoder->Decode(block, bgra, picture.Stride()) > 0;
+                    goodRows = decoder->Decode(block, bgra, picture.Stride());
                 }
-                if (some) {
-                    anything = true;
-                }
+                pixels += std::int64_t{goodRows} * place.width;
             }
         }
         handles.GiveBack(std::move(own));
     });
-    if (!anything) {
-        Refuse("The TIFF file is damaged beyond use.");
-    }
+    NotePixelsShown(picture, static_cast<double>(pixels));
     if (layout.convertedByLibrary) {
         ConvertToSrgb(picture, icc);
     }

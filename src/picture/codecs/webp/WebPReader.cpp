@@ -123,6 +123,7 @@ PixelArray DecodeFrame(const Container::Frame& frame) {
         Refuse("The WebP file is damaged or ends before its first row of pixels.");
     }
     FillWhite(picture, rows, picture.Height());
+    picture.SetPartShown(static_cast<double>(rows) / picture.Height());
     return picture;
 }
 
@@ -154,7 +155,9 @@ PixelArray ReadWebP(ByteView file, const ReadOptions& /*options*/) {
     }
     PixelArray picture = DecodeFrame(frame);
     if (!frame.FillsCanvas()) {
+        const double part = picture.PartShown();
         picture = OnCanvas(picture, frame);
+        picture.SetPartShown(part);
     }
     SettleAlpha(picture);
     ConvertToSrgb(picture, container.Chunk("ICCP"));
