@@ -52,6 +52,8 @@ void SetTabOrder(const MainControls& controls) {
         toolBar.insert(toolBar.end(), array->begin(), array->end());
     }
     Widgets order = AsRead(toolBar);
+    order.push_back(&controls.ScrollBar_ImageX(0));
+    order.push_back(&controls.ScrollBar_ImageY(0));
     AppendWithin(controls.GroupBox_Canves1, order);
     order.push_back(controls.TabControl_Effects.findChild<QTabBar*>());
     for (ContainerPanel* const page : {&controls.Resizer_Adjustments, &controls.Resizer_Filters,

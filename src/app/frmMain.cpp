@@ -163,6 +163,10 @@ void frmMain::MakeShell() {
 void frmMain::BindKeys() {
     shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
     clipboard_ = std::make_unique<PictureClipboard>(editor_, *fileCommands_, messages_);
+    shortcuts_->On(*this, QKeySequence(Qt::CTRL | Qt::Key_PageDown),
+                   [this] { controls_.TabControl_Effects.StepTab(1); });
+    shortcuts_->On(*this, QKeySequence(Qt::CTRL | Qt::Key_PageUp),
+                   [this] { controls_.TabControl_Effects.StepTab(-1); });
     shortcuts_->On(*this, QKeySequence::Copy, [this] {
         if (controls_.Cmd_Panel(kSaveButton).isEnabled()) {
             clipboard_->Copy();
