@@ -67,6 +67,11 @@ void SetTabOrder(const MainControls& controls) {
 }
 
 void NameControls(const MainControls& controls) {
+    for (const auto& [slider, right] : {std::pair{kSharpenBlurSlider, 0}, {kMaximalMinimalSlider, 1}}) {
+        controls.Slider_Tab(slider).setAccessibleName(controls.Slider_Tab(slider).accessibleName() +
+                                                      QStringLiteral(" / ") +
+                                                      controls.lbl_SliderNameRightSide(right).Caption());
+    }
     for (int i = 0; i < kSliderCount; ++i) {
         controls.Cmd_ResetEffects(i).setAccessibleName(
             QObject::tr("Reset %1").arg(controls.Slider_Tab(i).accessibleName()));

@@ -230,6 +230,7 @@ void StartUp::ConfigureControls() {
         const SliderRow& row = SliderCatalogue()[static_cast<std::size_t>(i)];
         sliders(i).SetNeutral(row.defaultValue);
         sliders(i).SetTickSpacing(row.tickSpacing);
+        sliders(i).SetShownText([i](int value) { return SliderValueText(i, value); });
     }
     FillPredefinedSizes();
     ConfigureHistoryList();

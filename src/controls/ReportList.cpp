@@ -87,6 +87,9 @@ void ReportList::Style(int row) {
             continue; // what nobody sees is no text for assistive tools either
         }
         shown->setText(column, item.value);
+        shown->setData(
+            column, Qt::AccessibleTextRole,
+            item.spokenState.isEmpty() ? item.value : item.value + QStringLiteral(", ") + item.spokenState);
         const auto group = item.textColour == kSilver ? QPalette::Disabled : QPalette::Active;
         shown->setForeground(column, palette().brush(group, QPalette::Text));
         shown->setSizeHint(column, QSize(0, fontMetrics().height() + 6));

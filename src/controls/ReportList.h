@@ -17,6 +17,7 @@ inline constexpr unsigned kSilver = 0xC0C0C0;
 struct ReportItem {
     QString value;
     unsigned textColour = kBlack;
+    QString spokenState = {}; // what screen readers say behind the value, such as "active"
 };
 
 struct ReportRecord {

@@ -65,6 +65,16 @@ void Slider::ChangeTo(int value) {
     }
 }
 
+void Slider::Choose(int value) {
+    if (held_ || !isEnabled()) {
+        return;
+    }
+    valueBeforeKeys_.reset();
+    emit Pressed();
+    ChangeTo(value);
+    emit Released();
+}
+
 double Slider::XOf(int value) const {
     const double range = std::max(1, maximum() - minimum());
     return kThumbRadius + 1 + (width() - 2 * kThumbRadius - 2) * (value - minimum()) / range;

@@ -53,7 +53,14 @@ void UpDown::Step(int direction) {
     if (next == value_) {
         emit Changed(value_); // the number in the field may be new
     }
-    SetValue(next);
+    Choose(next);
+}
+
+void UpDown::Choose(int value) {
+    if (!isEnabled()) {
+        return;
+    }
+    SetValue(value);
     if (buddy_ != nullptr) {
         buddy_->setText(QString::number(value_));
     }
