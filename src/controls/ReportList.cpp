@@ -1,6 +1,8 @@
 // A list of records in columns, see ReportList.h.
 #include "controls/ReportList.h"
 
+#include "controls/SkinColours.h"
+
 #include <QHeaderView>
 #include <QSignalBlocker>
 
@@ -90,8 +92,9 @@ void ReportList::Style(int row) {
         shown->setData(
             column, Qt::AccessibleTextRole,
             item.spokenState.isEmpty() ? item.value : item.value + QStringLiteral(", ") + item.spokenState);
-        const auto group = item.textColour == kSilver ? QPalette::Disabled : QPalette::Active;
-        shown->setForeground(column, palette().brush(group, QPalette::Text));
+        shown->setForeground(column, item.textColour == kSilver
+                                         ? QuietTextColour(palette())
+                                         : palette().color(QPalette::Active, QPalette::Text));
         shown->setSizeHint(column, QSize(0, fontMetrics().height() + 6));
     }
 }

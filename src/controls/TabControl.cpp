@@ -21,6 +21,7 @@ TabControl::TabControl(QWidget* parent)
 
 void TabControl::AddTab(const QString& caption, ContainerPanel& panel) {
     panels_.push_back(&panel);
+    panel.SetFillsParent(true);
     tabs_->addTab(caption);
     ShowSelected();
 }
@@ -28,6 +29,9 @@ void TabControl::AddTab(const QString& caption, ContainerPanel& panel) {
 void TabControl::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     tabs_->setGeometry(0, 0, width(), kTabHeight);
+    for (ContainerPanel* const panel : panels_) {
+        panel->Fill();
+    }
 }
 
 void TabControl::paintEvent(QPaintEvent* /*event*/) {
