@@ -10,7 +10,7 @@
 namespace pictorel {
 namespace {
 
-const QString kEndOfOptions = QStringLiteral("--");
+constexpr QLatin1String kEndOfOptions("--");
 
 constexpr std::string_view kHelp =
     R"(Usage: pictorel [FILE]

@@ -36,6 +36,13 @@ void EditorDisplay::ShowSize(PictureSlot slot) {
 void EditorDisplay::HistoryChanged() {
     parts_.historyPanel.Show();
     parts_.livePreview.HistoryChanged();
+    const History& states = editor_.History.States();
+    if (states.Active() >= 0) {
+        parts_.announcer.Say(QObject::tr("%1, state %2 of %3")
+                                 .arg(states.State(states.Active()).caption)
+                                 .arg(states.Active() + 1)
+                                 .arg(states.Count()));
+    }
 }
 
 // "photo.jpg - Pictorel", with the platform's mark while there are unsaved changes.

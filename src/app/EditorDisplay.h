@@ -1,6 +1,7 @@
 // What the window shows of the editor: picture, sizes, history, previews, progress.
 #pragma once
 
+#include "app/Spoken.h"
 #include "controls/Label.h"
 #include "controls/ProgressBar.h"
 #include "editor/Editor.h"
@@ -27,6 +28,7 @@ struct EditorDisplayParts {
     ResizePanel& resizePanel;
     Label& lbl_ImageInfo;
     ProgressBar& progressBar;
+    Announcer& announcer;
 };
 
 class EditorDisplay : public EditorObserver {

@@ -52,6 +52,8 @@ void SetTabOrder(const MainControls& controls) {
         toolBar.insert(toolBar.end(), array->begin(), array->end());
     }
     Widgets order = AsRead(toolBar);
+    order.push_back(&controls.ScrollBar_ImageX(0));
+    order.push_back(&controls.ScrollBar_ImageY(0));
     AppendWithin(controls.GroupBox_Canves1, order);
     order.push_back(controls.TabControl_Effects.findChild<QTabBar*>());
     for (ContainerPanel* const page : {&controls.Resizer_Adjustments, &controls.Resizer_Filters,
@@ -65,6 +67,11 @@ void SetTabOrder(const MainControls& controls) {
 }
 
 void NameControls(const MainControls& controls) {
+    for (const auto& [slider, right] : {std::pair{kSharpenBlurSlider, 0}, {kMaximalMinimalSlider, 1}}) {
+        controls.Slider_Tab(slider).setAccessibleName(controls.Slider_Tab(slider).accessibleName() +
+                                                      QStringLiteral(" / ") +
+                                                      controls.lbl_SliderNameRightSide(right).Caption());
+    }
     for (int i = 0; i < kSliderCount; ++i) {
         controls.Cmd_ResetEffects(i).setAccessibleName(
             QObject::tr("Reset %1").arg(controls.Slider_Tab(i).accessibleName()));

@@ -5,8 +5,8 @@
 
 namespace pictorel {
 
-// As the eye goes: the tool bar, the tools below the picture, the row of tabs, each page from top to bottom,
-// the history; left to right within a row.
+// As the eye goes: the tool bar, the picture's scroll bars, the tools below the picture, the row of tabs,
+// each page from top to bottom, the history; left to right within a row.
 void SetTabOrder(const MainControls& controls);
 
 // Gives each control that shows no text of its own, and has none in its table, a name that a screen reader

@@ -62,9 +62,16 @@ Shortcuts::Shortcuts(QWidget& window, const MainControls& controls) {
 }
 
 void Shortcuts::On(QWidget& window, QKeySequence::StandardKey keys, std::function<void()> action) {
-    auto* const shortcut = new QShortcut(keys, &window); // the window owns it
-    shortcut->setAutoRepeat(false);
-    events_.On(*shortcut, &QShortcut::activated, [action = std::move(action)] {
+    Run(*new QShortcut(keys, &window), std::move(action)); // the window owns it
+}
+
+void Shortcuts::On(QWidget& window, const QKeySequence& keys, std::function<void()> action) {
+    Run(*new QShortcut(keys, &window), std::move(action));
+}
+
+void Shortcuts::Run(QShortcut& shortcut, std::function<void()> action) {
+    shortcut.setAutoRepeat(false);
+    events_.On(shortcut, &QShortcut::activated, [action = std::move(action)] {
         if (QApplication::mouseButtons() == Qt::NoButton) {
             action();
         }

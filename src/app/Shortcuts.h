@@ -13,6 +13,8 @@
 #include <span>
 #include <string_view>
 
+class QShortcut;
+
 namespace pictorel {
 
 struct ShortcutRow {
@@ -31,10 +33,12 @@ class Shortcuts {
   public:
     Shortcuts(QWidget& window, const MainControls& controls);
 
-    // The platform's keys for something that has no button.
+    // Keys for something that has no button; a standard key means the platform's.
     void On(QWidget& window, QKeySequence::StandardKey keys, std::function<void()> action);
+    void On(QWidget& window, const QKeySequence& keys, std::function<void()> action);
 
   private:
+    void Run(QShortcut& shortcut, std::function<void()> action);
     void Bind(QWidget& window, PushButton& button, const ShortcutRow& row, std::string_view keys);
 
     Events events_;

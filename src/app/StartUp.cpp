@@ -231,6 +231,7 @@ void StartUp::ConfigureControls() {
         const SliderRow& row = SliderCatalogue()[static_cast<std::size_t>(i)];
         sliders(i).SetNeutral(row.defaultValue);
         sliders(i).SetTickSpacing(row.tickSpacing);
+        sliders(i).SetShownText([i](int value) { return SliderValueText(i, value); });
     }
     FillPredefinedSizes();
     ConfigureHistoryList();
@@ -274,7 +275,10 @@ void StartUp::Timer_StartUp_Timer() {
                 }
             },
             [&] { parts_.popups.BlinkButton(OpenButton(), true, kBlinkInterval); }, //
-            [&] { OpenButton().SetEnabled(true); }, [&] { parts_.offerRecovery(); },
+            [&] { OpenButton().SetEnabled(true); },
+            // Scan had it as the first that could, unseen: the space bar would have scanned.
+            [&] { OpenButton().setFocus(Qt::TabFocusReason); },
+            [&] { parts_.offerRecovery(); },
             [&] {
                 if (!DownloadChosen_) {
                     parts_.timers.Timer_Tags.start();

@@ -41,6 +41,7 @@ frmMain::frmMain()
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Pictorel"));
     resize(TwipsToPixels(15570), TwipsToPixels(12570));
+    controls_.Cmd_Tab(kLockButton).SetOn(true); // before anybody asks what kind of button it is
     controls_.ImageView(kSlot).SharePyramids(editor_.Document.Pyramids);
     controls_.ImageView(kSlot).SetHint(tr("Open a picture or drop one here"));
     editor_.Document.BackgroundColour = controls_.ImageView(kSlot).BackgroundColour();
@@ -72,6 +73,7 @@ void frmMain::MakePanels() {
                                       LivePreviewControls{c.Slider_Tab, c.lbl_SliderTab, c.lbl_SliderName,
                                                           c.TabControl_Effects, c.ProgressBarControl},
                                       *pictureControls_, *historyPanel_, *preview_);
+    livePreview_->Announce = [this](const QString& text) { announcer_.Say(text); };
     livePreview_->WindowPosition = [this] {
         const QPoint corner = frameGeometry().topLeft();
         return std::pair{PixelsToTwips(corner.x()), PixelsToTwips(corner.y())};
@@ -117,9 +119,10 @@ void frmMain::MakeResizePanel() {
 
 void frmMain::MakeDisplay() {
     display_ = std::make_unique<EditorDisplay>(
-        editor_, EditorDisplayParts{*this, strings_.Entry(Text::Title), controls_.ImageView(kSlot),
-                                    *zoomScroll_, *preview_, *historyPanel_, *livePreview_, *resizePanel_,
-                                    controls_.lbl_ImageInfo(kSlot), controls_.ProgressBarControl});
+        editor_,
+        EditorDisplayParts{*this, strings_.Entry(Text::Title), controls_.ImageView(kSlot), *zoomScroll_,
+                           *preview_, *historyPanel_, *livePreview_, *resizePanel_,
+                           controls_.lbl_ImageInfo(kSlot), controls_.ProgressBarControl, announcer_});
     editor_.SetObserver(display_.get());
 }
 
@@ -184,6 +187,10 @@ void frmMain::MakeShell() {
 void frmMain::BindKeys() {
     shortcuts_ = std::make_unique<Shortcuts>(*this, controls_);
     clipboard_ = std::make_unique<PictureClipboard>(editor_, *fileCommands_, messages_);
+    shortcuts_->On(*this, QKeySequence(Qt::CTRL | Qt::Key_PageDown),
+                   [this] { controls_.TabControl_Effects.StepTab(1); });
+    shortcuts_->On(*this, QKeySequence(Qt::CTRL | Qt::Key_PageUp),
+                   [this] { controls_.TabControl_Effects.StepTab(-1); });
     shortcuts_->On(*this, QKeySequence::Copy, [this] {
         if (controls_.Cmd_Panel(kSaveButton).isEnabled()) {
             clipboard_->Copy();

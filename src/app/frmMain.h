@@ -9,6 +9,7 @@
 #include "app/PictureDrop.h"
 #include "app/Shortcuts.h"
 #include "app/ShutDown.h"
+#include "app/Spoken.h"
 #include "app/StartUp.h"
 #include "commands/FileCommands.h"
 #include "commands/PictureClipboard.h"
@@ -83,6 +84,7 @@ class frmMain : public QWidget {
     bool ShowUpdates(); // until the person has answered
 
     // Made first and gone last: everything below refers to these.
+    ScreenReaders screenReaders_;
     ApplicationStrings strings_;
     MessageBoxes messages_{this};
     Editor editor_;
@@ -98,6 +100,7 @@ class frmMain : public QWidget {
 
     std::unique_ptr<ImagePaint> imagePaint_;
     std::unique_ptr<ImageTwain> imageTwain_;
+    Announcer announcer_{*this};
     std::unique_ptr<frmPreview> preview_;
     std::unique_ptr<PictureControls> pictureControls_;
     std::unique_ptr<HistoryPanel> historyPanel_;

@@ -12,7 +12,7 @@
 namespace pictorel {
 namespace {
 
-const QString kPng = QStringLiteral("image/png");
+constexpr QLatin1String kPng("image/png");
 
 // Keeps the picture as it was when it was copied, which costs nothing until it is edited.
 class CopiedPicture : public QMimeData {

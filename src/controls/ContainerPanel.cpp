@@ -7,6 +7,7 @@ namespace pictorel {
 namespace {
 
 constexpr int kBottomMargin = 8; // pixels below the last control
+constexpr int kEdge = 5;         // pixels that the parent keeps below the panel
 
 } // namespace
 
@@ -25,6 +26,22 @@ void ContainerPanel::SetScrolling(bool scrolling) {
     scrolling_ = scrolling;
     setVerticalScrollBarPolicy(scrolling ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
     FitInterior();
+}
+
+void ContainerPanel::SetFillsParent(bool fills) {
+    fillsParent_ = fills;
+    Fill();
+}
+
+void ContainerPanel::Fill() {
+    if (fillsParent_ && parentWidget() != nullptr) {
+        resize(width(), std::max(TwipsToPixels(Height()), parentWidget()->height() - y() - kEdge));
+    }
+}
+
+void ContainerPanel::Place() {
+    Control::Place();
+    Fill();
 }
 
 void ContainerPanel::resizeEvent(QResizeEvent* event) {

@@ -19,7 +19,14 @@ class ContainerPanel : public QScrollArea, public Control {
     // is as large as its own rectangle.
     void SetScrolling(bool scrolling);
 
+    // A panel that fills its parent is on the screen as high as there is room, whatever its own rectangle
+    // says.
+    void SetFillsParent(bool fills);
+
+    void Fill(); // the parent has another height
+
   protected:
+    void Place() override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
@@ -28,6 +35,7 @@ class ContainerPanel : public QScrollArea, public Control {
 
     QWidget* interior_;
     bool scrolling_ = false;
+    bool fillsParent_ = false;
 };
 
 } // namespace pictorel

@@ -63,9 +63,10 @@ class Control {
     // Where child controls are put; the widget itself for most.
     virtual QWidget& Interior() { return widget_; }
 
-  private:
-    void Place();
+  protected:
+    virtual void Place(); // puts the widget where the control is
 
+  private:
     QWidget& widget_;
     TwipsRect place_;
     QString tag_;

@@ -1,6 +1,8 @@
 // A text on the window, see Label.h.
 #include "controls/Label.h"
 
+#include "controls/SkinColours.h"
+
 #include <QPainter>
 #include <QStyle>
 
@@ -19,8 +21,13 @@ void Label::SetDimmed(bool dimmed) {
 void Label::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
-    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled() && !dimmed_,
-                          shown, QPalette::WindowText);
+    QPalette colours = palette();
+    if (dimmed_) {
+        colours.setColor(QPalette::Active, QPalette::WindowText, QuietTextColour(colours));
+        colours.setColor(QPalette::Inactive, QPalette::WindowText, QuietTextColour(colours));
+    }
+    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), colours, isEnabled(), shown,
+                          QPalette::WindowText);
 }
 
 } // namespace pictorel

@@ -1,6 +1,8 @@
 // A push button, see PushButton.h.
 #include "controls/PushButton.h"
 
+#include "controls/SkinColours.h"
+
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -14,8 +16,8 @@ namespace {
 
 constexpr int kIconAboveCaption = 44; // pixels of height from which the picture stands above the caption
 constexpr double kCornerRadius = 4;
-constexpr double kDisabledOpacity = 0.35;
-constexpr int kGap = 6; // pixels between picture and caption
+constexpr double kDisabledOpacity = 0.6; // 3 : 1 for the skin's colours
+constexpr int kGap = 6;                  // pixels between picture and caption
 
 QSize ImageSize(const QIcon& image) {
     const auto sizes = image.availableSizes();
@@ -120,7 +122,7 @@ void PushButton::PaintFrame(QPainter& painter) const {
     const bool down = LooksEnabled() && (isDown() || isChecked());
     const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     QColor face = colours.color(down ? QPalette::Dark : hot ? QPalette::Midlight : QPalette::Button);
-    QColor edge = colours.color(QPalette::Mid);
+    QColor edge = EdgeColour(colours);
     if (highlighted_) {
         face = colours.color(QPalette::Highlight);
         edge = face.lighter(125);

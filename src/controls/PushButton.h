@@ -6,6 +6,8 @@
 #include <QAbstractButton>
 #include <QIcon>
 
+#include <optional>
+
 namespace pictorel {
 
 class PushButton : public QAbstractButton, public Control {
@@ -27,6 +29,10 @@ class PushButton : public QAbstractButton, public Control {
 
     // A button that only carries a picture looks by its own enabled state, not by its container's, and takes
     // no focus and no clicks.
+    // A button that is a switch tells assistive tools whether it is on.
+    void SetOn(bool on) { on_ = on; }
+    std::optional<bool> IsOn() const { return on_; }
+
     void SetDecorative(bool decorative);
 
     // The keys that click the button, as its tool tip shows them behind the text (or, without one, behind the
@@ -54,6 +60,7 @@ class PushButton : public QAbstractButton, public Control {
     QIcon image_;
     QString shortcutText_;
     bool flat_ = false;
+    std::optional<bool> on_;
     bool highlighted_ = false;
     bool decorative_ = false;
     bool focusedByKeyboard_ = false; // the focus ring is for those who walk by keyboard

@@ -1,6 +1,8 @@
 // A list of records in columns, see ReportList.h.
 #include "controls/ReportList.h"
 
+#include "controls/SkinColours.h"
+
 #include <QHeaderView>
 #include <QSignalBlocker>
 
@@ -87,8 +89,12 @@ void ReportList::Style(int row) {
             continue; // what nobody sees is no text for assistive tools either
         }
         shown->setText(column, item.value);
-        const auto group = item.textColour == kSilver ? QPalette::Disabled : QPalette::Active;
-        shown->setForeground(column, palette().brush(group, QPalette::Text));
+        shown->setData(
+            column, Qt::AccessibleTextRole,
+            item.spokenState.isEmpty() ? item.value : item.value + QStringLiteral(", ") + item.spokenState);
+        shown->setForeground(column, item.textColour == kSilver
+                                         ? QuietTextColour(palette())
+                                         : palette().color(QPalette::Active, QPalette::Text));
         shown->setSizeHint(column, QSize(0, fontMetrics().height() + 6));
     }
 }

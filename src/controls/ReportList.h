@@ -10,13 +10,14 @@
 namespace pictorel {
 
 // Colour numbers of an item's text, as 0x00BBGGRR. The list shows them through the skin: black is its text
-// colour, silver its disabled one, so that both can be read on any background.
+// colour, silver its quiet one, so that both can be read on any background.
 inline constexpr unsigned kBlack = 0;
 inline constexpr unsigned kSilver = 0xC0C0C0;
 
 struct ReportItem {
     QString value;
     unsigned textColour = kBlack;
+    QString spokenState = {}; // what screen readers say behind the value, such as "active"
 };
 
 struct ReportRecord {

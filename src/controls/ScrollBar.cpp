@@ -3,7 +3,9 @@
 
 namespace pictorel {
 
-ScrollBar::ScrollBar(QWidget* parent) : QScrollBar(parent), Control(static_cast<QWidget&>(*this)) {}
+ScrollBar::ScrollBar(QWidget* parent) : QScrollBar(parent), Control(static_cast<QWidget&>(*this)) {
+    setFocusPolicy(Qt::TabFocus); // whoever has no mouse moves the picture by it
+}
 
 void ScrollBar::SetValueRange(int minimum, int maximum, int value, int page) {
     setRange(minimum, maximum);

@@ -12,9 +12,6 @@ class Shape : public QWidget, public Control {
 
   public:
     explicit Shape(QWidget* parent);
-
-  protected:
-    void paintEvent(QPaintEvent* event) override;
 };
 
 } // namespace pictorel

@@ -1,6 +1,8 @@
 // A horizontal slider, see Slider.h.
 #include "controls/Slider.h"
 
+#include "controls/SkinColours.h"
+
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -63,6 +65,16 @@ void Slider::ChangeTo(int value) {
     if (this->value() != before) {
         emit Changed(this->value());
     }
+}
+
+void Slider::Choose(int value) {
+    if (held_ || !isEnabled()) {
+        return;
+    }
+    valueBeforeKeys_.reset();
+    emit Pressed();
+    ChangeTo(value);
+    emit Released();
 }
 
 double Slider::XOf(int value) const {
@@ -217,15 +229,16 @@ void Slider::paintEvent(QPaintEvent* /*event*/) {
     const double origin = XOf(hasNeutral_ ? neutral_ : minimum());
 
     painter.setPen(Qt::NoPen);
-    painter.setBrush(colours.color(QPalette::Dark));
+    painter.setBrush(EdgeColour(colours));
     painter.drawRoundedRect(
         QRectF(kThumbRadius, middle - kTrackHeight / 2, width() - 2 * kThumbRadius, kTrackHeight),
         kTrackHeight / 2, kTrackHeight / 2);
-    painter.setBrush(colours.color(group, pending_ && !held_ ? QPalette::Mid : QPalette::Highlight));
+    painter.setBrush(pending_ && !held_ ? QuietTextColour(colours)
+                                        : colours.color(group, QPalette::Highlight));
     painter.drawRect(QRectF(QPointF(std::min(origin, thumb), middle - kTrackHeight / 2),
                             QPointF(std::max(origin, thumb), middle + kTrackHeight / 2)));
     if (tickSpacing_ > 0) {
-        painter.setBrush(colours.color(QPalette::Mid));
+        painter.setBrush(EdgeColour(colours));
         const double pixelsPerTick =
             (width() - 2 * kThumbRadius) * tickSpacing_ / std::max(1, maximum() - minimum());
         const int every =

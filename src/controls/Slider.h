@@ -5,7 +5,9 @@
 
 #include <QSlider>
 
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace pictorel {
 
@@ -33,6 +35,13 @@ class Slider : public QSlider, public Control {
 
     // Whether the wheel moves the slider; otherwise it goes to whatever scrolls around it.
     void SetFollowsWheel(bool follows) { followsWheel_ = follows; }
+
+    // How values are written beside the slider; the plain number where nothing is set.
+    void SetShownText(std::function<QString(int)> text) { shownText_ = std::move(text); }
+    QString ShownText(int value) const { return shownText_ ? shownText_(value) : QString::number(value); }
+
+    // What assistive tools do: a press, the value, a release.
+    void Choose(int value);
 
     int Value() const { return value(); }
     // Values outside the range are clamped. Raises no ValueChanged: only what the person does is an event.
@@ -64,6 +73,7 @@ class Slider : public QSlider, public Control {
     bool LosesMouse(const QEvent& event) const;
     void Cancel();
 
+    std::function<QString(int)> shownText_;
     int tickSpacing_ = 0;
     int neutral_ = 0;
     bool hasNeutral_ = false;

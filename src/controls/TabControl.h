@@ -22,6 +22,7 @@ class TabControl : public QWidget, public Control {
     void AddTab(const QString& caption, ContainerPanel& panel);
     int SelectedTab() const { return tabs_->currentIndex(); }
     void SelectTab(int index) { tabs_->setCurrentIndex(index); }
+    void StepTab(int by); // round and round
 
   protected:
     void resizeEvent(QResizeEvent* event) override;

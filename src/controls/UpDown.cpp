@@ -1,6 +1,8 @@
 // A spinner, see UpDown.h.
 #include "controls/UpDown.h"
 
+#include "controls/SkinColours.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -53,7 +55,14 @@ void UpDown::Step(int direction) {
     if (next == value_) {
         emit Changed(value_); // the number in the field may be new
     }
-    SetValue(next);
+    Choose(next);
+}
+
+void UpDown::Choose(int value) {
+    if (!isEnabled()) {
+        return;
+    }
+    SetValue(value);
     if (buddy_ != nullptr) {
         buddy_->setText(QString::number(value_));
     }
@@ -100,7 +109,7 @@ void UpDown::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QPalette& colours = palette();
-    painter.setPen(colours.color(QPalette::Mid));
+    painter.setPen(EdgeColour(colours));
     painter.setBrush(colours.color(QPalette::Button));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
     painter.setPen(Qt::NoPen);

@@ -26,6 +26,9 @@ class UpDown : public QWidget, public Control {
     // buddy's arrow keys and wheel step as well.
     void SetBuddy(EditField& buddy);
 
+    // Sets the value and writes it into the buddy, as stepping to it does.
+    void Choose(int value);
+
   signals:
     void Changed(int value);
 

@@ -2,6 +2,7 @@
 #include "notices/frmAbout.h"
 
 #include "controls/Events.h"
+#include "controls/LinkLabel.h"
 #include "controls/PushButton.h"
 #include "notices/WebSite.h"
 
@@ -72,9 +73,11 @@ frmAbout::frmAbout(QWidget* owner, const StringTable& strings, const QString& ve
     names->addStretch();
 
     AddText(*texts, QStringLiteral("Label1"), QStringLiteral("Thank you for using Pictorel !"));
-    QLabel* const site = AddText(
-        *texts, QStringLiteral("Lbl_SiteAddress"),
+    auto* const site = new LinkLabel(
         QStringLiteral("<a href=\"site\">%1</a>").arg(strings.Entry(Text::SiteAddressShown).toHtmlEscaped()));
+    site->setObjectName(QStringLiteral("Lbl_SiteAddress"));
+    texts->addWidget(site, 0, Qt::AlignLeft);
+    site->setAccessibleName(strings.Entry(Text::SiteAddressShown));
     connect(site, &QLabel::linkActivated, this,
             Events::Guarded([&strings](const QString&) { OpenWebLink(kSiteLink, strings); }));
     AddText(*texts, QStringLiteral("lblDisclaimer"), strings.Entry(Text::Disclaimer));

@@ -2,6 +2,7 @@
 #include "notices/frmTools.h"
 
 #include "controls/Events.h"
+#include "controls/LinkLabel.h"
 #include "controls/PushButton.h"
 #include "notices/WebSite.h"
 
@@ -45,10 +46,9 @@ QFrame* MakeEntry(const Product& product, const StringTable& strings) {
     description->setFixedWidth(kTextWidth);
     column->addWidget(description);
 
-    auto* const link = new QLabel(QStringLiteral("<a href=\"tool\">Download</a>"));
+    auto* const link = new LinkLabel(QStringLiteral("<a href=\"tool\">Download</a>"));
     link->setObjectName(QStringLiteral("Lbl_Tool_%1").arg(product.link));
     link->setAccessibleName(QStringLiteral("Download ") + strings.Entry(product.name));
-    link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     QObject::connect(
         link, &QLabel::linkActivated, entry,
         Events::Guarded([&strings, number = product.link](const QString&) { OpenWebLink(number, strings); }));

@@ -24,8 +24,12 @@ void HistoryPanel::Show() {
     for (int row = 0; row < history.Count(); ++row) {
         const HistoryState& state = history.State(row);
         const unsigned colour = row > history.Active() || !state.restorable ? kSilver : kBlack;
-        list.AddRecord().items = {
-            {state.caption, colour}, {state.imageFile}, {row == history.Active() ? kActive : kInactive}};
+        const QString spoken = row > history.Active()    ? QObject::tr("can be redone")
+                               : row == history.Active() ? QObject::tr("active")
+                                                         : QString();
+        list.AddRecord().items = {{state.caption, colour, spoken},
+                                  {state.imageFile},
+                                  {row == history.Active() ? kActive : kInactive}};
     }
     list.Populate();
     if (history.Active() >= 0) {

@@ -78,7 +78,11 @@ void LivePreview::Slider_Tab_MouseDown(int slider) {
         [&] { editor_.ReducedCopy.ShowImagePreview(editor_.ReducedCopy.FileName()); },
         [&] { editor_.ReducedCopy.Prepare(pictorel::RowOf(RowOf(slider).operation)); },
         [&] { window_.SetTitle(PreviewTitle(slider, controls_.lbl_SliderName(slider).Caption())); },
-        [&] { window_.ShowModeless(); });
+        [&] { window_.ShowModeless(); },
+        [&] {
+            Announce(QObject::tr("%1, preview")
+                         .arg(PreviewTitle(slider, controls_.lbl_SliderName(slider).Caption())));
+        });
 }
 
 void LivePreview::Slider_Tab_Change(int slider) {
@@ -108,6 +112,7 @@ void LivePreview::WriteValueText(int slider) {
 void LivePreview::Slider_Tab_Cancelled(int slider) {
     CarryOn([&] { window_.Unload(); }, [&] { WriteValueText(slider); }, //
             [&] { ShowPending(); },
+            [&] { Announce(QObject::tr("%1, given up").arg(controls_.lbl_SliderName(slider).Caption())); },
             [&] {
                 if (std::exchange(trying_, false)) {
                     editor_.SetImageModified(modifiedBefore_);

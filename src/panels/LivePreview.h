@@ -46,6 +46,9 @@ class LivePreview {
     std::int32_t PreviewWindowTop = 0;
     std::int32_t PreviewWindowLeft = 0;
 
+    // Tells those who do not see the preview window.
+    std::function<void(const QString&)> Announce = [](const QString&) {};
+
     // Outer position of the main window on the screen, twips.
     std::function<std::pair<float, float>()> WindowPosition;
 

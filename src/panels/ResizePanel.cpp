@@ -202,10 +202,12 @@ void ResizePanel::Lock_Click() {
             [&] {
                 if (lock.Tag() == QStringLiteral("0")) {
                     lock.SetTag(QStringLiteral("1"));
+                    lock.SetOn(true);
                     UpDown_ImageWidth_Change();
                     lock.SetImage(icons_.Icon(kLockedIcon));
                 } else {
                     lock.SetTag(QStringLiteral("0"));
+                    lock.SetOn(false);
                     lock.SetImage(icons_.Icon(kUnlockedIcon));
                 }
             },

@@ -41,7 +41,8 @@ TEST(KeyboardWalk, GoesAsTheEyeGoes) {
         before("Cmd_Panel_0", "Cmd_Panel_1");
         before("Cmd_Panel_7", "Cmd_Recommend_1");
         before("Cmd_Recommend_1", "Cmd_Recommend_0"); // element 1 stands to the left
-        before("Cmd_Recommend_0", "Cmd_RotateRight_0");
+        before("Cmd_Recommend_0", "ScrollBar_ImageX_0");
+        before("ScrollBar_ImageY_0", "Cmd_RotateRight_0");
         before("Cmd_ZoomOut_0", "Slider_ImageZoom_0");
         before("Slider_ImageZoom_0", "Cmd_ZoomIn_0");
         before("Cmd_ZoomIn_0", "QTabBar");
@@ -54,6 +55,48 @@ TEST(KeyboardWalk, GoesAsTheEyeGoes) {
         } else if (page == 3) {
             before("QTabBar", "RadioButton_Resize_0");
         }
+    }
+}
+
+TEST(KeyboardWalk, BeginsOnOpen) {
+    EditorWindow editor;
+    EXPECT_EQ(editor.Window().focusWidget(), &editor.Get("Cmd_Panel", 0));
+}
+
+TEST(KeyboardWalk, PagesTurnByKeysAndKeepTheFocusFromFallingElsewhere) {
+    EditorWindow editor;
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(400, 300)));
+    editor.Window().activateWindow();
+    auto& pages = editor.Get<TabControl>("TabControl_Effects");
+    editor.Get<Control>("Slider_Tab", 0).Widget().setFocus(Qt::TabFocusReason);
+    for (const auto& [key, page] : {std::pair{Qt::Key_PageDown, 1},
+                                    {Qt::Key_PageDown, 2},
+                                    {Qt::Key_PageUp, 1},
+                                    {Qt::Key_PageUp, 0},
+                                    {Qt::Key_PageUp, 3},
+                                    {Qt::Key_PageDown, 0}}) {
+        QTest::keyClick(editor.Window().windowHandle(), key, Qt::ControlModifier);
+        EXPECT_EQ(pages.SelectedTab(), page);
+        EXPECT_NE(qobject_cast<QTabBar*>(editor.Window().focusWidget()), nullptr);
+    }
+    editor.Get<Control>("Slider_Tab", 0).Widget().setFocus(Qt::TabFocusReason);
+    auto& tabs = *pages.findChild<QTabBar*>();
+    QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(2).center());
+    EXPECT_EQ(pages.SelectedTab(), 2);
+    EXPECT_EQ(editor.Window().focusWidget(), &tabs);
+}
+
+TEST(KeyboardWalk, ScrollBarsMoveThePicture) {
+    EditorWindow editor;
+    editor.Open(editor.MakeFile("scene.bmp", MakeScene(400, 300)));
+    editor.View().SetZoom(8.0);
+    for (const char* const name : {"ScrollBar_ImageX", "ScrollBar_ImageY"}) {
+        const ShownPart before = editor.View().PartShown();
+        QWidget& bar = editor.Get<Control>(name, 0).Widget();
+        bar.setFocus(Qt::TabFocusReason);
+        QTest::keyClick(&bar, Qt::Key_PageDown);
+        const ShownPart after = editor.View().PartShown();
+        EXPECT_TRUE(after.left > before.left || after.top > before.top) << name;
     }
 }
 

@@ -1,7 +1,15 @@
 // Where the layout puts the controls for a given outer size, and which fit it chooses.
 #include "app/EditorWindow.h"
+#include "controls/ContainerPanel.h"
+#include "controls/SkinColours.h"
+#include "controls/TabControl.h"
 
+#include <QScrollBar>
+#include <QTest>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
 
 namespace pictorel {
 namespace {
@@ -63,6 +71,58 @@ TEST(Layout, ASmallPictureIsShownAtActualSizeAndALargeOneFits) {
     editor.Open(editor.MakeFile("large.bmp", MakeScene(3000, 2000)));
     editor.Window().resize(1100, 800);
     ASSERT_TRUE(editor.WaitUntil([&] { return editor.View().Zoom() < 0.5; }));
+}
+
+// At 1024 x 768 the pages are as high as their frame lets them be, and nothing on them has to be scrolled to.
+TEST(Layout, PagesOfToolsFillTheirFrame) {
+    EditorWindow editor;
+    editor.Window().showNormal();
+    editor.Window().resize(1024, 768);
+    QTest::qWait(20);
+    auto& tabs = editor.Get<TabControl>("TabControl_Effects");
+    const char* const pages[] = {"Resizer_Adjustments", "Resizer_Filters", "Resizer_Effects",
+                                 "Resizer_Resize"};
+    for (int page = 0; page < 4; ++page) {
+        tabs.SelectTab(page);
+        QTest::qWait(1);
+        auto& panel = editor.Get<ContainerPanel>(pages[page]);
+        const int below = tabs.height() - (panel.y() + panel.height());
+        EXPECT_TRUE(below >= 1 && below <= 8) << pages[page] << " ends " << below << " above the frame";
+        EXPECT_FALSE(panel.verticalScrollBar()->isVisible()) << pages[page];
+    }
+}
+
+// Luminance contrast as WCAG defines it.
+double Contrast(const QColor& a, const QColor& b) {
+    const auto luminance = [](const QColor& colour) {
+        const auto linear = [](double c) {
+            return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+               0.0722 * linear(colour.blueF());
+    };
+    const double one = luminance(a) + 0.05;
+    const double other = luminance(b) + 0.05;
+    return std::max(one, other) / std::min(one, other);
+}
+
+TEST(Layout, CanBeRead) {
+    EditorWindow editor;
+    const QPalette colours = editor.Window().palette();
+    for (const auto group : {QPalette::Active, QPalette::Disabled}) {
+        const double least = group == QPalette::Active ? 4.5 : 3.0;
+        for (const auto& [text, behind] : {std::pair{QPalette::WindowText, QPalette::Window},
+                                           {QPalette::WindowText, QPalette::Base},
+                                           {QPalette::Text, QPalette::Base},
+                                           {QPalette::ButtonText, QPalette::Button}}) {
+            EXPECT_GE(Contrast(colours.color(group, text), colours.color(behind)), least)
+                << text << " " << group;
+        }
+    }
+    for (const auto behind : {QPalette::Window, QPalette::Base}) {
+        EXPECT_GE(Contrast(EdgeColour(colours), colours.color(behind)), 3.0);
+        EXPECT_GE(Contrast(QuietTextColour(colours), colours.color(behind)), 4.5);
+    }
 }
 
 } // namespace
