@@ -46,7 +46,8 @@ CommandLine ReadCommandLine(const QStringList& words) {
     return commandLine;
 }
 
-std::optional<QString> PrintedAnswer(const QStringList& words, const QString& version) {
+std::optional<QString> PrintedAnswer(const QStringList& words, const QString& version,
+                                     const std::function<QString()>& walls) {
     for (const QString& word : words) {
         if (word == kEndOfOptions) {
             break;
@@ -57,7 +58,7 @@ std::optional<QString> PrintedAnswer(const QStringList& words, const QString& ve
         if (word == QStringLiteral("--version") || word == QStringLiteral("-v")) {
             const QStringList lines{QStringLiteral("Pictorel ") + version,
                                     QStringLiteral("Qt ") + QString::fromLatin1(qVersion())};
-            return lines.join(u'\n') + u'\n';
+            return lines.join(u'\n') + u'\n' + walls();
         }
     }
     return std::nullopt;

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace pictorel {
@@ -18,7 +19,8 @@ struct CommandLine {
 CommandLine ReadCommandLine(const QStringList& words);
 
 // What is printed, instead of a start, for --help (-h) and --version (-v); nothing where neither is asked
-// for.
-std::optional<QString> PrintedAnswer(const QStringList& words, const QString& version);
+// for. `walls` is asked for the lines about the decoder's walls, each with its line feed.
+std::optional<QString> PrintedAnswer(const QStringList& words, const QString& version,
+                                     const std::function<QString()>& walls);
 
 } // namespace pictorel

@@ -277,8 +277,7 @@ void StartUp::Timer_StartUp_Timer() {
             [&] { parts_.popups.BlinkButton(OpenButton(), true, kBlinkInterval); }, //
             [&] { OpenButton().SetEnabled(true); },
             // Scan had it as the first that could, unseen: the space bar would have scanned.
-            [&] { OpenButton().setFocus(Qt::TabFocusReason); },
-            [&] { parts_.offerRecovery(); },
+            [&] { OpenButton().setFocus(Qt::TabFocusReason); }, [&] { parts_.offerRecovery(); },
             [&] {
                 if (!DownloadChosen_) {
                     parts_.timers.Timer_Tags.start();

@@ -2,6 +2,7 @@
 #include "app/CommandLine.h"
 #include "app/StartUp.h"
 #include "app/frmMain.h"
+#include "editor/decoding/WallsText.h"
 #include "platform/Folders.h"
 #include "platform/TerminationSignals.h"
 #include "platform/WorkingFolder.h"
@@ -30,12 +31,16 @@ QIcon ApplicationIcon() {
     return icon;
 }
 
-std::optional<QString> PrintedAnswer(int argumentCount, char* const* arguments) {
+std::optional<QString> PrintedAnswer(int argumentCount, char* arguments[]) {
     QStringList words;
     for (int i = 1; i < argumentCount; ++i) {
         words.append(QString::fromLocal8Bit(arguments[i]));
     }
-    return pictorel::PrintedAnswer(words, QStringLiteral(PICTOREL_VERSION));
+    return pictorel::PrintedAnswer(words, QStringLiteral(PICTOREL_VERSION), [&] {
+        const QCoreApplication application(argumentCount, arguments); // knows the program's folder
+        const QString decoder = pictorel::HelperProgram(QStringLiteral("pictorel_decoder"));
+        return QString::fromStdString(pictorel::WallsText(decoder.toStdString()));
+    });
 }
 
 struct RemovedAtExit {

@@ -163,9 +163,11 @@ TEST_F(StartWithFile, WordsThatNameNoFileMeanNothing) {
 
 TEST(CommandLine, HelpAndVersionArePrinted) {
     const auto answer = [](const QStringList& words) {
-        return PrintedAnswer(words, QStringLiteral("9.8.7")).value_or(QString());
+        return PrintedAnswer(words, QStringLiteral("9.8.7"), [] { return QStringLiteral("Walls\n"); })
+            .value_or(QString());
     };
     EXPECT_TRUE(answer({"--version"}).startsWith("Pictorel 9.8.7\nQt 6."));
+    EXPECT_TRUE(answer({"--version"}).endsWith("\nWalls\n"));
     EXPECT_EQ(answer({"photo.jpg", "-v"}), answer({"--version"}));
     EXPECT_TRUE(answer({"--help"}).contains("homepage"));
     EXPECT_EQ(answer({"-h"}), answer({"--help"}));

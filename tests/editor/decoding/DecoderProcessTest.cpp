@@ -363,7 +363,7 @@ TEST_F(DecoderProcessTest, FilesThatAreNoneAreRefused) {
 }
 
 TEST_F(DecoderProcessTest, APictureThatTheMachineHasNoRoomForIsRefusedWithItsSize) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PICTOREL_SANITIZED
     GTEST_SKIP() << "the sanitizer maps more than any limit";
 #endif
     const std::string name = Save(test::Constant({6000, 4000}, {9, 8, 7, 255}), "PNG");
