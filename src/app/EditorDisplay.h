@@ -15,6 +15,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <utility>
+
 namespace pictorel {
 
 struct EditorDisplayParts {
@@ -33,7 +35,7 @@ struct EditorDisplayParts {
 
 class EditorDisplay : public EditorObserver {
   public:
-    EditorDisplay(Editor& editor, EditorDisplayParts parts) : editor_(editor), parts_(parts) {}
+    EditorDisplay(Editor& editor, EditorDisplayParts parts) : editor_(editor), parts_(std::move(parts)) {}
 
     void PictureLoaded(PictureSlot slot) override;
     void PictureChanged(PictureSlot slot) override;

@@ -87,7 +87,7 @@ TEST(OperationTable, EffectsGrowWithLargePictures) {
         {Operation::MotionBlur, {8}, [](P p, double g) { return engine::MotionBlur(p, 90, 8 * g); }},
         {Operation::Diffuse,
          {30},
-         [](P p, double g) { return engine::Diffuse(p, static_cast<int>(2 * g), 30); }},
+         [](P p, double g) { return engine::Diffuse(p, static_cast<int>(2 * g), 30.0); }},
         {Operation::Emboss, {10, 200, 4}, [](P p, double g) { return engine::Emboss(p, 10, 4 * g, 2.0); }},
         {Operation::Halftone, {1, 0}, [](P p, double g) { return engine::Halftone(p, 4 * g, 1.0); }},
         {Operation::SharpenOrBlur, {30}, [](P p, double) { return engine::GaussianBlur(p, 3); }},

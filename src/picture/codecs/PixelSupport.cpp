@@ -67,7 +67,8 @@ void NotePixelsShown(PixelArray& picture, double pixels) {
 
 double PixelsInRows(std::size_t bytes, std::size_t rowBytes, int bitsPerPixel, int width) noexcept {
     const std::size_t ofLast = bytes % rowBytes * 8 / static_cast<std::size_t>(bitsPerPixel);
-    return static_cast<double>(bytes / rowBytes) * width +
+    const std::size_t wholeRows = bytes / rowBytes;
+    return static_cast<double>(wholeRows) * width +
            static_cast<double>(std::min(ofLast, static_cast<std::size_t>(width)));
 }
 

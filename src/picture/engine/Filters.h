@@ -21,7 +21,7 @@ PixelArray MotionBlur(const PixelArray& source, double degrees, double length);
 
 // Mean along the ray to the centre, from scale 1 - percent/100 to 1; 0 is neutral. The ray is followed from
 // whole pixel to whole pixel of the axis that it is closer to.
-PixelArray ZoomBlur(const PixelArray& source, double percent, const OptionalWindow& window = {});
+PixelArray ZoomBlur(const PixelArray& source, double percent, const OptionalWindow& wanted = {});
 
 // Brightest / darkest value of the square of `radius` around the pixel, per channel; a negative radius is the
 // other filter of that size, 0 is neutral. Alpha is left alone, and pixels that cannot be seen (alpha 0) do
