@@ -34,7 +34,7 @@ QImage RecoverCommand::SmallPicture(const RecoveryRecord& record) const {
     QImage small;
     CarryOn([&] {
         PixelArray picture;
-        const QString& file = record.states[static_cast<std::size_t>(record.active)].imageFile;
+        const QString& file = record.states[static_cast<std::size_t>(record.active)].state.imageFile;
         if (!editor_.Document.ImageCodec->Read(file.toStdString(), picture)) {
             return;
         }

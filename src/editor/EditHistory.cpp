@@ -18,6 +18,7 @@ bool LinkOrCopy(const QString& from, const QString& to) {
     std::error_code error;
     const std::filesystem::path source(from.toStdString());
     const std::filesystem::path target(to.toStdString());
+    std::filesystem::remove(target, error);
     std::filesystem::create_hard_link(source, target, error);
     return !error || std::filesystem::copy_file(source, target, error);
 }

@@ -42,7 +42,11 @@ void Editor::EndCommand() {
 bool Editor::Recover(const RecoveryRecord& record) {
     const Command command(*this);
     ReducedCopy.Forget();
-    if (!History.Adopt(record.states, record.active)) {
+    std::vector<HistoryState> states;
+    for (const RecoveryState& state : record.states) {
+        states.push_back(state.state);
+    }
+    if (!History.Adopt(std::move(states), record.active)) {
         return false;
     }
     Document.PictureName = record.pictureName;

@@ -4,10 +4,13 @@
 #include "editor/AtomicFile.h"
 #include "platform/CarryOn.h"
 
+#include <QDir>
 #include <QFile>
-#include <QFileInfo>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <vector>
 
 namespace pictorel {
 namespace {
@@ -20,13 +23,33 @@ bool IsWholeJpeg(const QString& fileName) {
            file.seek(file.size() - kMarkerBytes) && file.read(kMarkerBytes) == "\xFF\xD9";
 }
 
+RecoveryState WithFile(const HistoryState& state) {
+    struct stat status {};
+    if (::stat(QFile::encodeName(state.imageFile).constData(), &status) != 0) {
+        return {state};
+    }
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    return {state, std::int64_t{status.st_mtim.tv_sec} * kSecond + status.st_mtim.tv_nsec, status.st_size};
+}
+
+// The whole working files of the folder.
+std::vector<RecoveryState> FilesIn(const AbandonedFolder& folder) {
+    std::vector<RecoveryState> files;
+    for (const QString& name :
+         QDir(folder.Path(QString())).entryList({QStringLiteral("tmpimg_*.jpg")}, QDir::Files)) {
+        if (IsWholeJpeg(folder.Path(name))) {
+            files.push_back(WithFile({QString(), folder.Path(name)}));
+        }
+    }
+    return files;
+}
+
 } // namespace
 
 RecoveryRecord RecoveryKeeper::Record() const {
-    RecoveryRecord record{document_.PictureName, document_.PictureFolder, history_.States().States(),
-                          history_.States().Active()};
-    for (HistoryState& state : record.states) {
-        state.imageFile = QFileInfo(state.imageFile).fileName();
+    RecoveryRecord record{document_.PictureName, document_.PictureFolder, {}, history_.States().Active()};
+    for (const HistoryState& state : history_.States().States()) {
+        record.states.push_back(WithFile(state));
     }
     return record;
 }
@@ -66,12 +89,15 @@ std::optional<RecoveryRecord> ReadRecoveryRecord(const AbandonedFolder& folder) 
     if (!record) {
         return std::nullopt;
     }
-    std::vector<HistoryState> whole;
+    const std::vector<RecoveryState> files = FilesIn(folder);
+    std::vector<RecoveryState> whole;
     int active = -1;
     for (int row = 0; row < static_cast<int>(record->states.size()); ++row) {
-        HistoryState state = record->states[static_cast<std::size_t>(row)];
-        state.imageFile = folder.Path(state.imageFile);
-        if (IsWholeJpeg(state.imageFile)) {
+        RecoveryState state = record->states[static_cast<std::size_t>(row)];
+        const auto own = std::find_if(files.begin(), files.end(),
+                                      [&](const RecoveryState& one) { return one.IsSameFile(state); });
+        if (own != files.end()) {
+            state.state.imageFile = own->state.imageFile;
             whole.push_back(std::move(state));
         }
         if (row <= record->active || active < 0) {

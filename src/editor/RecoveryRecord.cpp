@@ -12,7 +12,8 @@ namespace {
 constexpr QLatin1String kName("name");
 constexpr QLatin1String kFolder("folder");
 constexpr QLatin1String kCaption("caption");
-constexpr QLatin1String kFile("file");
+constexpr QLatin1String kTime("time");
+constexpr QLatin1String kSize("size");
 constexpr QLatin1String kActive("active");
 constexpr qsizetype kLongestText = 4096; // of a caption or a path
 constexpr qsizetype kLongestRecord = 1 << 20;
@@ -25,20 +26,15 @@ QString TextOf(const QJsonObject& object, QLatin1String key) {
     return object.value(key).toString().left(kLongestText);
 }
 
-bool IsPlainFileName(const QString& name) {
-    return !name.isEmpty() && !name.contains(u'/') && !name.contains(QChar(u'\0')) && !name.startsWith(u'.');
-}
-
 } // namespace
 
 QByteArray RecoveryRecord::Written() const {
     QByteArray bytes = Line({{kName, pictureName}, {kFolder, pictureFolder}});
     for (std::size_t row = 0; row < states.size(); ++row) {
-        if (states[row].restorable) {
-            bytes += Line({{kCaption, states[row].caption},
-                           {kFile, states[row].imageFile},
-                           {kActive, static_cast<int>(row) == active}});
-        }
+        bytes += Line({{kCaption, states[row].state.caption},
+                       {kTime, QString::number(states[row].fileTime)},
+                       {kSize, QString::number(states[row].fileSize)},
+                       {kActive, static_cast<int>(row) == active}});
     }
     return bytes;
 }
@@ -47,15 +43,16 @@ std::optional<RecoveryRecord> RecoveryRecord::Read(const QByteArray& bytes) {
     RecoveryRecord record;
     for (const QByteArray& line : bytes.left(kLongestRecord).split('\n')) {
         const QJsonObject object = QJsonDocument::fromJson(line).object();
-        const QString file = TextOf(object, kFile);
         if (object.contains(kName)) {
             record.pictureName = TextOf(object, kName);
             record.pictureFolder = TextOf(object, kFolder);
-        } else if (IsPlainFileName(file) && record.states.size() < History::kMost) {
+        } else if (object.contains(kTime) && record.states.size() < History::kMost) {
             if (object.value(kActive).toBool()) {
                 record.active = static_cast<int>(record.states.size());
             }
-            record.states.push_back({TextOf(object, kCaption), file});
+            record.states.push_back({{TextOf(object, kCaption), QString()},
+                                     TextOf(object, kTime).toLongLong(),
+                                     TextOf(object, kSize).toLongLong()});
         }
     }
     if (record.states.empty()) {

@@ -6,15 +6,28 @@
 #include <QByteArray>
 #include <QString>
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
 namespace pictorel {
 
+// A state, and how the file that holds its picture is told from all others: a kill in the midst of an edit
+// may leave the files under other names than the record says.
+struct RecoveryState {
+    HistoryState state;
+    std::int64_t fileTime = 0; // of its last change, nanoseconds
+    std::int64_t fileSize = 0; // bytes
+
+    bool IsSameFile(const RecoveryState& other) const {
+        return fileTime == other.fileTime && fileSize == other.fileSize;
+    }
+};
+
 struct RecoveryRecord {
-    QString pictureName;              // its file without its folder, or "Scan"
-    QString pictureFolder;            // empty for what is no file
-    std::vector<HistoryState> states; // the working files without their folder
+    QString pictureName;   // its file without its folder, or "Scan"
+    QString pictureFolder; // empty for what is no file
+    std::vector<RecoveryState> states;
     int active = -1;
 
     // A line of JSON for the picture and one for each state, so that what is whole of a damaged record is

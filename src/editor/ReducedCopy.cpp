@@ -70,19 +70,19 @@ void ReducedCopy::UpdatePreviewImage(PictureSlot slot) {
         const engine::Window part =
             Within(picture, shown.left, shown.top, shown.left + shown.width, shown.top + shown.height);
         CarryOn([&] {
-            document_.ImageCodec->Write(engine::Crop(picture, part), intermediate.toStdString(), "JPG");
-            Write(slot, part);
+            const PixelArray seen = engine::Crop(picture, part);
+            CarryOn([&] { document_.ImageCodec->Write(seen, intermediate.toStdString(), "JPG"); });
+            Write(picture, part, seen);
         });
     } else {
         // The newest working file mostly holds the picture already and only gets a second name here.
         CarryOn([&] { files_.SaveImageFile(slot, intermediate, QStringLiteral("JPG")); },
-                [&] { Write(slot, WholeOf(picture)); });
+                [&] { Write(picture, WholeOf(picture), picture); });
     }
     CarryOn([&] { observer_->PaintPending(); }, [&] { document_.FileSystem.Delete(intermediate); });
 }
 
-void ReducedCopy::Write(PictureSlot slot, const engine::Window& part) {
-    const PixelArray& picture = document_.WorkingPicture(slot);
+void ReducedCopy::Write(const PixelArray& picture, const engine::Window& part, const PixelArray& seen) {
     const PictureSize size = SplitSize(ComputeResizeSize(ToInt16(static_cast<std::int64_t>(part.width)),
                                                          ToInt16(static_cast<std::int64_t>(part.height)),
                                                          kPreviewWidth, kDeriveSide, false, 0));
@@ -99,8 +99,7 @@ void ReducedCopy::Write(PictureSlot slot, const engine::Window& part) {
     const double share = AreaOf(part) / AreaOf(around);
     Source source{whole, part, around, FinerCopies(std::move(pyramid), share)};
     const PixelArray reduced =
-        source.IsPart() ? FinerCopies(std::make_shared<PicturePyramid>(engine::Crop(picture, part)))
-                              .Copy(size.width, size.height)
+        source.IsPart() ? FinerCopies(std::make_shared<PicturePyramid>(seen)).Copy(size.width, size.height)
                         : source.copies.Copy(size.width, size.height);
     document_.ImageCodec->SetQuality(kSaveQuality);
     document_.ImageCodec->Write(reduced, FileName().toStdString(), "JPG");

@@ -49,7 +49,7 @@ class ReducedCopy {
         engine::Area PartIn(const PixelArray& copy) const; // in pixels of one of the copies
     };
 
-    void Write(PictureSlot slot, const engine::Window& part);
+    void Write(const PixelArray& picture, const engine::Window& part, const PixelArray& seen);
     PixelArray Shown(const PixelArray& result, const engine::Area& area) const;
     PixelArray PreviewWithin(const OperationRow& row, const Values& values) const;
 

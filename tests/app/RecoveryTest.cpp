@@ -1,5 +1,6 @@
 // The question at the start about what another editor left, and what each answer does.
 #include "app/EditorWindow.h"
+#include "support/CopyWithTimes.h"
 #include "support/ScopedEnvironment.h"
 
 #include <QDir>
@@ -25,7 +26,7 @@ class RecoveryAtStart : public testing::Test {
         folder_ = temporary_.filePath(name);
         ASSERT_TRUE(QDir().mkpath(folder_));
         for (const QString& file : living.entryList(QDir::Files)) {
-            ASSERT_TRUE(QFile::copy(living.filePath(file), folder_ + u'/' + file));
+            test::CopyWithTimes(living.filePath(file), folder_ + u'/' + file);
         }
     }
 

@@ -1,5 +1,6 @@
 // What an editor that died with unsaved changes leaves, and what the next one makes of it.
 #include "editor/HeadlessEditor.h"
+#include "support/CopyWithTimes.h"
 #include "support/Pictures.h"
 #include "support/ScopedEnvironment.h"
 
@@ -24,7 +25,7 @@ class RecoveryTest : public ::testing::Test {
         const QString dead = temporary_.filePath(name);
         EXPECT_TRUE(QDir().mkpath(dead));
         for (const QString& file : living.entryList(QDir::Files)) {
-            EXPECT_TRUE(QFile::copy(living.filePath(file), dead + u'/' + file));
+            CopyWithTimes(living.filePath(file), dead + u'/' + file);
         }
         return dead + u'/';
     }
@@ -164,8 +165,11 @@ TEST_F(RecoveryTest, WhatIsWholeOfADamagedOneComesBack) {
          [](const QString& folder) {
              QFile file(folder + QStringLiteral("tmpimg_0_3.jpg"));
              EXPECT_TRUE(file.open(QIODevice::ReadWrite));
+             const QDateTime time = file.fileTime(QFileDevice::FileModificationTime);
              file.seek(2);
              file.write(QByteArray(file.size() - 4, 'x')); // the ends are those of a JPEG
+             file.flush();
+             file.setFileTime(time, QFileDevice::FileModificationTime);
          },
          {"Open", "edit", "edit"},
          1},
@@ -194,6 +198,31 @@ TEST_F(RecoveryTest, WhatIsWholeOfADamagedOneComesBack) {
     }
 }
 
+// The record is written when an edit has ended: a kill before that leaves files under the names that the
+// record's states had.
+TEST_F(RecoveryTest, ARowNeverHoldsAnotherEditsPicture) {
+    HeadlessEditor dead;
+    Edit(dead);
+    const QString folder = LeftBy(dead);
+    const auto at = [&](int number) { return folder + QStringLiteral("tmpimg_0_%1.jpg").arg(number); };
+    const QString secondFile = dead.editor.Document.WorkingFile(QStringLiteral("tmpimg_0_2.jpg"));
+    const PixelArray second = dead.Read(secondFile);
+    QFile::remove(at(1)); // pushed out, and the others take the names before theirs
+    for (int number = 2; number <= 4; ++number) {
+        ASSERT_TRUE(QFile::rename(at(number), at(number - 1)));
+    }
+    CopyWithTimes(dead.MakeFile("new.jpg", PhotoLike({33, 44})), at(4)); // of the edit that was at work
+    HeadlessEditor next;
+    std::vector<AbandonedFolder> folders;
+    const auto record = OnlyRecord(folders);
+    ASSERT_TRUE(record);
+    ASSERT_TRUE(next.editor.Recover(*record));
+    EXPECT_EQ(next.States().Count(), 3);
+    EXPECT_EQ(next.States().Active(), 1);
+    next.editor.Undo();
+    EXPECT_TRUE(SamePixels(next.Shown(), second));
+}
+
 TEST_F(RecoveryTest, WhatIsNotWholeAtAllIsNoRecord) {
     HeadlessEditor dead;
     Edit(dead);
@@ -210,7 +239,7 @@ TEST_F(RecoveryTest, NothingUnreadableTakesThePlaceOfWhatIsOpen) {
     Edit(editor);
     const PixelArray before = editor.Shown();
     RecoveryRecord record;
-    record.states.push_back({QStringLiteral("Open"), temporary_.filePath(QStringLiteral("none.jpg"))});
+    record.states.push_back({{QStringLiteral("Open"), temporary_.filePath(QStringLiteral("none.jpg"))}});
     record.active = 0;
     EXPECT_FALSE(editor.editor.Recover(record));
     EXPECT_TRUE(editor.Shown().SharesPixelsWith(before));
@@ -220,13 +249,12 @@ TEST_F(RecoveryTest, NothingUnreadableTakesThePlaceOfWhatIsOpen) {
 // The record lies in a folder that only its user can write to, but a disk can make anything of it.
 TEST_F(RecoveryTest, NoBytesOfARecordLeadOutOfItsFolder) {
     for (const char* const line :
-         {"", "\n\n\n", "{}", "[1,2]", "{\"file\":\"../../etc/passwd\"}", "{\"file\":\"/etc/passwd\"}",
-          "{\"file\":\".hidden\"}", "{\"file\":17}", "{\"name\":\"x\"}", "{\"file\":"}) {
+         {"", "\n\n\n", "{}", "[1,2]", "{\"file\":\"/etc/passwd\"}", "{\"name\":\"x\"}", "{\"time\":"}) {
         EXPECT_FALSE(RecoveryRecord::Read(line)) << line;
     }
     QByteArray many;
     for (int i = 0; i < 40; ++i) {
-        many += "{\"file\":\"a.jpg\",\"active\":true}\n";
+        many += "{\"time\":\"7\",\"size\":\"9\",\"active\":true}\n";
     }
     const auto record = RecoveryRecord::Read(many);
     ASSERT_TRUE(record);
